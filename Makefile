@@ -1,0 +1,50 @@
+# The two commands a new user needs: `make run` and `make test`.
+# Both install missing packages first (scripts/install-deps.sh).
+
+MAKEFLAGS += --no-print-directory
+
+BUILD_DIR ?= build
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+CMAKE_FLAGS ?=
+
+.PHONY: all deps configure build run test bench sanitize format tidy clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps.sh
+
+configure: deps
+	@cmake -S . -B $(BUILD_DIR) $(CMAKE_FLAGS) >/dev/null
+
+build: configure
+	@cmake --build $(BUILD_DIR) -j $(JOBS)
+
+# Without a display (a bare server, CI) the program runs on the offscreen platform.
+run: build
+	@if [ -z "$$DISPLAY" ] && [ -z "$$WAYLAND_DISPLAY" ]; then \
+	  echo "No display found: running on Qt's offscreen platform."; \
+	  QT_QPA_PLATFORM=offscreen $(BUILD_DIR)/tarvo; \
+	else $(BUILD_DIR)/tarvo; fi
+
+test: build
+	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+
+bench: configure
+	@cmake --build $(BUILD_DIR) -j $(JOBS)
+	@for b in $(BUILD_DIR)/bench/bench_*; do \
+	  [ -x "$$b" ] || continue; echo "== $$b"; "$$b" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true || exit 1; \
+	done
+
+# Address and undefined-behaviour sanitizers, in a separate build folder.
+sanitize:
+	@$(MAKE) test BUILD_DIR=build-asan CMAKE_FLAGS="-DTARVO_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug -DTARVO_BUILD_BENCH=OFF"
+
+format:
+	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+tidy: configure
+	@git ls-files 'src/*.cpp' | xargs clang-tidy -p $(BUILD_DIR) --quiet
+
+clean:
+	@rm -rf $(BUILD_DIR) build-asan

@@ -1,0 +1,38 @@
+#!/usr/bin/env bash
+# Installs the Debian packages Tarvo needs to build, test and run.
+# Idempotent: packages already present are skipped; apt-get update runs only
+# when something is missing and the package lists do not know it yet.
+set -euo pipefail
+
+packages=(
+  build-essential cmake pkg-config
+  qt6-base-dev qt6-multimedia-dev libqt6opengl6-dev
+  libzip-dev
+  libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev
+  xvfb xauth poppler-utils fonts-dejavu-core
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    missing+=("$p")
+  fi
+done
+
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+sudo=""
+if [ "$(id -u)" -ne 0 ]; then
+  sudo="sudo"
+fi
+
+echo "Installing missing packages: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+# A package the lists do not know means the lists are stale (or absent on a new machine).
+for p in "${missing[@]}"; do
+  if ! apt-cache show "$p" >/dev/null 2>&1; then
+    $sudo apt-get update -qq
+    break
+  fi
+done
+$sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"

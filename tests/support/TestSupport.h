@@ -1,0 +1,48 @@
+#pragma once
+
+#include "shared/DateValue.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+// A test's own home folder: TARVO_HOME points at a fresh temporary folder for
+// the life of the object, and the global logger writes nowhere.
+class TempHome {
+public:
+    TempHome();
+    ~TempHome();
+    TempHome(const TempHome&) = delete;
+    TempHome& operator=(const TempHome&) = delete;
+
+    QString path() const { return m_dir.path(); }
+    // path + separator + name
+    QString file(const QString& name) const;
+
+private:
+    QTemporaryDir m_dir;
+    QByteArray m_oldHome;
+    bool m_hadHome = false;
+};
+
+// Fixes the clock for the life of the object and puts it back afterwards.
+class FixedClock {
+public:
+    explicit FixedClock(DateValue now);
+    explicit FixedClock(const QString& yyyyMmDdHhMm);
+    ~FixedClock();
+    FixedClock(const FixedClock&) = delete;
+    FixedClock& operator=(const FixedClock&) = delete;
+};
+
+// "YYYY-MM-DD" or "YYYY-MM-DD HH:MM" as a date value; fails the test when the
+// text is not one.
+DateValue D(const QString& text);
+
+QByteArray ReadFileBytes(const QString& path);
+bool WriteFileBytes(const QString& path, const QByteArray& bytes);
+
+// Lets gtest print QStrings readably in failure messages.
+void PrintTo(const QString& s, std::ostream* os);

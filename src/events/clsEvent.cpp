@@ -6,9 +6,13 @@ bool clsEvent::NameInShared(const QString& name) const {
     return ShareNames.contains(name + QStringLiteral("\r\n"), Qt::CaseInsensitive);
 }
 
-void clsEvent::CalcNextDueDate() { CalcDueDate(TodayDate()); }
+void clsEvent::CalcNextDueDate() {
+    CalcDueDate(TodayDate());
+}
 
-void clsEvent::CalcNextAfterDate(DateValue after) { CalcDueDate(after); }
+void clsEvent::CalcNextAfterDate(DateValue after) {
+    CalcDueDate(after);
+}
 
 void clsEvent::CalcDaysLeft() {
     m_DaysLeft = static_cast<int32_t>(std::llround(m_DueDate - TodayDate()));

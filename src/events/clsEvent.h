@@ -19,12 +19,12 @@ class clsEvent {
 public:
     // Recurrence codes (RecurrenceType), one per editor tab.
     enum Recurrence : int32_t {
-        DaysOfWeek = 0,   // next day whose weekday bit is set in WeekDays
+        DaysOfWeek = 0,     // next day whose weekday bit is set in WeekDays
         DayOfMonthType = 1, // day DayOfMonth of MonthNumber, 13 = every month
-        EveryXMonths = 2, // every Period months from StartDate
-        Weekly = 3,       // every Period weeks from StartDate
-        NthWeekday = 4,   // Daynumber-th DayOfWeek of MonthNumber, 0 = every month
-        EveryXDays = 5,   // every Period days from StartDate
+        EveryXMonths = 2,   // every Period months from StartDate
+        Weekly = 3,         // every Period weeks from StartDate
+        NthWeekday = 4,     // Daynumber-th DayOfWeek of MonthNumber, 0 = every month
+        EveryXDays = 5,     // every Period days from StartDate
     };
     // MonthNumber meaning "every month": 13 for type 1, 0 for type 4.
     static constexpr int16_t kEveryMonthType1 = 13;
@@ -33,18 +33,18 @@ public:
     static constexpr int16_t kLastWeekday = 5;
 
     // The twelve plain fields.
-    QString IDCode;            // six digits, given by the database on first store
-    bool ExecFile = false;     // open Filename at alarm time instead of an alarm line
+    QString IDCode;        // six digits, given by the database on first store
+    bool ExecFile = false; // open Filename at alarm time instead of an alarm line
     QString Filename;
-    QString WavFile;           // sound chosen for the event; empty when none
+    QString WavFile; // sound chosen for the event; empty when none
     bool PlayWav = false;
-    QString SharedLayerName;   // layer name, so other users can map it to their index
+    QString SharedLayerName; // layer name, so other users can map it to their index
     bool ShareWithSpecific = false;
-    QString ShareNames;        // each user name followed by CR LF
-    bool MailSent = false;     // cleared on every recomputation of the due date
+    QString ShareNames;    // each user name followed by CR LF
+    bool MailSent = false; // cleared on every recomputation of the due date
     QString Email;
     bool SharedEvent = false;
-    bool Deleted = false;      // marked for removal; skipped when saving
+    bool Deleted = false; // marked for removal; skipped when saving
 
     // True when ShareNames holds name + CR LF, ignoring case. Only the end of
     // an entry is anchored, so "Bob" is found in "JimBob\r\n"; that is how

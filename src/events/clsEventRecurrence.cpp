@@ -27,7 +27,9 @@ struct SearchGaveUp {};
 constexpr int kMaxSearchSteps = 200000;
 
 // Date serial (y, m, 1) of the month of v.
-DateValue firstOfMonth(DateValue v) { return DateSerial(YearOf(v), MonthOf(v), 1); }
+DateValue firstOfMonth(DateValue v) {
+    return DateSerial(YearOf(v), MonthOf(v), 1);
+}
 
 // Day d of month (y, m), walked back into that month when d overflows it.
 // The walk compares only the month number, so a day overflowing by a whole

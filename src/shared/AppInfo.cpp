@@ -4,9 +4,13 @@
 
 namespace AppInfo {
 
-QString Title() { return QStringLiteral("Tarvo"); }
+QString Title() {
+    return QStringLiteral("Tarvo");
+}
 
-QString VersionText() { return QStringLiteral(TARVO_VERSION); }
+QString VersionText() {
+    return QStringLiteral(TARVO_VERSION);
+}
 
 QString OperatingSystemText() {
     return QSysInfo::prettyProductName() + QStringLiteral(" (") + QSysInfo::kernelType() +

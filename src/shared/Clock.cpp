@@ -9,8 +9,8 @@ enum class Mode { System, Fixed, Running };
 
 struct ClockState {
     Mode mode = Mode::System;
-    DateValue base = 0;   // the fixed moment, or the start of a running clock
-    QElapsedTimer since;  // real time since base, for a running clock
+    DateValue base = 0;  // the fixed moment, or the start of a running clock
+    QElapsedTimer since; // real time since base, for a running clock
 };
 
 ClockState& state() {
@@ -52,9 +52,13 @@ void Clock::advance(double seconds) {
     s.base += seconds / 86400.0;
 }
 
-void Clock::reset() { state().mode = Mode::System; }
+void Clock::reset() {
+    state().mode = Mode::System;
+}
 
-bool Clock::isSystem() { return state().mode == Mode::System; }
+bool Clock::isSystem() {
+    return state().mode == Mode::System;
+}
 
 bool Clock::initFromEnvironment() {
     const QString text = qEnvironmentVariable(kEnvironmentVariable);

@@ -45,7 +45,9 @@ DateValue join(qint64 day, qint64 seconds) {
     return day >= 0 ? static_cast<double>(day) + t : static_cast<double>(day) - t;
 }
 
-QDate dayToQDate(qint64 day) { return QDate::fromJulianDay(day + kEpochJulian); }
+QDate dayToQDate(qint64 day) {
+    return QDate::fromJulianDay(day + kEpochJulian);
+}
 
 } // namespace
 
@@ -66,56 +68,92 @@ DateValue DateSerialDays(int year, int month, qint64 day) {
     return static_cast<double>(julian - kEpochJulian);
 }
 
-DateValue DateSerial(int year, int month, int day) { return DateSerialDays(year, month, day); }
+DateValue DateSerial(int year, int month, int day) {
+    return DateSerialDays(year, month, day);
+}
 
 DateValue TimeSerial(int hours, int minutes, int seconds) {
-    const qint64 total = static_cast<qint64>(hours) * 3600 + static_cast<qint64>(minutes) * 60 +
-                         seconds;
+    const qint64 total =
+        static_cast<qint64>(hours) * 3600 + static_cast<qint64>(minutes) * 60 + seconds;
     return static_cast<double>(total) / kSecondsPerDay;
 }
 
-int YearOf(DateValue v) { return dayToQDate(split(v).day).year(); }
-int MonthOf(DateValue v) { return dayToQDate(split(v).day).month(); }
-int DayOf(DateValue v) { return dayToQDate(split(v).day).day(); }
-int HourOf(DateValue v) { return static_cast<int>(split(v).seconds / 3600); }
-int MinuteOf(DateValue v) { return static_cast<int>(split(v).seconds / 60 % 60); }
-int SecondOf(DateValue v) { return static_cast<int>(split(v).seconds % 60); }
+int YearOf(DateValue v) {
+    return dayToQDate(split(v).day).year();
+}
+int MonthOf(DateValue v) {
+    return dayToQDate(split(v).day).month();
+}
+int DayOf(DateValue v) {
+    return dayToQDate(split(v).day).day();
+}
+int HourOf(DateValue v) {
+    return static_cast<int>(split(v).seconds / 3600);
+}
+int MinuteOf(DateValue v) {
+    return static_cast<int>(split(v).seconds / 60 % 60);
+}
+int SecondOf(DateValue v) {
+    return static_cast<int>(split(v).seconds % 60);
+}
 
 int Weekday(DateValue v, FirstDay first) {
     const int iso = dayToQDate(split(v).day).dayOfWeek(); // Monday 1 .. Sunday 7
     return first == FirstDay::Monday ? iso : iso % 7 + 1;
 }
 
-int DaysInMonth(int year, int month) { return QDate(year, month, 1).daysInMonth(); }
+int DaysInMonth(int year, int month) {
+    return QDate(year, month, 1).daysInMonth();
+}
 
-DateValue DateOnly(DateValue v) { return static_cast<double>(split(v).day); }
+DateValue DateOnly(DateValue v) {
+    return static_cast<double>(split(v).day);
+}
 
-DateValue TimeOnly(DateValue v) { return join(0, split(v).seconds); }
+DateValue TimeOnly(DateValue v) {
+    return join(0, split(v).seconds);
+}
 
-DateValue Now() { return Clock::now(); }
+DateValue Now() {
+    return Clock::now();
+}
 
-DateValue TodayDate() { return DateOnly(Now()); }
+DateValue TodayDate() {
+    return DateOnly(Now());
+}
 
-bool IsBeforeDate(DateValue d) { return IsBeforeDate(d, TodayDate()); }
+bool IsBeforeDate(DateValue d) {
+    return IsBeforeDate(d, TodayDate());
+}
 
-bool IsBeforeDate(DateValue d, DateValue ref) { return DateOnly(d) < DateOnly(ref); }
+bool IsBeforeDate(DateValue d, DateValue ref) {
+    return DateOnly(d) < DateOnly(ref);
+}
 
-QDate ToQDate(DateValue v) { return dayToQDate(split(v).day); }
+QDate ToQDate(DateValue v) {
+    return dayToQDate(split(v).day);
+}
 
 QDateTime ToQDateTime(DateValue v) {
     const Parts p = split(v);
     return QDateTime(dayToQDate(p.day), QTime(0, 0).addSecs(static_cast<int>(p.seconds)));
 }
 
-DateValue FromQDate(const QDate& d) { return static_cast<double>(d.toJulianDay() - kEpochJulian); }
+DateValue FromQDate(const QDate& d) {
+    return static_cast<double>(d.toJulianDay() - kEpochJulian);
+}
 
-DateValue FromQTime(const QTime& t) { return join(0, t.msecsSinceStartOfDay() / 1000); }
+DateValue FromQTime(const QTime& t) {
+    return join(0, t.msecsSinceStartOfDay() / 1000);
+}
 
 DateValue FromQDateTime(const QDateTime& dt) {
     return join(dt.date().toJulianDay() - kEpochJulian, dt.time().msecsSinceStartOfDay() / 1000);
 }
 
-QString FormatYMD(DateValue v) { return ToQDate(v).toString(QStringLiteral("yyyy-MM-dd")); }
+QString FormatYMD(DateValue v) {
+    return ToQDate(v).toString(QStringLiteral("yyyy-MM-dd"));
+}
 
 QString FormatHM(DateValue v) {
     const Parts p = split(v);
@@ -124,7 +162,9 @@ QString FormatHM(DateValue v) {
         .arg(p.seconds / 60 % 60, 2, 10, QLatin1Char('0'));
 }
 
-QString FormatYMDHM(DateValue v) { return FormatYMD(v) + QLatin1Char(' ') + FormatHM(v); }
+QString FormatYMDHM(DateValue v) {
+    return FormatYMD(v) + QLatin1Char(' ') + FormatHM(v);
+}
 
 std::optional<DateValue> ParseDateValue(const QString& text) {
     static const QRegularExpression re(QStringLiteral(

@@ -54,7 +54,7 @@ bool IsBeforeDate(DateValue d);
 bool IsBeforeDate(DateValue d, DateValue ref);
 
 QDate ToQDate(DateValue v);
-QDateTime ToQDateTime(DateValue v);   // local time
+QDateTime ToQDateTime(DateValue v); // local time
 DateValue FromQDate(const QDate& d);
 DateValue FromQDateTime(const QDateTime& dt);
 DateValue FromQTime(const QTime& t);

@@ -17,10 +17,10 @@ public:
     // The text the error handlers log: description + " (" + number + ")".
     QString logText() const;
 
-    static RuntimeError overflow();            // 6, "Overflow"
-    static RuntimeError invalidArgument();     // 5, "Invalid procedure call or argument"
-    static RuntimeError typeMismatch();        // 13, "Type mismatch"
-    static RuntimeError fileNotFound();        // 53, "File not found"
+    static RuntimeError overflow();        // 6, "Overflow"
+    static RuntimeError invalidArgument(); // 5, "Invalid procedure call or argument"
+    static RuntimeError typeMismatch();    // 13, "Type mismatch"
+    static RuntimeError fileNotFound();    // 53, "File not found"
 
 private:
     int m_number;

@@ -16,7 +16,9 @@ constexpr int kFileNumber = 1;
 
 cSharedLogging::cSharedLogging(QString programFolder) : m_programFolder(std::move(programFolder)) {}
 
-cSharedLogging::~cSharedLogging() { WriteActionsToLog(); }
+cSharedLogging::~cSharedLogging() {
+    WriteActionsToLog();
+}
 
 QString cSharedLogging::programFolder() const {
     return m_programFolder.isEmpty() ? AppPaths::HomeFolder() : m_programFolder;
@@ -82,10 +84,9 @@ void cSharedLogging::LogToFile(const QString& file, const QString& text, bool st
     QStringList lines;
     if (startNewFile) {
         lines << FormatLogLine(kFileNumber, QStringLiteral("Log file created "), now)
-              << FormatLogLine(kFileNumber,
-                               QStringLiteral("Operating System: ") +
-                                   AppInfo::OperatingSystemText(),
-                               now)
+              << FormatLogLine(
+                     kFileNumber,
+                     QStringLiteral("Operating System: ") + AppInfo::OperatingSystemText(), now)
               << FormatLogLine(kFileNumber, QStringLiteral("App: ") + AppInfo::Title(), now)
               << FormatLogLine(kFileNumber, QStringLiteral("Version: ") + AppInfo::VersionText(),
                                now)

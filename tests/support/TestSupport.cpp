@@ -20,13 +20,21 @@ TempHome::~TempHome() {
     }
 }
 
-QString TempHome::file(const QString& name) const { return AppPaths::JoinPath(path(), name); }
+QString TempHome::file(const QString& name) const {
+    return AppPaths::JoinPath(path(), name);
+}
 
-FixedClock::FixedClock(DateValue now) { Clock::setFixed(now); }
+FixedClock::FixedClock(DateValue now) {
+    Clock::setFixed(now);
+}
 
-FixedClock::FixedClock(const QString& yyyyMmDdHhMm) { Clock::setFixed(D(yyyyMmDdHhMm)); }
+FixedClock::FixedClock(const QString& yyyyMmDdHhMm) {
+    Clock::setFixed(D(yyyyMmDdHhMm));
+}
 
-FixedClock::~FixedClock() { Clock::reset(); }
+FixedClock::~FixedClock() {
+    Clock::reset();
+}
 
 DateValue D(const QString& text) {
     const std::optional<DateValue> v = ParseDateValue(text);
@@ -47,4 +55,6 @@ bool WriteFileBytes(const QString& path, const QByteArray& bytes) {
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }
 
-void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
+void PrintTo(const QString& s, std::ostream* os) {
+    *os << '"' << s.toStdString() << '"';
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+class clsDbXml;
+class cSHAREDSettings;
+class IFileOpener;
+class IReminderWindowFactory;
+class UserDialogs;
+
+// What the reminder engine works on: the process-wide settings and databases,
+// and the seams through which it shows windows, opens files and asks the user.
+struct ReminderServices {
+    cSHAREDSettings& settings;
+    clsDbXml& events;  // the user's "Events.xml"
+    clsDbXml& expired; // "Expired.xml"
+    clsDbXml* shared;  // other users' shared events (networked mode), or null
+    IReminderWindowFactory& windows;
+    IFileOpener& opener;
+    UserDialogs& dialogs;
+};

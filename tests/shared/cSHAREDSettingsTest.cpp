@@ -466,7 +466,9 @@ TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
     EXPECT_EQ(ReadFileBytes(ini), old);
     ASSERT_EQ(reports.texts().size(), 1);
     EXPECT_TRUE(reports.texts().first().endsWith(QStringLiteral(" in SaveSettings")));
-    EXPECT_EQ(QDir(home.path()).entryList(QDir::Files), QStringList{QStringLiteral("Tvo.ini")});
+    // No half-written temporary is left beside it.
+    EXPECT_EQ(QDir(home.path()).entryList({QStringLiteral("Tvo.ini*")}, QDir::Files | QDir::Hidden),
+              QStringList{QStringLiteral("Tvo.ini")});
 }
 
 TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {

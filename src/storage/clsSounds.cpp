@@ -1,0 +1,121 @@
+#include "storage/clsSounds.h"
+
+#include "shared/AppPaths.h"
+#include "shared/AppResources.h"
+#include "shared/TextCodec.h"
+#include "shared/cSharedLogging.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace {
+const QString kModule = QStringLiteral("clsSounds");
+const QString kLineEnd = QString::fromLatin1(TextCodec::kLineEnd);
+
+// The ID code of a table line: the part before its first comma; none for a
+// line without a comma.
+bool lineIdMatches(const QString& line, const QString& idCode) {
+    const qsizetype comma = line.indexOf(QLatin1Char(','));
+    return comma >= 0 && line.left(comma).trimmed() == idCode.trimmed();
+}
+} // namespace
+
+clsSounds::clsSounds(QString dataPath) : m_dataPath(std::move(dataPath)) {}
+
+QString clsSounds::EventWavsFilename() const {
+    return AppPaths::JoinPath(m_dataPath, QStringLiteral("EventWavs.ini"));
+}
+
+void clsSounds::Initialise() {
+    m_lines.clear();
+    QFile file(EventWavsFilename());
+    if (file.exists()) {
+        if (file.open(QIODevice::ReadOnly)) {
+            m_lines = TextCodec::FromWindows1252(file.readAll()).split(kLineEnd);
+        } else {
+            Log().AddAction(file.errorString() + QStringLiteral(": ") + file.fileName(),
+                            QStringLiteral("Initialise"), kModule);
+        }
+    }
+    m_loaded = true;
+}
+
+void clsSounds::ensureLoaded() {
+    if (!m_loaded) {
+        Initialise();
+    }
+}
+
+int clsSounds::IDCodePresent(const QString& idCode) {
+    ensureLoaded();
+    for (qsizetype i = 0; i < m_lines.size(); ++i) {
+        if (lineIdMatches(m_lines.at(i), idCode)) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+QString clsSounds::GetWavName(const QString& idCode) {
+    const int i = IDCodePresent(idCode);
+    return i < 0 ? QString() : m_lines.at(i).section(QLatin1Char(','), 1, 1);
+}
+
+void clsSounds::AddorChange(const QString& idCode, const QString& soundPath) {
+    const QString line = idCode + QLatin1Char(',') + soundPath;
+    const int i = IDCodePresent(idCode);
+    if (i >= 0) {
+        m_lines[i] = line;
+    } else {
+        // A new line goes at the end, and the file keeps ending in CR LF
+        // (an empty last entry in the list).
+        if (!m_lines.isEmpty() && m_lines.last().isEmpty()) {
+            m_lines.last() = line;
+        } else {
+            m_lines.append(line);
+        }
+        m_lines.append(QString());
+    }
+    if (!save()) {
+        Log().AddAction(QStringLiteral("Unable to write ") + EventWavsFilename(),
+                        QStringLiteral("AddorChange"), kModule);
+    }
+}
+
+void clsSounds::Delete(const QString& idCode) {
+    const int i = IDCodePresent(idCode);
+    if (i < 0) {
+        return;
+    }
+    m_lines.removeAt(i);
+    if (!save()) {
+        Log().AddAction(QStringLiteral("Unable to write ") + EventWavsFilename(),
+                        QStringLiteral("Delete"), kModule);
+    }
+}
+
+bool clsSounds::save() {
+    QSaveFile file(EventWavsFilename());
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    file.write(TextCodec::ToWindows1252(m_lines.join(kLineEnd)));
+    return file.commit();
+}
+
+bool WriteDefaultAlarmWav(const QString& path) {
+    if (QFileInfo::exists(path)) {
+        return true;
+    }
+    AppResources::Init();
+    QFile source(QString::fromLatin1(AppResources::kAlarmWav));
+    QSaveFile target(path);
+    if (!source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly) ||
+        target.write(source.readAll()) != source.size() || !target.commit()) {
+        Log().AddAction(QStringLiteral("Unable to write ") + path,
+                        QStringLiteral("WriteDefaultAlarmWav"), kModule);
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,100 @@
+#include "storage/clsSounds.h"
+
+#include "support/TestSupport.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+class SoundsTest : public ::testing::Test {
+protected:
+    void WriteTable(const QByteArray& bytes) {
+        ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("EventWavs.ini")), bytes));
+    }
+    QByteArray TableBytes() const { return ReadFileBytes(home.file(QStringLiteral("EventWavs.ini"))); }
+
+    TempHome home;
+    clsSounds sounds{home.path()};
+};
+
+TEST_F(SoundsTest, LooksUpSoundsByIdCode) {
+    WriteTable("123456,C:\\Sounds\\bell.wav\r\n"
+               "no comma here\r\n"
+               " 222222 ,/home/ann/My, Sounds/gong.wav\r\n"
+               "333333,/a.wav,extra\r\n"
+               "444444,/gl\xf6" "ckchen.wav\r\n");
+    struct Case {
+        const char* id;
+        int line;
+        QString wav;
+    };
+    const Case cases[] = {
+        {"123456", 0, QStringLiteral("C:\\Sounds\\bell.wav")},
+        {"222222", 2, QStringLiteral("/home/ann/My")}, // cut at the comma in the path
+        {"333333", 3, QStringLiteral("/a.wav")},
+        {"444444", 4, QStringLiteral("/gl\u00f6ckchen.wav")},
+        {"no comma here", -1, QString()},
+        {"999999", -1, QString()},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.id);
+        EXPECT_EQ(sounds.IDCodePresent(QString::fromLatin1(c.id)), c.line);
+        EXPECT_EQ(sounds.GetWavName(QString::fromLatin1(c.id)), c.wav);
+    }
+}
+
+TEST_F(SoundsTest, MissingTableIsEmptyAndNotCreatedByReading) {
+    EXPECT_EQ(sounds.GetWavName(QStringLiteral("123456")), QString());
+    EXPECT_EQ(sounds.IDCodePresent(QStringLiteral("123456")), -1);
+    sounds.Delete(QStringLiteral("123456"));
+    EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename()));
+}
+
+TEST_F(SoundsTest, AddingKeepsExistingLinesAndAppendsOne) {
+    const QByteArray before = "111111,/one.wav\r\n222222,/two.wav\r\n";
+    WriteTable(before);
+    sounds.AddorChange(QStringLiteral("333333"), QStringLiteral("/three.wav"));
+    EXPECT_EQ(TableBytes(), before + "333333,/three.wav\r\n");
+
+    // A table without a final line end still gets a line of its own.
+    clsSounds other(home.path());
+    WriteTable("111111,/one.wav");
+    other.AddorChange(QStringLiteral("222222"), QStringLiteral("/two.wav"));
+    EXPECT_EQ(TableBytes(), QByteArray("111111,/one.wav\r\n222222,/two.wav\r\n"));
+}
+
+TEST_F(SoundsTest, ChangingAndDeletingRewriteInPlace) {
+    WriteTable("111111,/one.wav\r\n222222,/two.wav\r\n333333,/three.wav\r\n");
+    sounds.AddorChange(QStringLiteral("222222"), QStringLiteral("/new.wav"));
+    EXPECT_EQ(TableBytes(),
+              QByteArray("111111,/one.wav\r\n222222,/new.wav\r\n333333,/three.wav\r\n"));
+    sounds.Delete(QStringLiteral("111111"));
+    EXPECT_EQ(TableBytes(), QByteArray("222222,/new.wav\r\n333333,/three.wav\r\n"));
+
+    // A fresh reader sees what was written.
+    clsSounds reread(home.path());
+    EXPECT_EQ(reread.GetWavName(QStringLiteral("222222")), QStringLiteral("/new.wav"));
+    EXPECT_EQ(reread.IDCodePresent(QStringLiteral("111111")), -1);
+}
+
+TEST_F(SoundsTest, NewTableIsCreatedWithOneLine) {
+    sounds.AddorChange(QStringLiteral("123456"), QStringLiteral("/b\u00e9ll.wav"));
+    EXPECT_EQ(TableBytes(), QByteArray("123456,/b\xe9ll.wav\r\n"));
+}
+
+TEST(DefaultAlarmWav, BuiltInSoundIsWrittenOnlyWhenMissing) {
+    TempHome home;
+    const QString path = home.file(QStringLiteral("alarm.wav"));
+    ASSERT_TRUE(WriteDefaultAlarmWav(path));
+    const QByteArray wav = ReadFileBytes(path);
+    EXPECT_TRUE(wav.startsWith("RIFF"));
+    EXPECT_EQ(wav.mid(8, 4), QByteArray("WAVE"));
+    EXPECT_GT(wav.size(), 1000);
+
+    ASSERT_TRUE(WriteFileBytes(path, "user's own sound"));
+    EXPECT_TRUE(WriteDefaultAlarmWav(path));
+    EXPECT_EQ(ReadFileBytes(path), QByteArray("user's own sound"));
+}
+
+} // namespace

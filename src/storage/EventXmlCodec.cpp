@@ -14,6 +14,7 @@
 #include <cstring>
 #include <limits>
 #include <optional>
+#include <vector>
 
 namespace EventXmlCodec {
 namespace {
@@ -144,7 +145,7 @@ QByteArray removeAllNoCase(QByteArrayView text, std::string_view needle) {
 }
 
 // ---------------------------------------------------------------------------
-// Windows-1252 tables, taken from the system conversion once.
+// Windows-1252 tables, taken from the system's decoder once.
 
 struct AnsiTables {
     std::array<char16_t, 256> toUnicode{};
@@ -154,25 +155,11 @@ struct AnsiTables {
             const QString s = TextCodec::FromWindows1252(QByteArray(1, static_cast<char>(b)));
             toUnicode[b] = s.size() == 1 ? s.at(0).unicode() : char16_t(0xFFFD);
         }
-        QString all;
-        all.reserve(0x10000);
-        for (int u = 0; u < 0x10000; ++u) {
-            if (u < 0xD800 || u > 0xDFFF) {
-                all.append(QChar(static_cast<char16_t>(u)));
-            }
-        }
-        const QByteArray bytes = TextCodec::ToWindows1252(all);
-        if (bytes.size() == all.size()) {
-            for (qsizetype i = 0; i < all.size(); ++i) {
-                fromUnicode[all.at(i).unicode()] = static_cast<unsigned char>(bytes.at(i));
-            }
-        } else {
-            for (int b = 0; b < 256; ++b) { // conservative: exact round trips only
-                const QByteArray back = TextCodec::ToWindows1252(QString(QChar(toUnicode[b])));
-                if (back.size() == 1 && static_cast<unsigned char>(back.at(0)) == b) {
-                    fromUnicode[toUnicode[b]] = static_cast<unsigned char>(b);
-                }
-            }
+        // Every byte decodes to its own character, so the reverse table is
+        // exact; characters the code page lacks become "?" as documented for
+        // data files (the system encoder would give a SUB control character).
+        for (int b = 0; b < 256; ++b) {
+            fromUnicode[toUnicode[b]] = static_cast<unsigned char>(b);
         }
     }
 };

@@ -38,7 +38,8 @@ QByteArray PercentEncode(const QString& text);
 QString PercentDecode(QByteArrayView bytes);
 
 // Windows-1252 conversion through lookup tables built once from the system's
-// conversion, so results match TextCodec while costing no decoder per field.
+// decoder, so no converter is built per field. Characters outside the code
+// page are written as "?".
 QString FromAnsi(QByteArrayView bytes);
 void AppendAnsi(QByteArray& out, const QString& text);
 

@@ -7,6 +7,8 @@
 #include <QLocale>
 #include <QTemporaryDir>
 
+#include "shared/cSharedLogging.h"
+
 #include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
@@ -15,6 +17,8 @@ int main(int argc, char** argv) {
     qputenv("TARVO_HOME", QFile::encodeName(home.path()));
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     QApplication app(argc, argv);
+    // Fix the log's place for the whole run, before any test moves TARVO_HOME.
+    Log().LogEvent(QStringLiteral("Tests started"), true);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

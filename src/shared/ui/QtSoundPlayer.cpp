@@ -1,6 +1,7 @@
 #include "shared/ui/QtSoundPlayer.h"
 
 #include <QFileInfo>
+#include <QAudioDevice>
 #include <QMediaDevices>
 #include <QSoundEffect>
 #include <QUrl>

@@ -16,8 +16,9 @@ TEST(AtomicFile, ReplacesTheWholeFileAndLeavesNoTemporaryBehind) {
     const AtomicFile::Result r = AtomicFile::Write(f, "new\r\n");
     EXPECT_TRUE(r.ok());
     EXPECT_EQ(ReadFileBytes(f), QByteArray("new\r\n"));
-    EXPECT_EQ(QDir(home.path()).entryList({QStringLiteral("data.xml*")}, QDir::Files | QDir::Hidden),
-              QStringList{QStringLiteral("data.xml")});
+    EXPECT_EQ(
+        QDir(home.path()).entryList({QStringLiteral("data.xml*")}, QDir::Files | QDir::Hidden),
+        QStringList{QStringLiteral("data.xml")});
 }
 
 TEST(AtomicFile, RefusesAReadOnlyFileUntilMadeWritable) {

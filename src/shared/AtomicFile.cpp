@@ -29,6 +29,9 @@ Result Classify(const QSaveFile& file, const QString& path) {
     if (file.error() == QFileDevice::OpenError && folder.exists() && !folder.isWritable()) {
         return Failure(Status::AccessDenied, file.errorString());
     }
+    if (!folder.exists()) {
+        return {Status::OtherError, 76, QStringLiteral("Path not found")};
+    }
     return Failure(Status::OtherError, file.errorString());
 }
 

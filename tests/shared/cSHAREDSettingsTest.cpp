@@ -471,6 +471,15 @@ TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
               QStringList{QStringLiteral("Tvo.ini")});
 }
 
+TEST(SettingsSave, MissingFolderIsReportedWithPathNotFound) {
+    TempHome home;
+    RecordedErrorReports reports;
+    cSHAREDSettings s;
+    s.sSet("A", 1);
+    EXPECT_FALSE(s.SaveSettings(home.file(QStringLiteral("gone/Tvo.ini"))));
+    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("76 - Path not found in SaveSettings")});
+}
+
 TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {
     TempHome home;
     ScriptedFileAccess access;

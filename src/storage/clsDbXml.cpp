@@ -1,6 +1,7 @@
 #include "storage/clsDbXml.h"
 
 #include "shared/AppPaths.h"
+#include "shared/AtomicFile.h"
 #include "shared/TextCodec.h"
 #include "shared/TextEqual.h"
 #include "shared/cSHAREDSettings.h"
@@ -12,7 +13,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
-#include <QSaveFile>
 
 namespace {
 const QString kModule = QStringLiteral("clsDbXml");
@@ -28,7 +28,6 @@ constexpr quint32 kIdCodeCount = 100001;
 constexpr qsizetype kTypicalBlockSize = 900;
 } // namespace
 
-std::function<bool()> clsDbXmlTesting::beforeCommit;
 
 clsDbXml::clsDbXml(cSHAREDSettings& settings, clsLayers* layers)
     : m_settings(settings), m_layers(layers) {}
@@ -168,10 +167,9 @@ void clsDbXml::SaveDB() {
         Log().AddAction(QStringLiteral("Bad file name or number (52)"), procedure, kModule);
         return;
     }
-    const QFileInfo info(m_fileName);
-    // A file without its owner's write permission is read-only even for a
-    // user whom the system would let write it anyway.
-    if (info.exists() && (!info.isWritable() || !(info.permissions() & QFileDevice::WriteOwner))) {
+    // A file without its owner's write permission counts as read-only even
+    // for a user whom the system would let write it.
+    if (AtomicFile::IsReadOnly(m_fileName)) {
         Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
     } else {
         QByteArray out;
@@ -184,17 +182,14 @@ void clsDbXml::SaveDB() {
                 out.append(TextCodec::kLineEnd);
             }
         }
-        QSaveFile file(m_fileName);
-        if (!file.open(QIODevice::WriteOnly)) {
-            Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
-            Log().AddAction(file.errorString() + QStringLiteral(" (75)"), procedure, kModule);
-        } else if (file.write(out) != out.size()) {
-            Log().AddAction(file.errorString() + QStringLiteral(" (61)"), procedure, kModule);
-            file.cancelWriting();
-        } else if (clsDbXmlTesting::beforeCommit && !clsDbXmlTesting::beforeCommit()) {
-            file.cancelWriting();
-        } else if (!file.commit()) {
-            Log().AddAction(file.errorString() + QStringLiteral(" (75)"), procedure, kModule);
+        const AtomicFile::Result result = AtomicFile::Write(m_fileName, out);
+        if (!result.ok()) {
+            if (result.status == AtomicFile::Status::AccessDenied) {
+                Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
+            }
+            Log().AddAction(result.description + QStringLiteral(" (") +
+                                QString::number(result.errorNumber) + QLatin1Char(')'),
+                            procedure, kModule);
         }
     }
     if (m_publisher) {

@@ -119,10 +119,3 @@ private:
     bool m_networked = false;
     std::function<void(clsDbXml&)> m_publisher;
 };
-
-namespace clsDbXmlTesting {
-// Called by SaveDB after the new file is written in full and before it takes
-// the old one's place; returning false abandons the save there, as a crash
-// would. Empty outside tests.
-extern std::function<bool()> beforeCommit;
-} // namespace clsDbXmlTesting

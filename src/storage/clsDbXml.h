@@ -109,8 +109,11 @@ private:
     QList<EventPtr> m_events;
     // How many listed events carry each ID code, so a fresh code is checked
     // for uniqueness without walking the list (IDs change only through
-    // StoreRecord while an event is listed).
-    QHash<QString, int> m_idCounts;
+    // StoreRecord while an event is listed). Built on first need after a
+    // load, so loads that are only read never pay for it.
+    const QHash<QString, int>& idIndex() const;
+    mutable QHash<QString, int> m_idCounts;
+    mutable bool m_indexValid = true;
     QString m_fileName;
     qint64 m_stamp = 0;             // ms since the epoch; 0 = file absent
     QStringList m_sharedFiles;      // merged set: files in list order

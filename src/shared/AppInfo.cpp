@@ -1,5 +1,7 @@
 #include "shared/AppInfo.h"
 
+#include "shared/DateValue.h"
+
 #include <QSysInfo>
 
 namespace AppInfo {
@@ -12,5 +14,15 @@ QString OperatingSystemText() {
     return QSysInfo::prettyProductName() + QStringLiteral(" (") + QSysInfo::kernelType() +
            QLatin1Char(' ') + QSysInfo::kernelVersion() + QLatin1Char(')');
 }
+
+QString BuildText() { return QStringLiteral("Qt ") + QLatin1String(QT_VERSION_STR); }
+
+// The two addresses below are the places to change for a distribution.
+QString BugReportAddress() {
+    return QStringLiteral("bugs") + QString::number(YearOf(TodayDate())) +
+           QStringLiteral("@tarvo.example.org");
+}
+
+QUrl HelpUrl() { return QUrl(QStringLiteral("https://tarvo.example.org/help/")); }
 
 } // namespace AppInfo

@@ -1,0 +1,359 @@
+#include "shared/cSHAREDSettings.h"
+
+#include "shared/TextCodec.h"
+#include "shared/UserDialogs.h"
+#include "shared/cSHAREDShowError.h"
+#include "shared/cSharedLogging.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QStorageInfo>
+
+#include <exception>
+
+namespace {
+
+const QString kModule = QStringLiteral("cSHAREDSettings");
+
+const QString kReadOnlyMessage =
+    QStringLiteral("Your settings file is read-only and I can't change it. Save cancelled.");
+
+// An integer in the traditional print layout: the sign position (a blank for
+// a non-negative number) and one blank after the digits.
+QString PrintInteger(int32_t n) {
+    return (n >= 0 ? QStringLiteral(" ") : QString()) + QString::number(n) + QLatin1Char(' ');
+}
+
+SettingsFileAccess& DefaultAccess() {
+    static SettingsFileAccess access;
+    return access;
+}
+
+} // namespace
+
+AtomicFile::Result SettingsFileAccess::Write(const QString& path, const QByteArray& bytes) {
+    return AtomicFile::Write(path, bytes);
+}
+
+bool SettingsFileAccess::MakeWritable(const QString& path) { return AtomicFile::MakeWritable(path); }
+
+QString DriveOfPath(const QString& path) {
+    static const QRegularExpression letter(QStringLiteral("^([A-Za-z]):"));
+    const QRegularExpressionMatch m = letter.match(path);
+    if (m.hasMatch()) {
+        return m.captured(1);
+    }
+    const QStorageInfo storage(QFileInfo(path).absolutePath());
+    return storage.isValid() ? storage.rootPath() : QStringLiteral("/");
+}
+
+cSHAREDSettings::cSHAREDSettings(UserDialogs* dialogs)
+    : m_dialogs(dialogs), m_trueWord(QStringLiteral("TRUE")), m_falseWord(QStringLiteral("FALSE")) {}
+
+void cSHAREDSettings::setFileAccess(SettingsFileAccess* access) { m_access = access; }
+
+void cSHAREDSettings::setLocaleBooleanWords(const QString& trueWord, const QString& falseWord) {
+    m_trueWord = trueWord.trimmed().toUpper();
+    m_falseWord = falseWord.trimmed().toUpper();
+}
+
+QString cSHAREDSettings::lookupKey(const QString& key) {
+    QString k = key;
+    k.remove(QLatin1Char(','));
+    return k.toCaseFolded();
+}
+
+qsizetype cSHAREDSettings::find(const QString& key) const {
+    return m_index.value(lookupKey(key), -1);
+}
+
+void cSHAREDSettings::removeAt(qsizetype index) {
+    m_entries.removeAt(index);
+    m_index.clear();
+    for (qsizetype i = 0; i < m_entries.size(); ++i) {
+        m_index.insert(lookupKey(m_entries.at(i).key), i);
+    }
+}
+
+bool cSHAREDSettings::isTrueWord(const QString& upperTrimmed) const {
+    return upperTrimmed == QLatin1String("TRUE") ||
+           (!m_trueWord.isEmpty() && upperTrimmed == m_trueWord);
+}
+
+bool cSHAREDSettings::isFalseWord(const QString& upperTrimmed) const {
+    return upperTrimmed == QLatin1String("FALSE") ||
+           (!m_falseWord.isEmpty() && upperTrimmed == m_falseWord);
+}
+
+QString cSHAREDSettings::SettingNameByIndex(int32_t pos1) const {
+    if (pos1 < 1 || pos1 > m_entries.size()) {
+        Log().AddAction(QStringLiteral("Subscript out of range (9)"),
+                        QStringLiteral("SettingNameByIndex"), kModule);
+        return {};
+    }
+    return m_entries.at(pos1 - 1).key;
+}
+
+void cSHAREDSettings::StoreSetting(const QString& key, const SettingValue& v) { AddSetting(key, v); }
+
+void cSHAREDSettings::AddSetting(const QString& key, SettingValue value) {
+    if (value.isBoolean()) {
+        value = SettingValue(static_cast<int32_t>(value.toBool() ? -1 : 0));
+    }
+    QString name = key;
+    name.remove(QLatin1Char(','));
+    if (name.isEmpty()) {
+        Log().AddAction(QStringLiteral("Invalid procedure call or argument (5)"),
+                        QStringLiteral("AddSetting"), kModule);
+        return;
+    }
+    const qsizetype at = find(name);
+    if (at >= 0) {
+        m_entries[at].value = value;
+        return;
+    }
+    m_entries.append({name, value});
+    m_index.insert(lookupKey(name), m_entries.size() - 1);
+}
+
+SettingValue cSHAREDSettings::RetrieveSetting(const QString& key, const SettingValue& def) const {
+    const qsizetype at = find(key);
+    if (at < 0) {
+        return def;
+    }
+    const SettingValue& v = m_entries.at(at).value;
+    if (v.isText()) {
+        const QString t = v.toText().trimmed().toUpper();
+        if (isTrueWord(t)) {
+            return SettingValue(true);
+        }
+        if (isFalseWord(t)) {
+            return SettingValue(false);
+        }
+    }
+    return v;
+}
+
+SettingValue cSHAREDSettings::RetrieveWithDefault(const QString& key,
+                                                  const SettingValue& def) const {
+    const SettingValue v = RetrieveSetting(key, def);
+    return v.isZero() ? def : v;
+}
+
+bool cSHAREDSettings::IsSettingPresent(const QString& key) const { return find(key) >= 0; }
+
+void cSHAREDSettings::DeleteAllSettings() {
+    m_entries.clear();
+    m_index.clear();
+}
+
+void cSHAREDSettings::DeleteSettingByName(const QString& key) {
+    const qsizetype at = find(key);
+    if (at >= 0) {
+        removeAt(at);
+    }
+}
+
+void cSHAREDSettings::DeleteSetting(int32_t pos1) {
+    if (pos1 < 1 || pos1 > m_entries.size()) {
+        Log().AddAction(QStringLiteral("Subscript out of range (9)"),
+                        QStringLiteral("DeleteSetting"), kModule);
+        return;
+    }
+    removeAt(pos1 - 1);
+}
+
+QByteArray cSHAREDSettings::FileBytes() const {
+    QString text;
+    for (const Entry& e : m_entries) {
+        text += e.key.toUpper() + QLatin1Char(',');
+        text += e.value.isInteger() ? PrintInteger(e.value.toInt()) : e.value.toText();
+        text += QLatin1String(TextCodec::kLineEnd);
+    }
+    return TextCodec::ToWindows1252(text);
+}
+
+bool cSHAREDSettings::SaveSettings(const QString& file) {
+    try {
+        SettingsFileAccess& access = m_access != nullptr ? *m_access : DefaultAccess();
+        const QByteArray bytes = FileBytes();
+        bool madeWritable = false;
+        for (;;) {
+            const AtomicFile::Result r = access.Write(file, bytes);
+            switch (r.status) {
+            case AtomicFile::Status::Saved: return true;
+            case AtomicFile::Status::AccessDenied:
+                // One attempt at clearing the read-only state; a second refusal
+                // means the folder or the system will not let us write.
+                if (!madeWritable && access.MakeWritable(file)) {
+                    madeWritable = true;
+                    continue;
+                }
+                Log().AddAction(kReadOnlyMessage, QStringLiteral("SaveSettings"), kModule);
+                if (m_dialogs != nullptr) {
+                    m_dialogs->Message(kReadOnlyMessage, {}, UserDialogs::Icon::Warning);
+                }
+                return false;
+            case AtomicFile::Status::DiskFull: {
+                const QString question =
+                    QStringLiteral("You've run out of disk space on drive ") + DriveOfPath(file) +
+                    QStringLiteral(":\rPlease clear some space and then click Retry, else click "
+                                   "Cancel to abort.");
+                Log().AddAction(r.description + QStringLiteral(" (61)"),
+                                QStringLiteral("SaveSettings"), kModule);
+                if (m_dialogs != nullptr && m_dialogs->AskRetryCancel(question)) {
+                    continue;
+                }
+                return false;
+            }
+            case AtomicFile::Status::OtherError:
+                cSHAREDShowError::ShowErr(QString::number(r.errorNumber) + QStringLiteral(" - ") +
+                                          r.description + QStringLiteral(" in SaveSettings"));
+                return false;
+            }
+        }
+    } catch (const std::exception& e) {
+        Log().AddAction(QString::fromLocal8Bit(e.what()), QStringLiteral("SaveSettings"), kModule);
+    }
+    return false;
+}
+
+void cSHAREDSettings::LoadSettings(const QString& file) {
+    DeleteAllSettings();
+    QString line;
+    try {
+        if (!QFileInfo::exists(file)) {
+            return;
+        }
+        QFile f(file);
+        if (!f.open(QIODevice::ReadOnly)) {
+            cSHAREDShowError::ShowErr(QStringLiteral("Error 75 in setting file. Line:  of ") + file);
+            return;
+        }
+        const QString text = TextCodec::FromWindows1252(f.readAll());
+        // Lines end in CR LF; a bare LF from a hand edit on another system is
+        // accepted too.
+        static const QRegularExpression lineEnd(QStringLiteral("\r\n|\n"));
+        const QStringList lines = text.split(lineEnd);
+        for (const QString& l : lines) {
+            line = l;
+            const qsizetype comma = line.indexOf(QLatin1Char(','));
+            if (comma < 0) {
+                continue;
+            }
+            const QString key = line.left(comma);
+            if (key.trimmed().isEmpty()) {
+                continue;
+            }
+            const QString raw = line.mid(comma + 1);
+            const QString upper = raw.trimmed().toUpper();
+            if (isFalseWord(upper)) {
+                AddSetting(key, SettingValue(static_cast<int32_t>(0)));
+            } else if (isTrueWord(upper)) {
+                AddSetting(key, SettingValue(static_cast<int32_t>(-1)));
+            } else {
+                AddSetting(key, SettingValue(raw));
+            }
+        }
+    } catch (const std::exception& e) {
+        cSHAREDShowError::ShowErr(QStringLiteral("Error 5 in setting file. Line: ") + line +
+                                  QStringLiteral(" of ") + file);
+        Log().AddAction(QString::fromLocal8Bit(e.what()), QStringLiteral("LoadSettings"), kModule);
+    }
+}
+
+QString cSHAREDSettings::memberKey(const QString& upperSet, int32_t n) {
+    return upperSet + QLatin1Char('_') + QString::number(n);
+}
+
+QString cSHAREDSettings::indexKey(const QString& upperSet) {
+    return upperSet + QStringLiteral("_INDEX");
+}
+
+int32_t cSHAREDSettings::LastIndexInSet(const QString& set) const {
+    return RetrieveSetting(indexKey(set.toUpper())).toInt();
+}
+
+int32_t cSHAREDSettings::AddToSet(const QString& set, const SettingValue& value) {
+    const QString s = set.toUpper();
+    int32_t n = 0;
+    do {
+        n = LastIndexInSet(s) + 1;
+        AddSetting(indexKey(s), SettingValue(n));
+    } while (IsSettingPresent(memberKey(s, n)));
+    AddSetting(memberKey(s, n), value);
+    return n;
+}
+
+bool cSHAREDSettings::ValueInSet(const QString& set, const SettingValue& value) const {
+    const QString s = set.toUpper();
+    const QString wanted = value.toText();
+    const int32_t last = LastIndexInSet(s);
+    for (int32_t n = 1; n <= last; ++n) {
+        const qsizetype at = find(memberKey(s, n));
+        if (at >= 0 &&
+            m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void cSHAREDSettings::DeleteFromSetByValue(const QString& set, const SettingValue& value) {
+    const QString s = set.toUpper();
+    const QString wanted = value.toText();
+    const int32_t last = LastIndexInSet(s);
+    for (int32_t n = 1; n <= last; ++n) {
+        const qsizetype at = find(memberKey(s, n));
+        if (at >= 0 &&
+            m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
+            RemoveFromSetAt(s, n);
+            return;
+        }
+    }
+}
+
+void cSHAREDSettings::RemoveFromSetAt(const QString& upperSet, int32_t pos) {
+    const int32_t last = LastIndexInSet(upperSet);
+    if (pos >= last) {
+        DeleteSettingByName(memberKey(upperSet, pos));
+    } else {
+        for (int32_t n = pos + 1; n <= last; ++n) {
+            const qsizetype at = find(memberKey(upperSet, n));
+            if (at >= 0) {
+                AddSetting(memberKey(upperSet, n - 1), m_entries.at(at).value);
+            } else {
+                // A hole moves down with the rest.
+                DeleteSettingByName(memberKey(upperSet, n - 1));
+            }
+        }
+        DeleteSettingByName(memberKey(upperSet, last));
+    }
+    AddSetting(indexKey(upperSet), SettingValue(last - 1));
+}
+
+int32_t cSHAREDSettings::SetCount(const QString& set) const {
+    const QString s = set.toUpper();
+    const int32_t last = LastIndexInSet(s);
+    int32_t count = 0;
+    for (int32_t n = 1; n <= last; ++n) {
+        if (IsSettingPresent(memberKey(s, n))) {
+            ++count;
+        }
+    }
+    if (count != last) {
+        Log().AddAction(QStringLiteral("WARNING: LastIDX and Setcount not the same with setting '") +
+                        s + QLatin1Char('\''));
+    }
+    return count;
+}
+
+void cSHAREDSettings::DeleteASet(const QString& set) {
+    const QString s = set.toUpper();
+    const int32_t upTo = SetCount(s) + 10;
+    for (int32_t n = 1; n <= upTo; ++n) {
+        DeleteSettingByName(memberKey(s, n));
+    }
+    DeleteSettingByName(indexKey(s));
+}

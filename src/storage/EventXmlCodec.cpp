@@ -1,0 +1,683 @@
+#include "storage/EventXmlCodec.h"
+
+#include "shared/RuntimeError.h"
+#include "shared/TextCodec.h"
+#include "shared/cSharedLogging.h"
+
+#include <QLocale>
+#include <QTime>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <vector>
+
+namespace EventXmlCodec {
+namespace {
+
+// ---------------------------------------------------------------------------
+// Fields, in the order they are written.
+
+enum Field : int {
+    fIDCode,
+    fAlarmSet,
+    fAlarmTime,
+    fDayNumber,
+    fDayOfMonth,
+    fDayOfWeek,
+    fDaysLeft,
+    fDaysWarning,
+    fDeleted,
+    fMailSent,
+    fDesc,
+    fDueDate,
+    fDueTime,
+    fLayer,
+    fSharedLayerName,
+    fEmail,
+    fMinutesWarning,
+    fMonthNumber,
+    fOwner,
+    fPeriod,
+    fRecurrenceType,
+    fRecurring,
+    fStartDate,
+    fWeekDays,
+    fSharedEvent,
+    fExecFile,
+    fFilename,
+    fWavFile,
+    fPlayWav,
+    fShareWithSpecific,
+    fShareNames,
+    kFieldCount
+};
+
+// Written as "DayNumber"; the reader has always asked for "Daynumber", which
+// only works because tags are matched without regard to case.
+constexpr std::array<std::string_view, kFieldCount> kTags = {
+    "IDCode",      "AlarmSet",       "AlarmTime",   "DayNumber",       "DayOfMonth",
+    "DayOfWeek",   "DaysLeft",       "DaysWarning", "Deleted",         "MailSent",
+    "Desc",        "DueDate",        "DueTime",     "Layer",           "SharedLayerName",
+    "Email",       "MinutesWarning", "MonthNumber", "Owner",           "Period",
+    "RecurrenceType", "Recurring",   "StartDate",   "WeekDays",        "SharedEvent",
+    "ExecFile",    "Filename",       "WavFile",     "PlayWav",         "ShareWithSpecific",
+    "ShareNames"};
+
+constexpr std::size_t kMaxTagLength = 17; // "ShareWithSpecific"
+
+// "\t\t<Tag>" and "</Tag>\r\n", built once.
+struct TagTexts {
+    std::array<QByteArray, kFieldCount> open;
+    std::array<QByteArray, kFieldCount> close;
+    TagTexts() {
+        for (int f = 0; f < kFieldCount; ++f) {
+            const QByteArray tag(kTags[f].data(), static_cast<qsizetype>(kTags[f].size()));
+            open[f] = "\t\t<" + tag + '>';
+            close[f] = "</" + tag + ">\r\n";
+        }
+    }
+};
+
+const TagTexts& tagTexts() {
+    static const TagTexts texts;
+    return texts;
+}
+
+inline char lowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
+
+bool equalsNoCase(const char* a, std::string_view b) {
+    for (std::size_t i = 0; i < b.size(); ++i) {
+        if (lowerAscii(a[i]) != lowerAscii(b[i])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The field whose tag name is [name, name+len), ignoring case; -1 if none.
+int fieldOfName(const char* name, std::size_t len) {
+    // Few tags share a length, so a length check first rejects almost all.
+    for (int f = 0; f < kFieldCount; ++f) {
+        if (kTags[f].size() == len && equalsNoCase(name, kTags[f])) {
+            return f;
+        }
+    }
+    return -1;
+}
+
+// First case-insensitive occurrence of needle (which starts with '<') in
+// [from, end); nullptr when none.
+const char* findTagNoCase(const char* from, const char* end, std::string_view needle) {
+    while (from < end) {
+        const auto* lt = static_cast<const char*>(std::memchr(from, '<', static_cast<std::size_t>(end - from)));
+        if (lt == nullptr || static_cast<std::size_t>(end - lt) < needle.size()) {
+            return nullptr;
+        }
+        if (equalsNoCase(lt, needle)) {
+            return lt;
+        }
+        from = lt + 1;
+    }
+    return nullptr;
+}
+
+// Removes every case-insensitive occurrence of needle, left to right.
+QByteArray removeAllNoCase(QByteArrayView text, std::string_view needle) {
+    QByteArray out;
+    out.reserve(text.size());
+    const char* p = text.data();
+    const char* end = p + text.size();
+    while (p < end) {
+        const char* hit = findTagNoCase(p, end, needle);
+        if (hit == nullptr) {
+            out.append(p, end - p);
+            break;
+        }
+        out.append(p, hit - p);
+        p = hit + needle.size();
+    }
+    return out;
+}
+
+// ---------------------------------------------------------------------------
+// Windows-1252 tables, taken from the system's decoder once.
+
+struct AnsiTables {
+    std::array<char16_t, 256> toUnicode{};
+    std::vector<unsigned char> fromUnicode; // indexed by UTF-16 code unit
+    AnsiTables() : fromUnicode(0x10000, static_cast<unsigned char>('?')) {
+        for (int b = 0; b < 256; ++b) {
+            const QString s = TextCodec::FromWindows1252(QByteArray(1, static_cast<char>(b)));
+            toUnicode[b] = s.size() == 1 ? s.at(0).unicode() : char16_t(0xFFFD);
+        }
+        // Every byte decodes to its own character, so the reverse table is
+        // exact; characters the code page lacks become "?" as documented for
+        // data files (the system encoder would give a SUB control character).
+        for (int b = 0; b < 256; ++b) {
+            fromUnicode[toUnicode[b]] = static_cast<unsigned char>(b);
+        }
+    }
+};
+
+const AnsiTables& ansi() {
+    static const AnsiTables tables;
+    return tables;
+}
+
+// ---------------------------------------------------------------------------
+// Dates without QDate: the loader and the writer handle two dates per event.
+
+constexpr qint64 kSecondsPerDay = 86400;
+
+constexpr qint64 daysFromCivil(qint64 y, unsigned m, unsigned d) {
+    y -= m <= 2 ? 1 : 0;
+    const qint64 era = (y >= 0 ? y : y - 399) / 400;
+    const auto yoe = static_cast<unsigned>(y - era * 400);
+    const unsigned doy = (153 * (m > 2 ? m - 3 : m + 9) + 2) / 5 + d - 1;
+    const unsigned doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+    return era * 146097 + static_cast<qint64>(doe) - 719468;
+}
+
+constexpr qint64 kEpoch = daysFromCivil(1899, 12, 30);
+
+struct Civil {
+    qint64 y;
+    unsigned m;
+    unsigned d;
+};
+
+constexpr Civil civilFromDays(qint64 z) {
+    z += 719468;
+    const qint64 era = (z >= 0 ? z : z - 146096) / 146097;
+    const auto doe = static_cast<unsigned>(z - era * 146097);
+    const unsigned yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
+    const qint64 y = static_cast<qint64>(yoe) + era * 400;
+    const unsigned doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
+    const unsigned mp = (5 * doy + 2) / 153;
+    const unsigned d = doy - (153 * mp + 2) / 5 + 1;
+    const unsigned m = mp < 10 ? mp + 3 : mp - 9;
+    return {y + (m <= 2 ? 1 : 0), m, d};
+}
+
+bool isLeap(qint64 y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+
+unsigned daysInMonth(qint64 y, unsigned m) {
+    static constexpr std::array<unsigned, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return m == 2 && isLeap(y) ? 29 : kDays[m - 1];
+}
+
+// The same split into day and rounded seconds as the shared date formatting.
+struct Split {
+    qint64 day;
+    qint64 seconds;
+};
+
+Split splitValue(DateValue v) {
+    if (!std::isfinite(v)) {
+        v = 0;
+    }
+    v = std::clamp(v, -4.0e6, 4.0e6);
+    double whole = 0;
+    const double frac = std::modf(v, &whole);
+    Split s{static_cast<qint64>(whole), std::llround(std::fabs(frac) * kSecondsPerDay)};
+    if (s.seconds >= kSecondsPerDay) {
+        s.seconds -= kSecondsPerDay;
+        s.day += 1;
+    }
+    return s;
+}
+
+DateValue joinValue(qint64 day, qint64 seconds) {
+    const double t = static_cast<double>(seconds) / kSecondsPerDay;
+    return day >= 0 ? static_cast<double>(day) + t : static_cast<double>(day) - t;
+}
+
+inline void put2(char* p, unsigned v) {
+    p[0] = static_cast<char>('0' + v / 10);
+    p[1] = static_cast<char>('0' + v % 10);
+}
+
+// Appends "YYYY-MM-DD" (and " HH:MM"); false when the year needs the slow path.
+bool appendFast(QByteArray& out, DateValue v, bool withTime) {
+    const Split s = splitValue(v);
+    const Civil c = civilFromDays(s.day + kEpoch);
+    if (c.y < 1 || c.y > 9999) {
+        return false;
+    }
+    char buf[16];
+    const auto y = static_cast<unsigned>(c.y);
+    put2(buf, y / 100);
+    put2(buf + 2, y % 100);
+    buf[4] = '-';
+    put2(buf + 5, c.m);
+    buf[7] = '-';
+    put2(buf + 8, c.d);
+    if (!withTime) {
+        out.append(buf, 10);
+        return true;
+    }
+    buf[10] = ' ';
+    put2(buf + 11, static_cast<unsigned>(s.seconds / 3600));
+    buf[13] = ':';
+    put2(buf + 14, static_cast<unsigned>(s.seconds / 60 % 60));
+    out.append(buf, 16);
+    return true;
+}
+
+inline bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// "YYYY-MM-DD" or "YYYY-MM-DD HH:MM" exactly, as the writer writes them.
+std::optional<DateValue> parseWrittenDate(QByteArrayView t) {
+    if (t.size() != 10 && t.size() != 16) {
+        return std::nullopt;
+    }
+    const char* p = t.data();
+    static constexpr std::array<int, 8> kDigitPos = {0, 1, 2, 3, 5, 6, 8, 9};
+    for (int i : kDigitPos) {
+        if (!isDigit(p[i])) {
+            return std::nullopt;
+        }
+    }
+    if (p[4] != '-' || p[7] != '-') {
+        return std::nullopt;
+    }
+    const int y = (p[0] - '0') * 1000 + (p[1] - '0') * 100 + (p[2] - '0') * 10 + (p[3] - '0');
+    const unsigned m = static_cast<unsigned>((p[5] - '0') * 10 + (p[6] - '0'));
+    const unsigned d = static_cast<unsigned>((p[8] - '0') * 10 + (p[9] - '0'));
+    if (y < kMinYear || m < 1 || m > 12 || d < 1 || d > daysInMonth(y, m)) {
+        return std::nullopt;
+    }
+    qint64 seconds = 0;
+    if (t.size() == 16) {
+        if (p[10] != ' ' || p[13] != ':' || !isDigit(p[11]) || !isDigit(p[12]) || !isDigit(p[14]) ||
+            !isDigit(p[15])) {
+            return std::nullopt;
+        }
+        const int h = (p[11] - '0') * 10 + (p[12] - '0');
+        const int mi = (p[14] - '0') * 10 + (p[15] - '0');
+        if (h > 23 || mi > 59) {
+            return std::nullopt;
+        }
+        seconds = h * 3600 + mi * 60;
+    }
+    return joinValue(daysFromCivil(y, m, d) - kEpoch, seconds);
+}
+
+// A general date-time text: the written forms first, then what the shared
+// parser and a bare time of day accept. Throws Type mismatch otherwise.
+DateValue parseDateTime(QByteArrayView t) {
+    if (std::optional<DateValue> v = parseWrittenDate(t)) {
+        return *v;
+    }
+    const QString text = FromAnsi(t);
+    if (std::optional<DateValue> v = ParseDateValue(text)) {
+        return *v;
+    }
+    for (const char* form : {"H:mm", "H:mm:ss"}) {
+        const QTime time = QTime::fromString(text.trimmed(), QLatin1String(form));
+        if (time.isValid()) {
+            return FromQTime(time);
+        }
+    }
+    throw RuntimeError::typeMismatch();
+}
+
+// ---------------------------------------------------------------------------
+// Numbers: blanks around allowed, fractions rounded half to even, as the
+// locale's integer conversion does.
+
+inline bool isBlank(char c) { return c == ' ' || c == '\t'; }
+
+qint64 parseInteger(QByteArrayView t, qint64 min, qint64 max) {
+    const char* p = t.data();
+    const char* end = p + t.size();
+    const char* b = p;
+    const char* e = end;
+    while (b < e && isBlank(*b)) {
+        ++b;
+    }
+    while (e > b && isBlank(e[-1])) {
+        --e;
+    }
+    qint64 value = 0;
+    const auto [ptr, ec] = std::from_chars(b, e, value);
+    if (b < e && ec == std::errc() && ptr == e && *b != '+') {
+        if (value < min || value > max) {
+            throw RuntimeError::overflow();
+        }
+        return value;
+    }
+    if (ec == std::errc::result_out_of_range) {
+        throw RuntimeError::overflow();
+    }
+    // Anything else goes through the locale: "+5", "2.5", "1,000".
+    const QString text = FromAnsi(QByteArrayView(b, e - b));
+    bool ok = false;
+    double d = QLocale().toDouble(text, &ok);
+    if (!ok) {
+        d = QLocale::c().toDouble(text, &ok);
+    }
+    if (!ok || !std::isfinite(d)) {
+        throw RuntimeError::typeMismatch();
+    }
+    const double r = std::nearbyint(d);
+    if (r < static_cast<double>(min) || r > static_cast<double>(max)) {
+        throw RuntimeError::overflow();
+    }
+    return static_cast<qint64>(r);
+}
+
+int16_t toInt16(QByteArrayView t) {
+    return static_cast<int16_t>(
+        parseInteger(t, std::numeric_limits<int16_t>::min(), std::numeric_limits<int16_t>::max()));
+}
+
+int32_t toInt32(QByteArrayView t) {
+    return static_cast<int32_t>(
+        parseInteger(t, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
+}
+
+inline bool toBoolean(QByteArrayView t) { return t.size() == 2 && t[0] == '-' && t[1] == '1'; }
+
+// ---------------------------------------------------------------------------
+// Writing
+
+inline void putText(QByteArray& out, int f, const QString& value) {
+    const TagTexts& tags = tagTexts();
+    out.append(tags.open[f]);
+    AppendAnsi(out, value);
+    out.append(tags.close[f]);
+}
+
+inline void putRaw(QByteArray& out, int f, QByteArrayView value) {
+    const TagTexts& tags = tagTexts();
+    out.append(tags.open[f]);
+    out.append(value);
+    out.append(tags.close[f]);
+}
+
+inline void putNumber(QByteArray& out, int f, qint64 value) {
+    char buf[24];
+    const auto res = std::to_chars(buf, buf + sizeof buf, value);
+    putRaw(out, f, QByteArrayView(buf, res.ptr - buf));
+}
+
+inline void putBool(QByteArray& out, int f, bool value) {
+    putRaw(out, f, value ? QByteArrayView("-1") : QByteArrayView("0"));
+}
+
+inline void putDate(QByteArray& out, int f, DateValue value, bool withTime) {
+    const TagTexts& tags = tagTexts();
+    out.append(tags.open[f]);
+    if (withTime) {
+        AppendYMDHM(out, value);
+    } else {
+        AppendYMD(out, value);
+    }
+    out.append(tags.close[f]);
+}
+
+inline void putPercent(QByteArray& out, int f, const QString& value) {
+    const TagTexts& tags = tagTexts();
+    out.append(tags.open[f]);
+    out.append(PercentEncode(value));
+    out.append(tags.close[f]);
+}
+
+inline int hexValue(char c) {
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    if (c >= 'a' && c <= 'f') {
+        return c - 'a' + 10;
+    }
+    if (c >= 'A' && c <= 'F') {
+        return c - 'A' + 10;
+    }
+    return -1;
+}
+
+inline bool keptAsIs(char16_t c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ':' ||
+           c == '.' || c == ',' || c == '?';
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+
+bool ContainsNoCase(QByteArrayView hay, std::string_view needle) {
+    return findTagNoCase(hay.data(), hay.data() + hay.size(), needle) != nullptr;
+}
+
+QString FromAnsi(QByteArrayView bytes) {
+    if (bytes.isEmpty()) {
+        return {};
+    }
+    const AnsiTables& t = ansi();
+    QString out(bytes.size(), Qt::Uninitialized);
+    char16_t* dst = reinterpret_cast<char16_t*>(out.data());
+    const auto* src = reinterpret_cast<const unsigned char*>(bytes.data());
+    for (qsizetype i = 0; i < bytes.size(); ++i) {
+        dst[i] = t.toUnicode[src[i]];
+    }
+    return out;
+}
+
+void AppendAnsi(QByteArray& out, const QString& text) {
+    const qsizetype n = text.size();
+    if (n == 0) {
+        return;
+    }
+    const AnsiTables& t = ansi();
+    const qsizetype start = out.size();
+    out.resize(start + n);
+    char* dst = out.data() + start;
+    const char16_t* src = reinterpret_cast<const char16_t*>(text.constData());
+    for (qsizetype i = 0; i < n; ++i) {
+        const char16_t c = src[i];
+        dst[i] = c < 0x80 ? static_cast<char>(c) : static_cast<char>(t.fromUnicode[c]);
+    }
+}
+
+QByteArray PercentEncode(const QString& text) {
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    const AnsiTables& t = ansi();
+    QByteArray out(text.size() * 3, Qt::Uninitialized);
+    char* dst = out.data();
+    for (const QChar qc : text) {
+        const char16_t c = qc.unicode();
+        if (keptAsIs(c)) {
+            *dst++ = static_cast<char>(c);
+            continue;
+        }
+        const unsigned char code = c < 0x80 ? static_cast<unsigned char>(c) : t.fromUnicode[c];
+        *dst++ = '%';
+        *dst++ = kHex[code >> 4];
+        *dst++ = kHex[code & 0xF];
+    }
+    out.truncate(dst - out.constData());
+    return out;
+}
+
+QString PercentDecode(QByteArrayView bytes) {
+    if (!bytes.contains('%')) {
+        return FromAnsi(bytes);
+    }
+    QByteArray raw;
+    raw.reserve(bytes.size());
+    const qsizetype n = bytes.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const char c = bytes[i];
+        if (c == '%' && i + 2 < n) {
+            // Lenient hex: reading stops at the first non-hex digit.
+            int value = 0;
+            const int hi = hexValue(bytes[i + 1]);
+            if (hi >= 0) {
+                value = hi;
+                const int lo = hexValue(bytes[i + 2]);
+                if (lo >= 0) {
+                    value = hi * 16 + lo;
+                }
+            }
+            raw.append(static_cast<char>(value));
+            i += 2;
+        } else {
+            raw.append(c);
+        }
+    }
+    return FromAnsi(raw);
+}
+
+void AppendYMD(QByteArray& out, DateValue v) {
+    if (!appendFast(out, v, false)) {
+        AppendAnsi(out, FormatYMD(v));
+    }
+}
+
+void AppendYMDHM(QByteArray& out, DateValue v) {
+    if (!appendFast(out, v, true)) {
+        AppendAnsi(out, FormatYMDHM(v));
+    }
+}
+
+void AppendBlock(QByteArray& out, const clsEvent& e) {
+    out.append("<TVO2>\r\n\t<EVENT>\r\n");
+    putText(out, fIDCode, e.IDCode);
+    putBool(out, fAlarmSet, e.AlarmSet());
+    putDate(out, fAlarmTime, e.AlarmTime(), true);
+    putNumber(out, fDayNumber, e.Daynumber());
+    putNumber(out, fDayOfMonth, e.DayOfMonth());
+    putNumber(out, fDayOfWeek, e.DayOfWeek());
+    putNumber(out, fDaysLeft, e.DaysLeft());
+    putNumber(out, fDaysWarning, e.DaysWarning());
+    putBool(out, fDeleted, e.Deleted);
+    putBool(out, fMailSent, e.MailSent);
+    putPercent(out, fDesc, e.Desc());
+    putDate(out, fDueDate, e.DueDate(), false);
+    putDate(out, fDueTime, e.DueTime(), true);
+    putNumber(out, fLayer, e.Layer());
+    putText(out, fSharedLayerName, e.SharedLayerName);
+    putText(out, fEmail, e.Email);
+    putNumber(out, fMinutesWarning, e.MinutesWarning());
+    putNumber(out, fMonthNumber, e.MonthNumber());
+    putText(out, fOwner, e.Owner());
+    putNumber(out, fPeriod, e.Period());
+    putNumber(out, fRecurrenceType, e.RecurrenceType());
+    putBool(out, fRecurring, e.Recurring());
+    putDate(out, fStartDate, e.StartDate(), false);
+    putNumber(out, fWeekDays, e.WeekDays());
+    putBool(out, fSharedEvent, e.SharedEvent);
+    putBool(out, fExecFile, e.ExecFile);
+    putText(out, fFilename, e.Filename);
+    putText(out, fWavFile, e.WavFile);
+    putBool(out, fPlayWav, e.PlayWav);
+    putBool(out, fShareWithSpecific, e.ShareWithSpecific);
+    putPercent(out, fShareNames, e.ShareNames);
+    out.append("\t</EVENT>\r\n</TVO2>");
+}
+
+EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module) {
+    const char* begin = block.data();
+    const char* end = begin + block.size();
+
+    // One pass over the '<' of the block finds the first opening tag of
+    // every field (a tag's first occurrence is always at some '<').
+    std::array<const char*, kFieldCount> open{};
+    int found = 0;
+    for (const char* p = begin; p < end && found < kFieldCount;) {
+        const auto* lt = static_cast<const char*>(std::memchr(p, '<', static_cast<std::size_t>(end - p)));
+        if (lt == nullptr) {
+            break;
+        }
+        p = lt + 1;
+        const std::size_t room = std::min<std::size_t>(static_cast<std::size_t>(end - p), kMaxTagLength + 1);
+        const auto* gt = static_cast<const char*>(std::memchr(p, '>', room));
+        if (gt == nullptr || *p == '/') {
+            continue;
+        }
+        const int f = fieldOfName(p, static_cast<std::size_t>(gt - p));
+        if (f >= 0 && open[f] == nullptr) {
+            open[f] = lt;
+            ++found;
+        }
+    }
+
+    // The value of field f: from its opening tag to the first closing tag
+    // after it (or the block's end), every opening and closing tag removed.
+    char closeBuf[kMaxTagLength + 3];
+    QByteArray scratch;
+    auto value = [&](int f) -> QByteArrayView {
+        const std::string_view tag = kTags[f];
+        const char* valueStart = open[f] + tag.size() + 2;
+        closeBuf[0] = '<';
+        closeBuf[1] = '/';
+        std::memcpy(closeBuf + 2, tag.data(), tag.size());
+        closeBuf[tag.size() + 2] = '>';
+        const std::string_view closeTag(closeBuf, tag.size() + 3);
+        const char* close = findTagNoCase(valueStart, end, closeTag);
+        const char* valueEnd = close != nullptr ? close : end;
+        const QByteArrayView inner(valueStart, valueEnd - valueStart);
+        if (!inner.contains('<')) {
+            return inner;
+        }
+        const std::string_view openTag(open[f], tag.size() + 2);
+        scratch = removeAllNoCase(QByteArrayView(open[f], valueEnd - open[f]), openTag);
+        scratch = removeAllNoCase(scratch, closeTag);
+        return scratch;
+    };
+
+    auto event = std::make_shared<clsEvent>();
+    clsEvent& e = *event;
+    for (int f = 0; f < kFieldCount; ++f) {
+        try {
+            // A missing tag is an empty value: fine for text and booleans,
+            // a conversion error for numbers and dates.
+            const QByteArrayView v = open[f] != nullptr ? value(f) : QByteArrayView();
+            switch (f) {
+            case fIDCode: e.IDCode = FromAnsi(v); break;
+            case fAlarmSet: e.setAlarmSet(toBoolean(v)); break;
+            case fAlarmTime: e.setAlarmTime(parseDateTime(v)); break;
+            case fDayNumber: e.setDaynumber(toInt16(v)); break;
+            case fDayOfMonth: e.setDayOfMonth(toInt16(v)); break;
+            case fDayOfWeek: e.setDayOfWeek(toInt16(v)); break;
+            case fDaysLeft: e.setDaysLeft(toInt32(v)); break;
+            case fDaysWarning: e.setDaysWarning(toInt16(v)); break;
+            case fDeleted: e.Deleted = toBoolean(v); break;
+            case fMailSent: e.MailSent = toBoolean(v); break;
+            case fDesc: e.setDesc(PercentDecode(v)); break;
+            case fDueDate: e.setDueDate(parseDateTime(v)); break;
+            case fDueTime: e.setDueTime(parseDateTime(v)); break;
+            case fLayer: e.setLayer(toInt16(v)); break;
+            case fSharedLayerName: e.SharedLayerName = FromAnsi(v); break;
+            case fEmail: e.Email = FromAnsi(v); break;
+            case fMinutesWarning: e.setMinutesWarning(toInt16(v)); break;
+            case fMonthNumber: e.setMonthNumber(toInt16(v)); break;
+            case fOwner: e.setOwner(FromAnsi(v)); break;
+            case fPeriod: e.setPeriod(toInt16(v)); break;
+            case fRecurrenceType: e.setRecurrenceType(toInt32(v)); break;
+            case fRecurring: e.setRecurring(toBoolean(v)); break;
+            case fStartDate: e.setStartDate(parseDateTime(v)); break;
+            case fWeekDays: e.setWeekDays(toInt16(v)); break;
+            case fSharedEvent: e.SharedEvent = toBoolean(v); break;
+            case fExecFile: e.ExecFile = toBoolean(v); break;
+            case fFilename: e.Filename = FromAnsi(v); break;
+            case fWavFile: e.WavFile = FromAnsi(v); break;
+            case fPlayWav: e.PlayWav = toBoolean(v); break;
+            case fShareWithSpecific: e.ShareWithSpecific = toBoolean(v); break;
+            case fShareNames: e.ShareNames = PercentDecode(v); break;
+            default: break;
+            }
+        } catch (const RuntimeError& error) {
+            Log().AddAction(error.logText(), procedure, module);
+        }
+    }
+    return event;
+}
+
+} // namespace EventXmlCodec

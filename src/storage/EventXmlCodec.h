@@ -1,0 +1,50 @@
+#pragma once
+
+#include "events/clsEvent.h"
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QString>
+
+#include <string_view>
+
+// The event file's record format, on the Windows-1252 bytes of the file: one
+// "<TVO2>" wrapper per event around an "<EVENT>" element with one line per
+// field. It looks like XML but is read by searching for tags without regard
+// to letter case, and only Desc and ShareNames are escaped (percent codes of
+// the Windows-1252 byte). Other text fields are written raw, so a value that
+// holds its own closing tag is cut short there on reading; that is the format.
+namespace EventXmlCodec {
+
+// The file's first line (followed by CR LF).
+inline constexpr char kHeader[] = "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>";
+
+// Appends the block of one event, without the CR LF that ends it in a file.
+void AppendBlock(QByteArray& out, const clsEvent& event);
+
+// Builds a new event from the text of one block. A missing tag leaves the
+// field at its default; a field that does not convert is logged under
+// procedure/module and left at its default, the other fields are still read.
+EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module);
+
+// Whether hay holds needle (which starts with '<'), ignoring ASCII case.
+bool ContainsNoCase(QByteArrayView hay, std::string_view needle);
+
+// Letters, digits and ": . , ?" stay; every other character becomes "%" and
+// the upper-case hex of its Windows-1252 code (space %20, CR LF %0D%0A).
+QByteArray PercentEncode(const QString& text);
+// Lenient reverse: "%" with two characters after it is replaced by the byte
+// of their hex value (reading stops at the first non-hex digit, none gives 0).
+QString PercentDecode(QByteArrayView bytes);
+
+// Windows-1252 conversion through lookup tables built once from the system's
+// decoder, so no converter is built per field. Characters outside the code
+// page are written as "?".
+QString FromAnsi(QByteArrayView bytes);
+void AppendAnsi(QByteArray& out, const QString& text);
+
+// "YYYY-MM-DD" / "YYYY-MM-DD HH:MM" appended, as FormatYMD/FormatYMDHM give.
+void AppendYMD(QByteArray& out, DateValue v);
+void AppendYMDHM(QByteArray& out, DateValue v);
+
+} // namespace EventXmlCodec

@@ -1,0 +1,89 @@
+#include "storage/SharedDatabases.h"
+
+#include "shared/AppPaths.h"
+#include "shared/TextCodec.h"
+#include "shared/TextEqual.h"
+#include "shared/cSHAREDSettings.h"
+#include "shared/cSharedLogging.h"
+#include "storage/clsLayers.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+SharedDatabases::SharedDatabases(cSHAREDSettings& settings, clsLayers& layers)
+    : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers), m_publish(settings, &layers) {
+    m_sharedSet.setNetworked(true);
+}
+
+QString SharedDatabases::SharedFileName(const QString& owner) {
+    return QStringLiteral("Shared_") + owner + QStringLiteral(".xml");
+}
+
+QString SharedDatabases::SharedFolder() const {
+    return m_settings.sGet(QStringLiteral("SharedDatapath"), SettingValue(QString())).toText();
+}
+
+QString SharedDatabases::UserListFile() const {
+    return AppPaths::JoinPath(SharedFolder(), QStringLiteral("TVOShared.ini"));
+}
+
+QString SharedDatabases::OwnSharedFile() const {
+    return AppPaths::JoinPath(SharedFolder(), SharedFileName(m_publish.CurrentOwner()));
+}
+
+void SharedDatabases::AttachTo(clsDbXml& local) {
+    local.setPublisher([this](clsDbXml& db) { PublishSharedEvents(db); });
+}
+
+void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
+    const QString owner = m_publish.CurrentOwner();
+    m_publish.SetDBFilename(OwnSharedFile());
+    // Loads the file, marks this user's old events deleted and saves, so only
+    // what follows is published under this name.
+    m_publish.WipeRecordsByOwner(owner);
+    for (const EventPtr& event : local.Events()) {
+        if ((event->SharedEvent || event->Layer() == clsLayers::kShared) && TextEqual(event->Owner(), owner)) {
+            event->SharedLayerName = m_layers.Layer(event->Layer());
+            m_publish.StoreRecord(event);
+        }
+    }
+    m_publish.SaveDB();
+    ReloadSharedSet();
+}
+
+void SharedDatabases::ReloadSharedSet() { m_sharedSet.LoadMultiple(UserListFile()); }
+
+QStringList SharedDatabases::ReadUserList(const QString& listPath) {
+    QFile file(listPath);
+    if (!file.exists()) {
+        return {};
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        Log().AddAction(file.errorString() + QStringLiteral(" (75)"), QStringLiteral("ReadUserList"),
+                        QStringLiteral("SharedDatabases"));
+        return {};
+    }
+    QStringList names;
+    const QString text = TextCodec::FromWindows1252(file.readAll());
+    for (const QString& line : text.split(QLatin1String(TextCodec::kLineEnd))) {
+        const QString name = line.trimmed();
+        if (!name.isEmpty()) {
+            names.append(name);
+        }
+    }
+    return names;
+}
+
+bool SharedDatabases::WriteUserList(const QString& listPath, const QStringList& names) {
+    QByteArray bytes;
+    for (const QString& name : names) {
+        bytes += TextCodec::ToWindows1252(name) + TextCodec::kLineEnd;
+    }
+    QSaveFile file(listPath);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        Log().AddAction(file.errorString() + QStringLiteral(" (75)"), QStringLiteral("WriteUserList"),
+                        QStringLiteral("SharedDatabases"));
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "storage/clsDbXml.h"
+
+#include <QString>
+#include <QStringList>
+
+class cSHAREDSettings;
+class clsLayers;
+
+// Networked mode's two databases besides the local one: the merged set of
+// the other users' shared events, and the object that rewrites this user's
+// own "Shared_" + owner + ".xml". Each shared file has one writer, its
+// owner: nothing here writes a file named after anybody else.
+class SharedDatabases {
+public:
+    SharedDatabases(cSHAREDSettings& settings, clsLayers& layers);
+
+    // The merged set (networked, read-only).
+    clsDbXml& SharedSet() { return m_sharedSet; }
+
+    // Makes every SaveDB of local end by publishing its shared events.
+    void AttachTo(clsDbXml& local);
+    // Rewrites this user's shared file with the local events that are in
+    // layer 0 or flagged shared and belong to this user (each given its
+    // layer's name), then reloads the merged set.
+    void PublishSharedEvents(const clsDbXml& local);
+    // LoadMultiple of the user list file.
+    void ReloadSharedSet();
+
+    // The setting "SharedDatapath".
+    QString SharedFolder() const;
+    // Shared folder + "TVOShared.ini".
+    QString UserListFile() const;
+    // Shared folder + "Shared_" + the setting "Owner" + ".xml".
+    QString OwnSharedFile() const;
+
+    // "Shared_" + owner + ".xml".
+    static QString SharedFileName(const QString& owner);
+    // The names of a user list file: lines trimmed, blank lines left out;
+    // an absent file is an empty list.
+    static QStringList ReadUserList(const QString& listPath);
+    // Rewrites the list whole (atomically), each name followed by CR LF.
+    static bool WriteUserList(const QString& listPath, const QStringList& names);
+
+private:
+    cSHAREDSettings& m_settings;
+    clsLayers& m_layers;
+    clsDbXml m_sharedSet;
+    clsDbXml m_publish;
+};

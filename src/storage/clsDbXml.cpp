@@ -1,0 +1,357 @@
+#include "storage/clsDbXml.h"
+
+#include "shared/AppPaths.h"
+#include "shared/AtomicFile.h"
+#include "shared/TextCodec.h"
+#include "shared/TextEqual.h"
+#include "shared/cSHAREDSettings.h"
+#include "shared/cSharedLogging.h"
+#include "storage/EventXmlCodec.h"
+#include "storage/SharedDatabases.h"
+#include "storage/clsLayers.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+namespace {
+const QString kModule = QStringLiteral("clsDbXml");
+// LoadDB has always logged under the old reader's labels.
+const QString kLoadModule = QStringLiteral("clsDB2");
+const QString kLoadProcedure = QStringLiteral("LoadAllEvents");
+const QString kSingle = QStringLiteral("Single");
+
+// Codes run from "000000" to "100000".
+constexpr quint32 kIdCodeCount = 100001;
+
+// Bytes per event block as written, for reserving the output buffer.
+constexpr qsizetype kTypicalBlockSize = 900;
+} // namespace
+
+
+clsDbXml::clsDbXml(cSHAREDSettings& settings, clsLayers* layers)
+    : m_settings(settings), m_layers(layers) {}
+
+clsDbXml::~clsDbXml() { clearList(); }
+
+void clsDbXml::SetDBFilename(const QString& path) { m_fileName = path; }
+
+QString clsDbXml::CurrentOwner() const {
+    return m_settings.sGet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Not Set"))).toText();
+}
+
+qint64 clsDbXml::fileStamp(const QString& path) {
+    if (path.isEmpty()) {
+        return 0;
+    }
+    const QFileInfo info(path);
+    if (!info.exists()) {
+        return 0;
+    }
+    const qint64 ms = info.lastModified().toMSecsSinceEpoch();
+    return ms == 0 ? 1 : ms; // 0 is kept for "absent"
+}
+
+bool clsDbXml::DatabaseChanged() const {
+    if (m_mergedSet) {
+        for (qsizetype i = 0; i < m_sharedFiles.size(); ++i) {
+            if (fileStamp(m_sharedFiles.at(i)) != m_sharedStamps.at(i)) {
+                return true;
+            }
+        }
+        return false;
+    }
+    if (m_fileName.isEmpty()) {
+        return false;
+    }
+    return fileStamp(m_fileName) != m_stamp;
+}
+
+void clsDbXml::LoadDBIfChanged(const QString& path) {
+    if (DatabaseChanged()) {
+        LoadDB(path, false);
+    }
+}
+
+void clsDbXml::append(const EventPtr& event) {
+    m_events.append(event);
+    ++m_idCounts[event->IDCode];
+}
+
+void clsDbXml::removeAt(qsizetype index) {
+    const auto it = m_idCounts.find(m_events.at(index)->IDCode);
+    if (it != m_idCounts.end() && --it.value() <= 0) {
+        m_idCounts.erase(it);
+    }
+    m_events.removeAt(index);
+}
+
+void clsDbXml::clearList() {
+    m_events.clear();
+    m_idCounts.clear();
+}
+
+void clsDbXml::adjustLoaded(clsEvent& event, const QString& owner) {
+    if (event.Owner().isEmpty() || event.Owner() == kSingle) {
+        event.setOwner(owner);
+    }
+}
+
+void clsDbXml::LoadDB(const QString& path, bool append) {
+    m_stamp = fileStamp(path);
+    m_fileName = path;
+    if (!append) {
+        clearList();
+        m_mergedSet = false;
+        m_sharedFiles.clear();
+        m_sharedStamps.clear();
+    }
+    if (m_stamp == 0) {
+        return; // absent: no records, nothing to report
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        Log().AddAction(file.errorString() + QStringLiteral(" (75)"), kLoadProcedure, kLoadModule);
+        return;
+    }
+    const QByteArray bytes = file.readAll();
+    file.close();
+
+    const QString owner = CurrentOwner();
+    const QString procedure = QStringLiteral("TransferXMLToObject");
+    static const QByteArrayView kEndTag("</EVENT>");
+    m_events.reserve(m_events.size() + bytes.size() / kTypicalBlockSize + 1);
+
+    // Blocks end at "</EVENT>" (exact case); a piece is an event only when
+    // it holds "<EVENT>" in any case. Header and trailing text are ignored.
+    qsizetype from = 0;
+    while (from < bytes.size()) {
+        qsizetype endTag = bytes.indexOf(kEndTag, from);
+        const qsizetype pieceEnd = endTag < 0 ? bytes.size() : endTag;
+        const QByteArrayView piece(bytes.constData() + from, pieceEnd - from);
+        from = endTag < 0 ? bytes.size() : endTag + kEndTag.size();
+        if (!EventXmlCodec::ContainsNoCase(piece, "<EVENT>")) {
+            continue;
+        }
+        EventPtr event = EventXmlCodec::ParseBlock(piece, procedure, kModule);
+        adjustLoaded(*event, owner);
+        if (event->Deleted) {
+            continue;
+        }
+        if (m_networked) {
+            if (event->ShareWithSpecific && !event->NameInShared(owner)) {
+                continue;
+            }
+            // An event without a layer name keeps its number rather than
+            // naming a free layer "".
+            if (m_layers != nullptr && !event->SharedLayerName.isEmpty()) {
+                const int index = m_layers->SeekLayerIndex(event->SharedLayerName);
+                if (index >= 0 && index != event->Layer()) {
+                    event->setLayer(static_cast<int16_t>(index));
+                }
+            }
+        }
+        this->append(event);
+    }
+}
+
+void clsDbXml::SaveDB() {
+    const QString procedure = QStringLiteral("SaveDB");
+    if (m_mergedSet) {
+        // The merged set holds other users' events; writing it would put
+        // them into this user's shared file.
+        Log().AddAction(QStringLiteral("Merged shared set is not saved"), procedure, kModule);
+        return;
+    }
+    if (m_fileName.isEmpty()) {
+        Log().AddAction(QStringLiteral("Bad file name or number (52)"), procedure, kModule);
+        return;
+    }
+    // A file without its owner's write permission counts as read-only even
+    // for a user whom the system would let write it.
+    if (AtomicFile::IsReadOnly(m_fileName)) {
+        Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
+    } else {
+        QByteArray out;
+        out.reserve(64 + m_events.size() * kTypicalBlockSize * 5 / 4);
+        out.append(EventXmlCodec::kHeader);
+        out.append(TextCodec::kLineEnd);
+        for (const EventPtr& event : std::as_const(m_events)) {
+            if (!event->Deleted) {
+                EventXmlCodec::AppendBlock(out, *event);
+                out.append(TextCodec::kLineEnd);
+            }
+        }
+        const AtomicFile::Result result = AtomicFile::Write(m_fileName, out);
+        if (!result.ok()) {
+            if (result.status == AtomicFile::Status::AccessDenied) {
+                Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
+            }
+            Log().AddAction(result.description + QStringLiteral(" (") +
+                                QString::number(result.errorNumber) + QLatin1Char(')'),
+                            procedure, kModule);
+        }
+    }
+    if (m_publisher) {
+        m_publisher(*this);
+    }
+    m_stamp = fileStamp(m_fileName);
+}
+
+void clsDbXml::DeleteRecord(const QString& idCode) {
+    const int32_t index = FindRecordIndex(idCode);
+    if (index >= 0) {
+        m_events.at(index)->Deleted = true;
+    }
+    SaveDB();
+}
+
+EventPtr clsDbXml::ReadEvent(const QString& idCode) const {
+    const int32_t index = FindRecordIndex(idCode);
+    return index >= 0 ? m_events.at(index) : EventPtr();
+}
+
+int32_t clsDbXml::FindRecordIndex(const QString& idCode) const {
+    if (!m_idCounts.contains(idCode)) {
+        return -1;
+    }
+    for (qsizetype i = 0; i < m_events.size(); ++i) {
+        if (m_events.at(i)->IDCode == idCode) {
+            return static_cast<int32_t>(i);
+        }
+    }
+    return -1;
+}
+
+QString clsDbXml::RandomIDCode() const {
+    // The process-wide generator is seeded once from the system's entropy.
+    const quint32 r = QRandomGenerator::global()->bounded(kIdCodeCount);
+    return QStringLiteral("%1").arg(r, 6, 10, QLatin1Char('0'));
+}
+
+QString clsDbXml::NewIDCode() const {
+    if (static_cast<quint32>(m_idCounts.size()) >= kIdCodeCount + 1) {
+        // Every code is taken (the empty code counts as one key too).
+        Log().AddAction(QStringLiteral("No free ID code"), QStringLiteral("NewIDCode"), kModule);
+        return {};
+    }
+    QString code;
+    do {
+        code = RandomIDCode();
+    } while (m_idCounts.contains(code));
+    return code;
+}
+
+void clsDbXml::StoreRecord(const EventPtr& event, bool asNew) {
+    if (!event) {
+        return;
+    }
+    if (event->IDCode.isEmpty() || asNew) {
+        event->IDCode = NewIDCode();
+    } else {
+        const int32_t index = FindRecordIndex(event->IDCode);
+        if (index >= 0) {
+            removeAt(index);
+        }
+    }
+    append(event);
+}
+
+void clsDbXml::WipeDiskFile() {
+    if (!m_fileName.isEmpty() && QFileInfo::exists(m_fileName) && !QFile::remove(m_fileName)) {
+        Log().AddAction(QStringLiteral("Permission denied (70)"), QStringLiteral("WipeDiskFile"), kModule);
+    }
+}
+
+void clsDbXml::WipeRecordsByOwner(const QString& owner) {
+    LoadDB(m_fileName, false);
+    for (const EventPtr& event : std::as_const(m_events)) {
+        if (TextEqual(event->Owner(), owner)) {
+            event->Deleted = true;
+        }
+    }
+    SaveDB();
+}
+
+void clsDbXml::SetAllToSingleUser() {
+    for (const EventPtr& event : std::as_const(m_events)) {
+        event->setOwner(kSingle);
+    }
+    SaveDB();
+}
+
+void clsDbXml::WipeAllButThisOwner(const QString& owner) {
+    if (owner.trimmed().isEmpty()) {
+        return;
+    }
+    for (const EventPtr& event : std::as_const(m_events)) {
+        if (!TextEqual(event->Owner(), owner)) {
+            event->Deleted = true;
+        }
+    }
+    SaveDB();
+}
+
+void clsDbXml::RenameOwner(const QString& oldOwner, const QString& newOwner) {
+    for (const EventPtr& event : std::as_const(m_events)) {
+        if (TextEqual(event->Owner(), oldOwner)) {
+            event->setOwner(newOwner);
+        }
+    }
+    SaveDB();
+}
+
+void clsDbXml::LoadMultiple(const QString& listPath) {
+    clearList();
+    m_sharedFiles.clear();
+    m_sharedStamps.clear();
+    m_mergedSet = true;
+    m_networked = true;
+
+    const QString owner = CurrentOwner();
+    const QString folder =
+        m_settings.sGet(QStringLiteral("SharedDataPath"), SettingValue(QString())).toText();
+    QFile list(listPath);
+    QString text;
+    if (list.exists() && list.open(QIODevice::ReadOnly)) {
+        text = TextCodec::FromWindows1252(list.readAll());
+    }
+    for (const QString& line : text.split(QLatin1String(TextCodec::kLineEnd))) {
+        const QString name = line.trimmed();
+        if (name.isEmpty()) {
+            continue;
+        }
+        Log().AddAction(QStringLiteral("Found shared database ") + line);
+        const QString file = AppPaths::JoinPath(folder, SharedDatabases::SharedFileName(name));
+        if (TextEqual(name, owner)) {
+            Log().AddAction(QStringLiteral("Not loading - belongs to current user (") + owner +
+                            QLatin1Char(')'));
+            continue;
+        }
+        if (QFileInfo::exists(file)) {
+            Log().AddAction(QStringLiteral("Loading from ") + file);
+            m_sharedFiles.append(file);
+            m_sharedStamps.append(fileStamp(file));
+            LoadDB(file, true);
+        } else {
+            m_sharedFiles.append(file);
+            m_sharedStamps.append(0);
+            Log().AddAction(file + QStringLiteral(" not found. Setting null refresh date."));
+        }
+    }
+    const QString own = SharedDatabases::SharedFileName(owner);
+    Log().AddAction(QStringLiteral("Setting Database filename to ") + own);
+    m_fileName = AppPaths::JoinPath(folder, own);
+    m_stamp = fileStamp(m_fileName);
+}
+
+EventPtr clsDbXml::TransferXMLToObject(const QString& block) const {
+    return EventXmlCodec::ParseBlock(TextCodec::ToWindows1252(block),
+                                     QStringLiteral("TransferXMLToObject"), kModule);
+}
+
+QString clsDbXml::TransferObjectToXML(const clsEvent& event) const {
+    QByteArray out;
+    EventXmlCodec::AppendBlock(out, event);
+    return TextCodec::FromWindows1252(out);
+}

@@ -1,0 +1,121 @@
+#pragma once
+
+#include "events/clsEvent.h"
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <functional>
+
+class cSHAREDSettings;
+class clsLayers;
+
+// One event database: an ordered in-memory list of events bound to one file
+// ("Events.xml", "Expired.xml" or a user's "Shared_" + owner + ".xml"), with
+// whole-file load and save, store/replace by ID code, delete by flag, and
+// change detection by the file's time stamp. In networked mode the same class
+// holds the merged set of other users' shared files (LoadMultiple).
+//
+// Saves are atomic: the file is written beside the old one and then put in
+// its place, so an interrupted save leaves the previous file whole.
+class clsDbXml {
+public:
+    // settings: read for "Owner" and the shared folder. layers: used in
+    // networked mode to map an event's SharedLayerName to a local layer.
+    explicit clsDbXml(cSHAREDSettings& settings, clsLayers* layers = nullptr);
+    ~clsDbXml();
+    clsDbXml(const clsDbXml&) = delete;
+    clsDbXml& operator=(const clsDbXml&) = delete;
+
+    void SetDBFilename(const QString& path);
+    QString DBFilename() const { return m_fileName; }
+
+    // Whether the file (or, for a merged set, any of its files) has a time
+    // stamp other than the one recorded at the last load or save. A file that
+    // was missing then counts as changed as soon as it exists.
+    bool DatabaseChanged() const;
+    void LoadDBIfChanged(const QString& path);
+    // Reads path into the list (emptied first unless append). Owner "Single"
+    // or empty becomes the current owner; deleted records are left out; in
+    // networked mode events shared only with others are left out and layers
+    // are mapped by name. An absent or unreadable file gives no records.
+    void LoadDB(const QString& path, bool append = false);
+    // Rewrites DBFilename from the list, leaving out deleted records. A
+    // read-only file is logged and left as it is.
+    void SaveDB();
+    // Objects in the list, deleted-marked ones included.
+    int32_t RecordCount() const { return static_cast<int32_t>(m_events.size()); }
+    // Marks the record deleted (it stays in the list until the next load) and saves.
+    void DeleteRecord(const QString& idCode);
+    // The list's own object with that ID code, or null.
+    EventPtr ReadEvent(const QString& idCode) const;
+    // Appends the event. An empty ID code or asNew gives it a fresh code;
+    // otherwise a record with the same code is taken out first, so an edited
+    // record moves to the end. Does not save.
+    void StoreRecord(const EventPtr& event, bool asNew = false);
+    // Deletes DBFilename from the disk, if it is there.
+    void WipeDiskFile();
+
+    // Owner maintenance (names compared trimmed, case ignored), each saving.
+    void WipeRecordsByOwner(const QString& owner);
+    void SetAllToSingleUser();
+    void WipeAllButThisOwner(const QString& owner);
+    void RenameOwner(const QString& oldOwner, const QString& newOwner);
+    // Builds the merged set from the user list file "TVOShared.ini": every
+    // other user's "Shared_" + name + ".xml" in the shared folder, in list
+    // order; DBFilename becomes this user's own shared file (never written
+    // here: the set is read-only).
+    void LoadMultiple(const QString& listPath);
+
+    // Networked mode changes how LoadDB filters and maps layers.
+    bool Networked() const { return m_networked; }
+    void setNetworked(bool on) { m_networked = on; }
+    // When a publisher is set, SaveDB ends by calling it with this database
+    // (the user's shared events are then rewritten; see SharedDatabases).
+    void setPublisher(std::function<void(clsDbXml&)> publisher) { m_publisher = std::move(publisher); }
+    bool Publishing() const { return static_cast<bool>(m_publisher); }
+    bool IsMergedSet() const { return m_mergedSet; }
+    // The files of a merged set, in list order.
+    QStringList SharedFiles() const { return m_sharedFiles; }
+
+    // The list, in order (for windows and the reminder engine).
+    const QList<EventPtr>& Events() const { return m_events; }
+
+    // Conversion of one event block (the text between <EVENT> and </EVENT>
+    // with its tags) and back; the latter without the final CR LF.
+    EventPtr TransferXMLToObject(const QString& block) const;
+    QString TransferObjectToXML(const clsEvent& event) const;
+
+    // The current user's name: the setting "Owner", "Not Set" when absent.
+    QString CurrentOwner() const;
+
+    static constexpr const char* kReadOnlyMessage = "Output file readonly. Unable to write events.";
+
+private:
+    QString RandomIDCode() const;
+    QString NewIDCode() const;
+    int32_t FindRecordIndex(const QString& idCode) const; // 0-based; -1 when none
+    void append(const EventPtr& event);
+    void removeAt(qsizetype index);
+    void clearList();
+    void adjustLoaded(clsEvent& event, const QString& owner);
+    static qint64 fileStamp(const QString& path);
+
+    cSHAREDSettings& m_settings;
+    clsLayers* m_layers;
+    QList<EventPtr> m_events;
+    // How many listed events carry each ID code, so a fresh code is checked
+    // for uniqueness without walking the list (IDs change only through
+    // StoreRecord while an event is listed).
+    QHash<QString, int> m_idCounts;
+    QString m_fileName;
+    qint64 m_stamp = 0;             // ms since the epoch; 0 = file absent
+    QStringList m_sharedFiles;      // merged set: files in list order
+    QList<qint64> m_sharedStamps;   // and their stamps when loaded (0 = absent)
+    bool m_mergedSet = false;
+    bool m_networked = false;
+    std::function<void(clsDbXml&)> m_publisher;
+};

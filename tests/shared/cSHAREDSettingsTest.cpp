@@ -1,0 +1,490 @@
+#include "shared/cSHAREDSettings.h"
+
+#include "shared/cSharedLogging.h"
+#include "support/RecordedErrorReports.h"
+#include "support/ScriptedDialogs.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+
+
+namespace {
+
+class SettingsFileTest : public ::testing::Test {
+protected:
+    QString ini() const { return home.file(QStringLiteral("Tvo.ini")); }
+
+    // Writes the bytes as the settings file and loads it.
+    void load(const QByteArray& bytes) {
+        ASSERT_TRUE(WriteFileBytes(ini(), bytes));
+        settings.LoadSettings(ini());
+    }
+
+    QByteArray saved() {
+        EXPECT_TRUE(settings.SaveSettings(ini()));
+        return ReadFileBytes(ini());
+    }
+
+    TempHome home;
+    ScriptedDialogs dialogs;
+    RecordedErrorReports reports;
+    cSHAREDSettings settings{&dialogs};
+};
+
+TEST_F(SettingsFileTest, SavesUpperCasedKeysIntegersInPrintLayoutAndCrLf) {
+    settings.sSet("Timer", 9000);
+    settings.sSet("NoSounds", true);
+    settings.sSet("networked", false);
+    settings.sSet("DataPath", "C:\\Tarvo Data");
+    settings.sSet("Empty", SettingValue());
+    EXPECT_EQ(saved(), QByteArray("TIMER, 9000 \r\n"
+                                  "NOSOUNDS,-1 \r\n"
+                                  "NETWORKED, 0 \r\n"
+                                  "DATAPATH,C:\\Tarvo Data\r\n"
+                                  "EMPTY,\r\n"));
+}
+
+TEST_F(SettingsFileTest, WritesWindows1252) {
+    settings.sSet("Owner", QStringLiteral("J\u00FCrgen \u20AC"));
+    EXPECT_EQ(saved(), QByteArray("OWNER,J\xFCrgen \x80\r\n"));
+}
+
+TEST_F(SettingsFileTest, SavedFileLoadsBackToTheSameReadings) {
+    settings.sSet("Timer", 9000);
+    settings.sSet("Flag", true);
+    settings.sSet("Owner", "Fred,Smith");
+    ASSERT_TRUE(settings.SaveSettings(ini()));
+
+    cSHAREDSettings again;
+    again.LoadSettings(ini());
+    EXPECT_EQ(again.SettingsCount(), 3);
+    EXPECT_EQ(again.sGet("timer").toInt(), 9000);
+    EXPECT_TRUE(again.sGet("flag").toBool());
+    EXPECT_EQ(again.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
+    EXPECT_EQ(again.FileBytes(), settings.FileBytes());
+}
+
+TEST_F(SettingsFileTest, FileValuesStayTextWithTheirBlanks) {
+    load("NOSOUNDS,-1 \r\nNETWORKED, 0 \r\n");
+    const SettingValue noSounds = settings.sGet("NoSounds");
+    EXPECT_TRUE(noSounds.isText());
+    EXPECT_EQ(noSounds.toText(), QStringLiteral("-1 "));
+    EXPECT_TRUE(noSounds.toBool());
+    EXPECT_FALSE(settings.sGet("Networked").toBool());
+    EXPECT_EQ(settings.sGet("Networked").toInt16(), 0);
+}
+
+TEST_F(SettingsFileTest, SplitsAtTheFirstCommaOnly) {
+    load("OWNER,Fred,Smith\r\n");
+    EXPECT_EQ(settings.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
+}
+
+TEST_F(SettingsFileTest, SkipsLinesWithoutKey) {
+    load("no comma here\r\n,starts with comma\r\n  ,blank key\r\nGOOD,1\r\n\r\n");
+    ASSERT_EQ(settings.SettingsCount(), 1);
+    EXPECT_EQ(settings.SettingNameByIndex(1), QStringLiteral("GOOD"));
+    EXPECT_TRUE(reports.texts().isEmpty());
+}
+
+TEST_F(SettingsFileTest, TrueAndFalseTextsBecomeIntegersOnLoad) {
+    settings.setLocaleBooleanWords(QStringLiteral("Wahr"), QStringLiteral("Falsch"));
+    load("A, true \r\nB,FALSE\r\nC,wahr\r\nD, falsch\r\nE,truely\r\n");
+    EXPECT_EQ(settings.sGet("A"), SettingValue(-1));
+    EXPECT_EQ(settings.sGet("B"), SettingValue(0));
+    EXPECT_EQ(settings.sGet("C"), SettingValue(-1));
+    EXPECT_EQ(settings.sGet("D"), SettingValue(0));
+    EXPECT_EQ(settings.sGet("E"), SettingValue("truely"));
+    EXPECT_EQ(saved(), QByteArray("A,-1 \r\nB, 0 \r\nC,-1 \r\nD, 0 \r\nE,truely\r\n"));
+}
+
+TEST_F(SettingsFileTest, LaterDuplicateKeyReplacesValueAndKeepsFirstPosition) {
+    load("A,1\r\nB,2\r\na,3\r\n");
+    ASSERT_EQ(settings.SettingsCount(), 2);
+    EXPECT_EQ(settings.SettingNameByIndex(1), QStringLiteral("A"));
+    EXPECT_EQ(settings.SettingNameByIndex(2), QStringLiteral("B"));
+    EXPECT_EQ(settings.sGet("A").toText(), QStringLiteral("3"));
+}
+
+TEST_F(SettingsFileTest, LoadReplacesEverythingAndMissingFileLeavesStoreEmpty) {
+    settings.sSet("Old", 1);
+    settings.LoadSettings(home.file(QStringLiteral("missing.ini")));
+    EXPECT_EQ(settings.SettingsCount(), 0);
+    EXPECT_EQ(settings.sGet("Old", 7).toInt(), 7);
+
+    load("");
+    EXPECT_EQ(settings.SettingsCount(), 0);
+}
+
+TEST_F(SettingsFileTest, AcceptsBareLineFeeds) {
+    load("A,1\nB,2\n");
+    EXPECT_EQ(settings.SettingsCount(), 2);
+    EXPECT_EQ(settings.sGet("B").toInt(), 2);
+}
+
+TEST_F(SettingsFileTest, UnreadableFileGoesToTheErrorReport) {
+    // A folder under the file's name cannot be read as a file.
+    ASSERT_TRUE(QDir(home.path()).mkdir(QStringLiteral("Tvo.ini")));
+    settings.LoadSettings(ini());
+    EXPECT_EQ(settings.SettingsCount(), 0);
+    ASSERT_EQ(reports.texts().size(), 1);
+    EXPECT_TRUE(reports.texts().first().startsWith(QStringLiteral("Error ")));
+    EXPECT_TRUE(reports.texts().first().contains(QStringLiteral(" in setting file. Line: ")));
+    EXPECT_TRUE(reports.texts().first().endsWith(QStringLiteral(" of ") + ini()));
+}
+
+TEST(Settings, KeysIgnoreCaseAndCommas) {
+    cSHAREDSettings s;
+    s.sSet("My,Key", "v");
+    EXPECT_EQ(s.SettingNameByIndex(1), QStringLiteral("MyKey"));
+    EXPECT_TRUE(s.IsSettingPresent("MYKEY"));
+    EXPECT_TRUE(s.IsSettingPresent("my,key"));
+    EXPECT_EQ(s.sGet("mykey").toText(), QStringLiteral("v"));
+
+    s.sSet("Datapath", "a");
+    s.sSet("DataPath", "b");
+    EXPECT_EQ(s.SettingsCount(), 2);
+    EXPECT_EQ(s.SettingNameByIndex(2), QStringLiteral("Datapath"));
+    EXPECT_EQ(s.sGet("DATAPATH").toText(), QStringLiteral("b"));
+}
+
+TEST(Settings, BooleansAreStoredAsMinusOneAndZero) {
+    cSHAREDSettings s;
+    s.sSet("T", true);
+    s.sSet("F", false);
+    EXPECT_EQ(s.sGet("T"), SettingValue(-1));
+    EXPECT_EQ(s.sGet("F"), SettingValue(0));
+}
+
+TEST(Settings, TextTrueAndFalseComeBackAsBooleans) {
+    cSHAREDSettings s;
+    s.setLocaleBooleanWords(QStringLiteral("Wahr"), QStringLiteral("Falsch"));
+    const struct {
+        const char* stored;
+        SettingValue expected;
+    } cases[] = {
+        {" true ", SettingValue(true)}, {"TRUE", SettingValue(true)},
+        {"False", SettingValue(false)}, {" WAHR", SettingValue(true)},
+        {"falsch ", SettingValue(false)}, {"truth", SettingValue("truth")},
+        {"-1", SettingValue("-1")},
+    };
+    for (const auto& c : cases) {
+        s.sSet("K", c.stored);
+        EXPECT_EQ(s.sGet("K"), c.expected) << c.stored;
+    }
+}
+
+TEST(Settings, MissingKeyGivesTheDefaultSilently) {
+    cSHAREDSettings s;
+    EXPECT_TRUE(s.sGet("Nothing").isEmpty());
+    EXPECT_EQ(s.sGet("Nothing", "Not Set").toText(), QStringLiteral("Not Set"));
+    EXPECT_FALSE(s.IsSettingPresent("Nothing"));
+}
+
+TEST(Settings, WithDefaultReplacesAbsentAndZeroValues) {
+    cSHAREDSettings s;
+    s.sSet("Zero", 0);
+    s.sSet("ZeroText", " 0 ");
+    s.sSet("FalseText", "false");
+    s.sSet("Five", 5);
+    s.sSet("Word", "abc");
+    EXPECT_EQ(s.sGetWD("Absent", 7).toInt(), 7);
+    EXPECT_EQ(s.sGetWD("Zero", 7).toInt(), 7);
+    EXPECT_EQ(s.sGetWD("ZeroText", 7).toInt(), 7);
+    EXPECT_EQ(s.sGetWD("FalseText", 7).toInt(), 7);
+    EXPECT_EQ(s.sGetWD("Five", 7).toInt(), 5);
+    EXPECT_EQ(s.sGetWD("Word", 7).toText(), QStringLiteral("abc"));
+}
+
+TEST(Settings, DeletingKeepsTheOrderOfTheRest) {
+    cSHAREDSettings s;
+    for (const char* k : {"A", "B", "C", "D"}) {
+        s.sSet(k, k);
+    }
+    s.DeleteSettingByName("b");
+    s.DeleteSettingByName("nothing");
+    s.DeleteSetting(1);
+    ASSERT_EQ(s.SettingsCount(), 2);
+    EXPECT_EQ(s.SettingNameByIndex(1), QStringLiteral("C"));
+    EXPECT_EQ(s.SettingNameByIndex(2), QStringLiteral("D"));
+    EXPECT_EQ(s.sGet("D").toText(), QStringLiteral("D"));
+    s.sSet("B", "again");
+    EXPECT_EQ(s.SettingNameByIndex(3), QStringLiteral("B"));
+    s.DeleteAllSettings();
+    EXPECT_EQ(s.SettingsCount(), 0);
+    EXPECT_FALSE(s.IsSettingPresent("C"));
+}
+
+} // namespace
+
+namespace {
+
+// The keys and values of a store in order, "KEY=value", for comparing sets.
+QStringList Entries(const cSHAREDSettings& s) {
+    QStringList out;
+    for (int32_t i = 1; i <= s.SettingsCount(); ++i) {
+        const QString key = s.SettingNameByIndex(i);
+        out << key + QLatin1Char('=') + s.sGet(key).toText();
+    }
+    return out;
+}
+
+TEST(SettingsSets, AddingAppendsAndCountsUp) {
+    cSHAREDSettings s;
+    EXPECT_EQ(s.LastIndexInSet("a"), 0);
+    EXPECT_EQ(s.AddToSet("a", "x"), 1);
+    EXPECT_EQ(s.AddToSet("A", "x"), 2);
+    EXPECT_EQ(Entries(s), (QStringList{"A_INDEX=2", "A_1=x", "A_2=x"}));
+    EXPECT_EQ(s.LastIndexInSet("a"), 2);
+    EXPECT_EQ(s.SetCount("a"), 2);
+    EXPECT_TRUE(s.ValueInSet("a", "X"));
+    EXPECT_FALSE(s.ValueInSet("a", "y"));
+    EXPECT_FALSE(s.ValueInSet("other", "x"));
+}
+
+TEST(SettingsSets, DeletingByValueCompactsTheSet) {
+    cSHAREDSettings s;
+    s.AddToSet("a", "x");
+    s.AddToSet("a", "x");
+    s.DeleteFromSetByValue("a", "X");
+    EXPECT_EQ(Entries(s), (QStringList{"A_INDEX=1", "A_1=x"}));
+
+    cSHAREDSettings t;
+    for (const char* v : {"one", "two", "three", "four"}) {
+        t.AddToSet("Recent", v);
+    }
+    t.DeleteFromSetByValue("recent", "TWO");
+    EXPECT_EQ(Entries(t), (QStringList{"RECENT_INDEX=3", "RECENT_1=one", "RECENT_2=three",
+                                       "RECENT_3=four"}));
+    t.DeleteFromSetByValue("recent", "four"); // the last member
+    EXPECT_EQ(Entries(t), (QStringList{"RECENT_INDEX=2", "RECENT_1=one", "RECENT_2=three"}));
+    t.DeleteFromSetByValue("recent", "absent");
+    EXPECT_EQ(t.SetCount("recent"), 2);
+}
+
+TEST(SettingsSets, IntegerMembersCompareByTheirText) {
+    cSHAREDSettings s;
+    s.AddToSet("N", 42);
+    s.AddToSet("N", true); // stored as -1
+    EXPECT_TRUE(s.ValueInSet("N", "42"));
+    EXPECT_TRUE(s.ValueInSet("N", -1));
+    s.DeleteFromSetByValue("N", 42);
+    EXPECT_EQ(Entries(s), (QStringList{"N_INDEX=1", "N_1=-1"}));
+}
+
+TEST(SettingsSets, HolesFromAHandEditedFileAreSkippedAndWarned) {
+    TempHome home;
+    const QString ini = home.file(QStringLiteral("Tvo.ini"));
+    ASSERT_TRUE(WriteFileBytes(ini, "S_INDEX, 2 \r\nS_1,a\r\nS_3,c\r\nS_14,far\r\n"));
+    cSHAREDSettings s;
+    s.LoadSettings(ini);
+
+    EXPECT_EQ(s.SetCount("s"), 1);
+    EXPECT_EQ(Log().CurrentAction(),
+              QStringLiteral("WARNING: LastIDX and Setcount not the same with setting 'S'"));
+
+    // Number 3 is taken, so the new member gets 4.
+    EXPECT_EQ(s.AddToSet("s", "d"), 4);
+    EXPECT_EQ(s.sGet("S_INDEX").toInt(), 4);
+
+    // Count is 3 (1, 3, 4); the slack of ten reaches 13 but not 14.
+    s.DeleteASet("s");
+    EXPECT_EQ(Entries(s), (QStringList{"S_14=far"}));
+}
+
+TEST(SettingsSets, RemovingAMemberMovesAHoleDownWithTheRest) {
+    cSHAREDSettings s;
+    s.sSet("S_INDEX", 4);
+    s.sSet("S_1", "a");
+    s.sSet("S_3", "c");
+    s.sSet("S_4", "d");
+    s.DeleteFromSetByValue("s", "a");
+    EXPECT_FALSE(s.IsSettingPresent("S_1"));
+    EXPECT_EQ(s.sGet("S_2").toText(), QStringLiteral("c"));
+    EXPECT_EQ(s.sGet("S_3").toText(), QStringLiteral("d"));
+    EXPECT_FALSE(s.IsSettingPresent("S_4"));
+    EXPECT_EQ(s.LastIndexInSet("s"), 3);
+}
+
+TEST(SettingsSets, SetsSurviveASaveAndLoad) {
+    TempHome home;
+    const QString ini = home.file(QStringLiteral("Tvo.ini"));
+    cSHAREDSettings s;
+    s.AddToSet("Users", "Fred");
+    s.AddToSet("Users", "Ann");
+    ASSERT_TRUE(s.SaveSettings(ini));
+    EXPECT_EQ(ReadFileBytes(ini), QByteArray("USERS_INDEX, 2 \r\nUSERS_1,Fred\r\nUSERS_2,Ann\r\n"));
+
+    cSHAREDSettings t;
+    t.LoadSettings(ini);
+    EXPECT_EQ(t.AddToSet("users", "Bo"), 3);
+    EXPECT_EQ(t.SetCount("USERS"), 3);
+}
+
+} // namespace
+
+namespace {
+
+const QString kDiskFullTail =
+    QStringLiteral(":\rPlease clear some space and then click Retry, else click Cancel to abort.");
+
+// Real file operations, except for failures the test asks for.
+class ScriptedFileAccess : public SettingsFileAccess {
+public:
+    // Results handed out by the next writes before the real write takes over.
+    QList<AtomicFile::Status> failures;
+    bool canMakeWritable = true;
+    int writes = 0;
+    int makeWritableCalls = 0;
+
+    AtomicFile::Result Write(const QString& path, const QByteArray& bytes) override {
+        ++writes;
+        if (!failures.isEmpty()) {
+            const AtomicFile::Status st = failures.takeFirst();
+            return {st, st == AtomicFile::Status::DiskFull ? 61 : 57,
+                    st == AtomicFile::Status::DiskFull ? QStringLiteral("No space left on device")
+                                                       : QStringLiteral("Device I/O error")};
+        }
+        return SettingsFileAccess::Write(path, bytes);
+    }
+    bool MakeWritable(const QString& path) override {
+        ++makeWritableCalls;
+        return canMakeWritable && SettingsFileAccess::MakeWritable(path);
+    }
+};
+
+class SettingsSaveFailureTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(WriteFileBytes(ini(), kOld));
+        settings.setFileAccess(&access);
+        settings.sSet("Timer", 9000);
+    }
+    QString ini() const { return home.file(QStringLiteral("Tvo.ini")); }
+    void makeReadOnly() {
+        ASSERT_TRUE(QFile::setPermissions(ini(), QFile::ReadOwner | QFile::ReadGroup));
+        ASSERT_TRUE(AtomicFile::IsReadOnly(ini()));
+    }
+
+    const QByteArray kOld = "OLD,contents\r\n";
+    const QByteArray kNew = "TIMER, 9000 \r\n";
+    TempHome home;
+    ScriptedDialogs dialogs;
+    RecordedErrorReports reports;
+    ScriptedFileAccess access;
+    cSHAREDSettings settings{&dialogs};
+};
+
+TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCanBeMadeWritableSavesWithoutAMessage) {
+    makeReadOnly();
+    EXPECT_TRUE(settings.SaveSettings(ini()));
+    EXPECT_EQ(ReadFileBytes(ini()), kNew);
+    EXPECT_FALSE(AtomicFile::IsReadOnly(ini()));
+    EXPECT_EQ(dialogs.count(), 0);
+    EXPECT_TRUE(reports.texts().isEmpty());
+}
+
+TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCannotBeChangedIsLeftAloneWithAMessage) {
+    makeReadOnly();
+    access.canMakeWritable = false;
+    EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_EQ(ReadFileBytes(ini()), kOld);
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral("Your settings file is read-only and I can't change it. "
+                                         "Save cancelled.")});
+    EXPECT_EQ(dialogs.shown().first().kind, ScriptedDialogs::Kind::Message);
+}
+
+TEST_F(SettingsSaveFailureTest, RefusedAgainAfterMakingWritableGivesUpWithTheMessage) {
+    access.failures = {AtomicFile::Status::AccessDenied, AtomicFile::Status::AccessDenied};
+    EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_EQ(access.writes, 2);
+    EXPECT_EQ(access.makeWritableCalls, 1);
+    EXPECT_EQ(dialogs.count(), 1);
+    EXPECT_EQ(ReadFileBytes(ini()), kOld);
+}
+
+TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancelAndRetrySavesAgain) {
+    access.failures = {AtomicFile::Status::DiskFull, AtomicFile::Status::DiskFull};
+    dialogs.answerRetry().answerRetry();
+    EXPECT_TRUE(settings.SaveSettings(ini()));
+    EXPECT_EQ(access.writes, 3);
+    ASSERT_EQ(dialogs.count(), 2);
+    const ScriptedDialogs::Shown& asked = dialogs.shown().first();
+    EXPECT_EQ(asked.kind, ScriptedDialogs::Kind::RetryCancel);
+    EXPECT_TRUE(asked.text.startsWith(QStringLiteral("You've run out of disk space on drive ")));
+    EXPECT_TRUE(asked.text.endsWith(kDiskFullTail));
+    EXPECT_EQ(ReadFileBytes(ini()), kNew);
+}
+
+TEST_F(SettingsSaveFailureTest, FullDiskCancelKeepsTheOldFile) {
+    access.failures = {AtomicFile::Status::DiskFull};
+    dialogs.answerCancel();
+    EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_EQ(access.writes, 1);
+    EXPECT_EQ(ReadFileBytes(ini()), kOld);
+    EXPECT_TRUE(dialogs.allAnswersUsed());
+}
+
+TEST_F(SettingsSaveFailureTest, OtherErrorGoesToTheErrorReport) {
+    access.failures = {AtomicFile::Status::OtherError};
+    EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("57 - Device I/O error in SaveSettings")});
+    EXPECT_EQ(reports.secondTexts(), QStringList{QString()});
+    EXPECT_EQ(dialogs.count(), 0);
+    EXPECT_EQ(ReadFileBytes(ini()), kOld);
+}
+
+TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
+    TempHome home;
+    const QString ini = home.file(QStringLiteral("Tvo.ini"));
+    const QByteArray old = "OLD,contents\r\n";
+    ASSERT_TRUE(WriteFileBytes(ini, old));
+    cSHAREDSettings s;
+    for (int i = 0; i < 200; ++i) {
+        s.sSet(QStringLiteral("Key%1").arg(i), QString(40, QLatin1Char('x')));
+    }
+    RecordedErrorReports reports;
+
+    // A file size limit makes the real write fail part of the way through.
+    rlimit saved{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = saved;
+    small.rlim_cur = 1024;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool ok = s.SaveSettings(ini);
+    setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, oldHandler);
+
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(ReadFileBytes(ini), old);
+    ASSERT_EQ(reports.texts().size(), 1);
+    EXPECT_TRUE(reports.texts().first().endsWith(QStringLiteral(" in SaveSettings")));
+    // No half-written temporary is left beside it.
+    EXPECT_EQ(QDir(home.path()).entryList({QStringLiteral("Tvo.ini*")}, QDir::Files | QDir::Hidden),
+              QStringList{QStringLiteral("Tvo.ini")});
+}
+
+TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {
+    TempHome home;
+    ScriptedFileAccess access;
+    access.failures = {AtomicFile::Status::DiskFull};
+    cSHAREDSettings s;
+    s.setFileAccess(&access);
+    EXPECT_FALSE(s.SaveSettings(home.file(QStringLiteral("Tvo.ini"))));
+    EXPECT_EQ(access.writes, 1);
+}
+
+TEST(SettingsSave, DriveOfAPath) {
+    EXPECT_EQ(DriveOfPath(QStringLiteral("C:\\Program Files\\Tarvo\\Tvo.ini")), QStringLiteral("C"));
+    EXPECT_EQ(DriveOfPath(QStringLiteral("d:/data/Tvo.ini")), QStringLiteral("d"));
+    EXPECT_FALSE(DriveOfPath(QDir::tempPath() + QStringLiteral("/Tvo.ini")).isEmpty());
+}
+
+} // namespace

@@ -1,0 +1,288 @@
+// The event file as bytes: what SaveDB writes and what LoadDB makes of
+// written and hand-edited files.
+#include "StorageFixture.h"
+
+#include "shared/TextCodec.h"
+#include "storage/EventXmlCodec.h"
+#include "storage/clsDbXml.h"
+
+#include <QRandomGenerator>
+
+namespace {
+
+class EventFileFormat : public StorageTest {
+protected:
+    QString path() const { return home.file(QStringLiteral("Events.xml")); }
+
+    // Saves the events into a fresh database file and returns its bytes.
+    QByteArray SaveBytes(const QList<EventPtr>& events) {
+        clsDbXml db(settings, &layers);
+        db.SetDBFilename(path());
+        for (const EventPtr& e : events) {
+            db.StoreRecord(e);
+        }
+        db.SaveDB();
+        return ReadFileBytes(path());
+    }
+
+    QList<EventPtr> LoadBytes(const QByteArray& bytes) {
+        EXPECT_TRUE(WriteFileBytes(path(), bytes));
+        clsDbXml db(settings, &layers);
+        db.LoadDB(path());
+        return db.Events();
+    }
+
+    // One hand-made block holding the given field lines (each "<Tag>v</Tag>").
+    static QByteArray Block(const QByteArray& fields) {
+        return "<TVO2>\r\n\t<EVENT>\r\n" + fields + "\t</EVENT>\r\n</TVO2>\r\n";
+    }
+};
+
+TEST_F(EventFileFormat, EmptyDatabaseIsTheHeaderLineAlone) {
+    EXPECT_EQ(SaveBytes({}), Header());
+}
+
+TEST_F(EventFileFormat, OneEventIsWrittenFieldByFieldInTheFileOrder) {
+    auto e = MakeEvent(QStringLiteral("Dentist 10:30, room 4"));
+    e->IDCode = QStringLiteral("012345");
+    e->setAlarmSet(true);
+    e->setAlarmTime(D("1899-12-30 10:15"));
+    e->setDaynumber(-2);
+    e->setDayOfMonth(31);
+    e->setDayOfWeek(7);
+    e->setDaysLeft(-40000);
+    e->setDaysWarning(3);
+    e->setDueDate(D("2009-03-05 17:45"));
+    e->setDueTime(D("1899-12-30 10:30"));
+    e->setLayer(4);
+    e->SharedLayerName = QStringLiteral("Work");
+    e->Email = QStringLiteral("a@b.c;d@e.f");
+    e->setMinutesWarning(15);
+    e->setMonthNumber(13);
+    e->setPeriod(2);
+    e->setRecurrenceType(clsEvent::EveryXMonths);
+    e->setRecurring(true);
+    e->setStartDate(D("2008-01-31"));
+    e->setWeekDays(254);
+    e->SharedEvent = true;
+    e->Filename = QStringLiteral("C:\\a b\\run.bat");
+    e->WavFile = QStringLiteral("/snd/ding.wav");
+    e->PlayWav = true;
+    e->ShareWithSpecific = true;
+    e->ShareNames = QStringLiteral("Bob\r\nCarl\r\n");
+
+    const QByteArray expected = Header() +
+        "<TVO2>\r\n"
+        "\t<EVENT>\r\n"
+        "\t\t<IDCode>012345</IDCode>\r\n"
+        "\t\t<AlarmSet>-1</AlarmSet>\r\n"
+        "\t\t<AlarmTime>1899-12-30 10:15</AlarmTime>\r\n"
+        "\t\t<DayNumber>-2</DayNumber>\r\n"
+        "\t\t<DayOfMonth>31</DayOfMonth>\r\n"
+        "\t\t<DayOfWeek>7</DayOfWeek>\r\n"
+        "\t\t<DaysLeft>-40000</DaysLeft>\r\n"
+        "\t\t<DaysWarning>3</DaysWarning>\r\n"
+        "\t\t<Deleted>0</Deleted>\r\n"
+        "\t\t<MailSent>0</MailSent>\r\n"
+        "\t\t<Desc>Dentist%2010:30,%20room%204</Desc>\r\n"
+        "\t\t<DueDate>2009-03-05</DueDate>\r\n"
+        "\t\t<DueTime>1899-12-30 10:30</DueTime>\r\n"
+        "\t\t<Layer>4</Layer>\r\n"
+        "\t\t<SharedLayerName>Work</SharedLayerName>\r\n"
+        "\t\t<Email>a@b.c;d@e.f</Email>\r\n"
+        "\t\t<MinutesWarning>15</MinutesWarning>\r\n"
+        "\t\t<MonthNumber>13</MonthNumber>\r\n"
+        "\t\t<Owner>Ann</Owner>\r\n"
+        "\t\t<Period>2</Period>\r\n"
+        "\t\t<RecurrenceType>2</RecurrenceType>\r\n"
+        "\t\t<Recurring>-1</Recurring>\r\n"
+        "\t\t<StartDate>2008-01-31</StartDate>\r\n"
+        "\t\t<WeekDays>254</WeekDays>\r\n"
+        "\t\t<SharedEvent>-1</SharedEvent>\r\n"
+        "\t\t<ExecFile>0</ExecFile>\r\n"
+        "\t\t<Filename>C:\\a b\\run.bat</Filename>\r\n"
+        "\t\t<WavFile>/snd/ding.wav</WavFile>\r\n"
+        "\t\t<PlayWav>-1</PlayWav>\r\n"
+        "\t\t<ShareWithSpecific>-1</ShareWithSpecific>\r\n"
+        "\t\t<ShareNames>Bob%0D%0ACarl%0D%0A</ShareNames>\r\n"
+        "\t</EVENT>\r\n"
+        "</TVO2>\r\n";
+    const QByteArray bytes = SaveBytes({e});
+    EXPECT_EQ(bytes, expected);
+
+    // Read back, every field is as it was; saved again, the bytes are the same.
+    const QList<EventPtr> back = LoadBytes(bytes);
+    ASSERT_EQ(back.size(), 1);
+    const clsEvent& r = *back.first();
+    EXPECT_EQ(r.IDCode, e->IDCode);
+    EXPECT_EQ(r.Desc(), e->Desc());
+    EXPECT_EQ(r.Daynumber(), -2);
+    EXPECT_EQ(r.DaysLeft(), -40000);
+    EXPECT_DOUBLE_EQ(r.AlarmTime(), e->AlarmTime());
+    EXPECT_DOUBLE_EQ(r.DueDate(), D("2009-03-05"));
+    EXPECT_DOUBLE_EQ(r.StartDate(), D("2008-01-31"));
+    EXPECT_EQ(r.ShareNames, e->ShareNames);
+    EXPECT_EQ(r.Filename, e->Filename);
+    EXPECT_TRUE(r.PlayWav && r.ShareWithSpecific && r.SharedEvent && r.Recurring() && r.AlarmSet());
+    EXPECT_FALSE(r.ExecFile || r.MailSent || r.Deleted);
+    EXPECT_EQ(SaveBytes(back), expected);
+}
+
+TEST_F(EventFileFormat, SpecialCharactersSurviveARoundTripByteForByte) {
+    const QString desc = QStringLiteral("Caf\u00e9 <b> & 100% done\r\nnext line");
+    auto e = MakeEvent(desc);
+    e->IDCode = QStringLiteral("000001");
+    const QByteArray bytes = SaveBytes({e});
+    EXPECT_TRUE(bytes.contains("<Desc>Caf%E9%20%3Cb%3E%20%26%20100%25%20done%0D%0Anext%20line</Desc>"));
+
+    const QList<EventPtr> back = LoadBytes(bytes);
+    ASSERT_EQ(back.size(), 1);
+    EXPECT_EQ(back.first()->Desc(), desc);
+    EXPECT_EQ(SaveBytes(back), bytes);
+}
+
+TEST_F(EventFileFormat, RawTextFieldsAreWrittenUnescapedAndCutAtTheirClosingTag) {
+    auto plain = MakeEvent(QStringLiteral("a"), QStringLiteral("<Tom & Jerry>"));
+    auto cut = MakeEvent(QStringLiteral("b"), QStringLiteral("Al</Owner>ice"));
+    plain->Email = QStringLiteral("\u00c5sa@x");
+    const QByteArray bytes = SaveBytes({plain, cut});
+    EXPECT_TRUE(bytes.contains("<Owner><Tom & Jerry></Owner>"));
+    EXPECT_TRUE(bytes.contains("<Email>\xC5sa@x</Email>"));
+
+    const QList<EventPtr> back = LoadBytes(bytes);
+    ASSERT_EQ(back.size(), 2);
+    EXPECT_EQ(back[0]->Owner(), QStringLiteral("<Tom & Jerry>"));
+    EXPECT_EQ(back[0]->Email, QStringLiteral("\u00c5sa@x"));
+    EXPECT_EQ(back[1]->Owner(), QStringLiteral("Al"));
+}
+
+TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
+    const QByteArray bytes = Header() + Block(
+        "\t\t<IDCode>111111</IDCode>\r\n"
+        "\t\t<AlarmSet>- 1</AlarmSet>\r\n"
+        "\t\t<Recurring>1</Recurring>\r\n"
+        "\t\t<PlayWav>-1</PlayWav>\r\n"
+        "\t\t<DaysWarning>7x</DaysWarning>\r\n"
+        "\t\t<DayOfMonth>99999</DayOfMonth>\r\n"
+        "\t\t<Desc>Still%20here</Desc>\r\n"
+        "\t\t<DueDate>2009-02-30</DueDate>\r\n"
+        "\t\t<StartDate>2010-06-01 13:30</StartDate>\r\n"
+        "\t\t<Layer> 5 </Layer>\r\n"
+        "\t\t<MonthNumber>2.5</MonthNumber>\r\n"
+        "\t\t<WeekDays>3.5</WeekDays>\r\n"
+        "\t\t<Owner>Bob</Owner>\r\n");
+    const QList<EventPtr> back = LoadBytes(bytes);
+    ASSERT_EQ(back.size(), 1);
+    const clsEvent& e = *back.first();
+    EXPECT_EQ(e.IDCode, QStringLiteral("111111"));
+    EXPECT_FALSE(e.AlarmSet()) << "only the exact text -1 is true";
+    EXPECT_FALSE(e.Recurring());
+    EXPECT_TRUE(e.PlayWav);
+    EXPECT_EQ(e.DaysWarning(), 0);
+    EXPECT_EQ(e.DayOfMonth(), 0);
+    EXPECT_EQ(e.Period(), 0) << "missing tag";
+    EXPECT_EQ(e.Desc(), QStringLiteral("Still here"));
+    EXPECT_EQ(e.DueDate(), 0.0);
+    EXPECT_DOUBLE_EQ(e.StartDate(), D("2010-06-01"));
+    EXPECT_EQ(e.Layer(), 5);
+    EXPECT_EQ(e.MonthNumber(), 2) << "half rounds to even";
+    EXPECT_EQ(e.WeekDays(), 4);
+    EXPECT_EQ(e.Owner(), QStringLiteral("Bob"));
+    EXPECT_TRUE(Logged(QStringLiteral("Type mismatch (13) in TransferXMLToObject of module clsDbXml")));
+    EXPECT_TRUE(Logged(QStringLiteral("Overflow (6) in TransferXMLToObject")));
+}
+
+TEST_F(EventFileFormat, TagsAreFoundWithoutRegardToCaseAndBlocksBySplittingAtTheEndTag) {
+    const QByteArray bytes = "garbage before" + Block(
+        "<daynumber>3</DAYNUMBER><DESC>x</desc><Owner>Single</Owner>") +
+        Block("<Desc>gone</Desc><Deleted>-1</Deleted>") +
+        "<tvo2><event><Desc>lower%20case</Desc><Owner></Owner></EVENT>" +
+        "<TVO2><EVENT><Desc>no end tag</Desc>";
+    const QList<EventPtr> back = LoadBytes(bytes);
+    ASSERT_EQ(back.size(), 3);
+    EXPECT_EQ(back[0]->Daynumber(), 3);
+    EXPECT_EQ(back[0]->Desc(), QStringLiteral("x"));
+    EXPECT_EQ(back[0]->Owner(), QStringLiteral("Ann")) << "Single becomes the current owner";
+    EXPECT_EQ(back[1]->Desc(), QStringLiteral("lower case"));
+    EXPECT_EQ(back[1]->Owner(), QStringLiteral("Ann")) << "so does an empty owner";
+    EXPECT_EQ(back[2]->Desc(), QStringLiteral("no end tag"));
+}
+
+TEST_F(EventFileFormat, AValueRunsToItsFirstClosingTagWithRepeatedOpeningTagsRemoved) {
+    struct Case {
+        QByteArray field;
+        QString desc;
+    };
+    const Case cases[] = {
+        {"<Desc>a<Desc>b</Desc>c</Desc>", QStringLiteral("ab")},
+        {"<Desc>no closing tag", QStringLiteral("no closing tag\t")}, // runs to the block's end
+        {"<Desc>x</DESC >y</Desc>", QStringLiteral("x</DESC >y")},
+        {"<Desc></Desc><Desc>second</Desc>", QString()},
+        {"<Desc>%41%4g%GG%zz|%4</Desc>", QString::fromLatin1("A\x04\0\0|%4", 7)},
+        {"<Desc>%%41</Desc>", QString::fromLatin1("\0" "1", 2)},
+        {"<Desc>%e9t%C3%A9</Desc>", QStringLiteral("\u00e9t\u00c3\u00a9")},
+    };
+    for (const Case& c : cases) {
+        const QList<EventPtr> back = LoadBytes(Block(c.field));
+        ASSERT_EQ(back.size(), 1) << c.field.constData();
+        EXPECT_EQ(back.first()->Desc(), c.desc) << c.field.constData();
+    }
+}
+
+TEST_F(EventFileFormat, PercentEncodingKeepsOnlyLettersDigitsAndFourMarks) {
+    EXPECT_EQ(EventXmlCodec::PercentEncode(QStringLiteral("aZ09:.,?")), QByteArray("aZ09:.,?"));
+    EXPECT_EQ(EventXmlCodec::PercentEncode(QStringLiteral(" \t\n;/%-_~@")),
+              QByteArray("%20%09%0A%3B%2F%25%2D%5F%7E%40"));
+    // Windows-1252 codes, upper-case hex; what the code page lacks becomes "?".
+    EXPECT_EQ(EventXmlCodec::PercentEncode(QStringLiteral("\u20ac\u00ff\u0416")), QByteArray("%80%FF%3F"));
+}
+
+TEST_F(EventFileFormat, AnsiTablesAgreeWithTheSystemConversion) {
+    for (int b = 0; b < 256; ++b) {
+        const QByteArray byte(1, static_cast<char>(b));
+        ASSERT_EQ(EventXmlCodec::FromAnsi(byte), TextCodec::FromWindows1252(byte)) << b;
+    }
+    // Every character the code page holds is written as the system writes
+    // it; any other becomes "?".
+    for (int u = 0; u < 0x10000; ++u) {
+        const QString ch(QChar(static_cast<char16_t>(u)));
+        QByteArray mine;
+        EventXmlCodec::AppendAnsi(mine, ch);
+        ASSERT_EQ(mine.size(), 1) << u;
+        const QByteArray system = TextCodec::ToWindows1252(ch);
+        const bool held = system.size() == 1 && TextCodec::FromWindows1252(system) == ch;
+        ASSERT_EQ(mine, held ? system : QByteArray("?")) << u;
+    }
+}
+
+TEST_F(EventFileFormat, DatesAreWrittenAsTheSharedFormattingWritesThem) {
+    QList<DateValue> values = {0.0, 1.0, -1.25, -0.5, 2.999999999, 39876.75, 2958465.99999,
+                               -657434.0, 0.041666666, 39876.0 + 59.0 / 1440 + 29.9 / 86400};
+    QRandomGenerator random(7);
+    for (int i = 0; i < 2000; ++i) {
+        values.append(-657433.0 + random.bounded(2958465.0 + 657433.0));
+    }
+    for (const DateValue v : values) {
+        QByteArray ymd;
+        QByteArray ymdhm;
+        EventXmlCodec::AppendYMD(ymd, v);
+        EventXmlCodec::AppendYMDHM(ymdhm, v);
+        ASSERT_EQ(QString::fromLatin1(ymd), FormatYMD(v)) << v;
+        ASSERT_EQ(QString::fromLatin1(ymdhm), FormatYMDHM(v)) << v;
+    }
+}
+
+TEST_F(EventFileFormat, TransferFunctionsConvertOneBlock) {
+    clsDbXml db(settings, &layers);
+    auto e = MakeEvent(QStringLiteral("one & two"));
+    e->IDCode = QStringLiteral("424242");
+    e->setDueDate(D("2020-02-29"));
+    const QString block = db.TransferObjectToXML(*e);
+    EXPECT_TRUE(block.startsWith(QStringLiteral("<TVO2>\r\n\t<EVENT>\r\n\t\t<IDCode>424242</IDCode>\r\n")));
+    EXPECT_TRUE(block.endsWith(QStringLiteral("\t</EVENT>\r\n</TVO2>")));
+    const EventPtr back = db.TransferXMLToObject(block);
+    EXPECT_EQ(back->Desc(), e->Desc());
+    EXPECT_DOUBLE_EQ(back->DueDate(), D("2020-02-29"));
+}
+
+} // namespace

@@ -1,0 +1,274 @@
+// The database object: storing, editing, deleting, ID codes, change
+// detection, read-only and interrupted saves, owner maintenance.
+#include "StorageFixture.h"
+
+#include "storage/clsDbXml.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+
+#include <csignal>
+#endif
+
+namespace {
+
+class DbXml : public StorageTest {
+protected:
+    DbXml() : db(settings, &layers) { db.SetDBFilename(path()); }
+
+    QString path() const { return home.file(QStringLiteral("Events.xml")); }
+
+    QStringList DescsInFile() {
+        clsDbXml reader(settings, &layers);
+        reader.LoadDB(path());
+        QStringList descs;
+        for (const EventPtr& e : reader.Events()) {
+            descs << e->Desc();
+        }
+        return descs;
+    }
+
+    // Moves the file's time stamp so that a change is seen whatever the
+    // file system's time resolution.
+    void Touch(const QString& file, int secondsLater = 5) {
+        QFile f(file);
+        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
+        const QDateTime when = f.fileTime(QFileDevice::FileModificationTime).addSecs(secondsLater);
+        ASSERT_TRUE(f.setFileTime(when, QFileDevice::FileModificationTime));
+    }
+
+    clsDbXml db;
+};
+
+TEST_F(DbXml, NewEventsGetUniqueSixDigitCodesAndAnEditedRecordMovesToTheEnd) {
+    const auto a = MakeEvent(QStringLiteral("A"));
+    const auto b = MakeEvent(QStringLiteral("B"));
+    const auto c = MakeEvent(QStringLiteral("C"));
+    for (const auto& e : {a, b, c}) {
+        db.StoreRecord(e);
+    }
+    static const QRegularExpression sixDigits(QStringLiteral("^\\d{6}$"));
+    for (const auto& e : {a, b, c}) {
+        EXPECT_TRUE(sixDigits.match(e->IDCode).hasMatch()) << e->IDCode.toStdString();
+        EXPECT_LE(e->IDCode.toInt(), 100000);
+    }
+    db.SaveDB();
+    EXPECT_EQ(DescsInFile(), (QStringList{"A", "B", "C"}));
+
+    // An edited copy with A's code replaces A and goes to the end.
+    auto edited = MakeEvent(QStringLiteral("A2"));
+    edited->IDCode = a->IDCode;
+    db.StoreRecord(edited);
+    EXPECT_EQ(db.RecordCount(), 3);
+    EXPECT_EQ(db.ReadEvent(a->IDCode), edited);
+    db.SaveDB();
+    EXPECT_EQ(DescsInFile(), (QStringList{"B", "C", "A2"}));
+
+    // Storing as new gives another code and keeps the original.
+    auto copy = MakeEvent(QStringLiteral("copy"));
+    copy->IDCode = b->IDCode;
+    db.StoreRecord(copy, true);
+    EXPECT_NE(copy->IDCode, b->IDCode);
+    EXPECT_EQ(db.RecordCount(), 4);
+}
+
+TEST_F(DbXml, CodesStayUniqueAcrossManyStoresDeletedRecordsIncluded) {
+    QSet<QString> codes;
+    for (int i = 0; i < 5000; ++i) {
+        auto e = MakeEvent(QString::number(i));
+        e->Deleted = (i % 3 == 0);
+        db.StoreRecord(e);
+        codes.insert(e->IDCode);
+    }
+    EXPECT_EQ(codes.size(), 5000);
+    EXPECT_EQ(db.RecordCount(), 5000);
+}
+
+TEST_F(DbXml, ABlockWithoutCodeGetsOneWhenStored) {
+    ASSERT_TRUE(WriteFileBytes(path(), Header() + "<TVO2><EVENT><Desc>x</Desc></EVENT></TVO2>\r\n"));
+    db.LoadDB(path());
+    ASSERT_EQ(db.RecordCount(), 1);
+    const EventPtr e = db.Events().first();
+    EXPECT_TRUE(e->IDCode.isEmpty());
+    db.StoreRecord(e);
+    EXPECT_EQ(e->IDCode.size(), 6);
+}
+
+TEST_F(DbXml, DeleteRecordMarksSavesAndKeepsTheObjectUntilTheNextLoad) {
+    const auto a = MakeEvent(QStringLiteral("A"));
+    const auto b = MakeEvent(QStringLiteral("B"));
+    db.StoreRecord(a);
+    db.StoreRecord(b);
+    db.DeleteRecord(a->IDCode);
+    EXPECT_TRUE(a->Deleted);
+    EXPECT_EQ(db.RecordCount(), 2);
+    EXPECT_EQ(DescsInFile(), QStringList{"B"});
+    db.DeleteRecord(QStringLiteral("999999x")); // unknown: still saves
+    EXPECT_EQ(DescsInFile(), QStringList{"B"});
+    db.LoadDB(path());
+    EXPECT_EQ(db.RecordCount(), 1);
+    EXPECT_FALSE(db.ReadEvent(a->IDCode));
+}
+
+TEST_F(DbXml, ReadEventHandsOutTheListsOwnObject) {
+    const auto a = MakeEvent(QStringLiteral("A"));
+    db.StoreRecord(a);
+    db.SaveDB();
+    db.LoadDB(path());
+    const EventPtr first = db.ReadEvent(a->IDCode);
+    ASSERT_TRUE(first);
+    first->setDesc(QStringLiteral("changed in place"));
+    EXPECT_EQ(db.ReadEvent(a->IDCode)->Desc(), QStringLiteral("changed in place"));
+}
+
+TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
+    EXPECT_FALSE(db.DatabaseChanged()) << "no file name yet counts as unchanged";
+    db.LoadDB(path());
+    EXPECT_EQ(db.RecordCount(), 0);
+    EXPECT_FALSE(db.DatabaseChanged()) << "absent and still absent";
+
+    // Another program creates the file.
+    clsDbXml other(settings, &layers);
+    other.SetDBFilename(path());
+    other.StoreRecord(MakeEvent(QStringLiteral("from elsewhere")));
+    other.SaveDB();
+    EXPECT_TRUE(db.DatabaseChanged());
+    db.LoadDBIfChanged(path());
+    EXPECT_EQ(db.RecordCount(), 1);
+    EXPECT_FALSE(db.DatabaseChanged());
+
+    // Our own save does not count as a change; a later write elsewhere does,
+    // and so does a stamp that moved backwards.
+    db.SaveDB();
+    EXPECT_FALSE(db.DatabaseChanged());
+    Touch(path(), 10);
+    EXPECT_TRUE(db.DatabaseChanged());
+    db.LoadDBIfChanged(path());
+    EXPECT_FALSE(db.DatabaseChanged());
+    Touch(path(), -100);
+    EXPECT_TRUE(db.DatabaseChanged());
+    db.LoadDBIfChanged(path());
+    EXPECT_FALSE(db.DatabaseChanged());
+    db.LoadDBIfChanged(path()); // unchanged: the list stays as loaded
+    EXPECT_EQ(db.RecordCount(), 1);
+}
+
+TEST_F(DbXml, AReadOnlyFileIsLoggedAndLeftAsItWas) {
+    db.StoreRecord(MakeEvent(QStringLiteral("old")));
+    db.SaveDB();
+    const QByteArray before = ReadFileBytes(path());
+    ASSERT_TRUE(QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::ReadUser));
+
+    db.StoreRecord(MakeEvent(QStringLiteral("new")));
+    db.SaveDB();
+    EXPECT_EQ(ReadFileBytes(path()), before);
+    EXPECT_TRUE(Logged(QStringLiteral("Output file readonly. Unable to write events.")));
+    EXPECT_FALSE(db.DatabaseChanged());
+    QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+#ifdef Q_OS_UNIX
+// The process may write no file beyond a size for the life of the object, so
+// a save is cut off part-way as by a crash or a full disk.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_FSIZE, &m_old);
+        m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit = m_old;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &m_old);
+        std::signal(SIGXFSZ, m_oldHandler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit m_old{};
+    void (*m_oldHandler)(int) = nullptr;
+};
+
+TEST_F(DbXml, ASaveCutOffPartWayLeavesThePreviousFileWhole) {
+    for (int i = 0; i < 200; ++i) {
+        db.StoreRecord(MakeEvent(QStringLiteral("event %1").arg(i)));
+    }
+    db.SaveDB();
+    const QByteArray before = ReadFileBytes(path());
+    ASSERT_GT(before.size(), 100000);
+
+    for (int i = 0; i < 200; ++i) {
+        db.StoreRecord(MakeEvent(QStringLiteral("more %1").arg(i)));
+    }
+    {
+        const FileSizeLimit limit(static_cast<rlim_t>(before.size() / 2));
+        db.SaveDB();
+    }
+    EXPECT_EQ(ReadFileBytes(path()), before);
+    EXPECT_TRUE(NewLogLines().join('\n').contains(QStringLiteral("in SaveDB of module clsDbXml")));
+    const QStringList leftovers =
+        QDir(home.path()).entryList(QDir::Files).filter(QStringLiteral("Events.xml"));
+    EXPECT_EQ(leftovers, QStringList{"Events.xml"}) << "no half-written copy stays behind";
+
+    db.SaveDB(); // the next save goes through
+    EXPECT_EQ(DescsInFile().size(), 400);
+}
+#endif
+
+TEST_F(DbXml, WipeDiskFileRemovesTheFileOnlyWhenThere) {
+    db.WipeDiskFile();
+    db.SaveDB();
+    ASSERT_TRUE(QFile::exists(path()));
+    db.WipeDiskFile();
+    EXPECT_FALSE(QFile::exists(path()));
+}
+
+TEST_F(DbXml, OwnerOperationsCompareTrimmedNamesAndSave) {
+    const auto ann = MakeEvent(QStringLiteral("ann's"), QStringLiteral(" Ann "));
+    const auto bob = MakeEvent(QStringLiteral("bob's"), QStringLiteral("Bob"));
+    const auto bob2 = MakeEvent(QStringLiteral("bob's too"), QStringLiteral("bob"));
+    for (const auto& e : {ann, bob, bob2}) {
+        db.StoreRecord(e);
+    }
+    db.RenameOwner(QStringLiteral("BOB "), QStringLiteral("Robert"));
+    EXPECT_EQ(bob->Owner(), QStringLiteral("Robert"));
+    EXPECT_EQ(bob2->Owner(), QStringLiteral("Robert"));
+    EXPECT_EQ(ann->Owner(), QStringLiteral(" Ann "));
+    EXPECT_TRUE(ReadFileBytes(path()).contains("<Owner>Robert</Owner>"));
+
+    db.WipeAllButThisOwner(QStringLiteral("  "));
+    EXPECT_EQ(DescsInFile().size(), 3) << "an empty owner wipes nothing";
+    db.WipeAllButThisOwner(QStringLiteral("ann"));
+    EXPECT_EQ(DescsInFile(), QStringList{"ann's"});
+
+    // Wiping by owner works on the file as it is on disk.
+    db.LoadDB(path());
+    db.StoreRecord(MakeEvent(QStringLiteral("carl's"), QStringLiteral("Carl")));
+    db.SaveDB();
+    db.WipeRecordsByOwner(QStringLiteral("Ann"));
+    EXPECT_EQ(DescsInFile(), QStringList{"carl's"});
+
+    db.SetAllToSingleUser();
+    EXPECT_TRUE(ReadFileBytes(path()).contains("<Owner>Single</Owner>"));
+    settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Zoe")));
+    db.LoadDB(path());
+    ASSERT_EQ(db.RecordCount(), 1);
+    EXPECT_EQ(db.Events().first()->Owner(), QStringLiteral("Zoe"));
+}
+
+TEST_F(DbXml, AnUnreadableFileGivesNoRecordsAndIsLoggedUnderTheOldLabels) {
+    ASSERT_TRUE(QDir().mkpath(path())); // a folder where the file should be
+    db.LoadDB(path());
+    EXPECT_EQ(db.RecordCount(), 0);
+    EXPECT_TRUE(NewLogLines().join('\n').contains(QStringLiteral("in LoadAllEvents of module clsDB2")));
+}
+
+} // namespace

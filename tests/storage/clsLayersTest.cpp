@@ -1,0 +1,77 @@
+#include "StorageFixture.h"
+
+namespace {
+
+class Layers : public StorageTest {};
+
+TEST_F(Layers, AStoreWithoutLayerKeysLoadsTheDefaultTable) {
+    layers.LoadLayers();
+    EXPECT_EQ(layers.Layer(0), QStringLiteral("Shared"));
+    for (int i = 1; i <= 19; ++i) {
+        EXPECT_EQ(layers.Layer(i), QStringLiteral("Layer %1").arg(i));
+    }
+    EXPECT_EQ(layers.Layer(20), QStringLiteral("All Categories"));
+}
+
+TEST_F(Layers, LoadingReadsUserLayersButNeverTheFixedEnds) {
+    settings.sSet(QStringLiteral("LAYER0"), SettingValue(QStringLiteral("Mine")));
+    settings.sSet(QStringLiteral("layer7"), SettingValue(QStringLiteral("Garden")));
+    settings.sSet(QStringLiteral("Layer20"), SettingValue(QStringLiteral("Everything")));
+    layers.LoadLayers();
+    EXPECT_EQ(layers.Layer(0), QStringLiteral("Shared"));
+    EXPECT_EQ(layers.Layer(7), QStringLiteral("Garden"));
+    EXPECT_EQ(layers.Layer(20), QStringLiteral("All Categories"));
+}
+
+TEST_F(Layers, SavingWritesAllTwentyOneKeys) {
+    layers.setLayer(3, QStringLiteral("Work"));
+    layers.SaveLayers();
+    EXPECT_EQ(settings.sGet(QStringLiteral("Layer0")).toText(), QStringLiteral("Shared"));
+    EXPECT_EQ(settings.sGet(QStringLiteral("Layer3")).toText(), QStringLiteral("Work"));
+    EXPECT_EQ(settings.sGet(QStringLiteral("Layer20")).toText(), QStringLiteral("All Categories"));
+    clsLayers again(settings);
+    again.LoadLayers();
+    EXPECT_EQ(again.Layer(3), QStringLiteral("Work"));
+}
+
+TEST_F(Layers, IndexOutsideTheTableIsLoggedAndHarmless) {
+    EXPECT_EQ(layers.Layer(21), QString());
+    EXPECT_EQ(layers.Layer(-1), QString());
+    layers.setLayer(21, QStringLiteral("x"));
+    EXPECT_TRUE(Logged(QStringLiteral("Subscript out of range (9) in Layer of module clsLayers")));
+}
+
+TEST_F(Layers, SeekingANewNameTakesTheHighestFreeSlotAndSaves) {
+    layers.LoadLayers();
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Work")), 19);
+    EXPECT_EQ(layers.Layer(19), QStringLiteral("Work"));
+    EXPECT_EQ(settings.sGet(QStringLiteral("Layer19")).toText(), QStringLiteral("Work"));
+
+    // Found again (trimmed, any case) without taking another slot.
+    settings.sSet(QStringLiteral("Layer19"), SettingValue(QStringLiteral("changed behind its back")));
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral(" work ")), 19);
+    EXPECT_EQ(settings.sGet(QStringLiteral("Layer19")).toText(), QStringLiteral("changed behind its back"))
+        << "a known name does not save";
+
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Home")), 18);
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("All Categories")), 20);
+}
+
+TEST_F(Layers, SeekingSharedNeverAnswersLayerZero) {
+    layers.LoadLayers();
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Shared")), 19);
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Shared")), 19);
+}
+
+TEST_F(Layers, ASlotNamedWithItsOwnDefaultTextIsFreeAndAFullTableAnswersMinusOne) {
+    for (int i = 1; i <= 19; ++i) {
+        layers.setLayer(i, QStringLiteral("Named %1").arg(i));
+    }
+    layers.setLayer(4, QStringLiteral("Layer 4")); // typed by the user: still free
+    layers.setLayer(9, QStringLiteral("Layer 10")); // not its own default: taken
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("New")), 4);
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Newer")), -1);
+    EXPECT_EQ(layers.Layer(20), QStringLiteral("All Categories"));
+}
+
+} // namespace

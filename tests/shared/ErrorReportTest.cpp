@@ -51,8 +51,9 @@ TEST(ErrorReportText, FullReportLayout) {
     EXPECT_EQ(lines[2], QStringLiteral("It crashed"));
     EXPECT_EQ(lines[3], QStringLiteral("log line"));
     EXPECT_EQ(lines[4], kDashes);
-    EXPECT_EQ(lines[5], QStringLiteral(
-                            "If the 'submit report' button doesn't work on your system, open an email"));
+    EXPECT_EQ(
+        lines[5],
+        QStringLiteral("If the 'submit report' button doesn't work on your system, open an email"));
     EXPECT_EQ(lines[6], QStringLiteral("to '") + AppInfo::BugReportAddress() +
                             QStringLiteral("' and paste the following text into it."));
     EXPECT_EQ(lines[7], QStringLiteral("Submitting a bug report helps improve the software."));
@@ -87,7 +88,8 @@ TEST(ShowError, ErrObjBuildsTheErrorText) {
     cSHAREDShowError::ShowErrObj(53, QStringLiteral("File not found"), QStringLiteral("frmMain"),
                                  QStringLiteral("Save"), QStringLiteral("more"));
     cSHAREDShowError::ShowErr(QStringLiteral("plain"));
-    EXPECT_EQ(reports.texts(), (QStringList{"Error 53 - File not found in frmMain of Save", "plain"}));
+    EXPECT_EQ(reports.texts(),
+              (QStringList{"Error 53 - File not found in frmMain of Save", "plain"}));
     EXPECT_EQ(reports.secondTexts(), (QStringList{"more", ""}));
 }
 
@@ -194,9 +196,9 @@ TEST_F(ErrorReportWindowTest, ViewReportWritesFullLogAndOpensIt) {
     const QString path = fSHAREDErrorRpt::FullLogPath();
     ASSERT_EQ(opened, QList<QUrl>{QUrl::fromLocalFile(path)});
     const QString report = TextCodec::FromWindows1252(ReadFileBytes(path));
-    EXPECT_EQ(report, ErrorReportText::FullReport(QStringLiteral("Bad thing"),
-                                                  QStringLiteral("my words"),
-                                                  QStringLiteral("No log file")));
+    EXPECT_EQ(report,
+              ErrorReportText::FullReport(QStringLiteral("Bad thing"), QStringLiteral("my words"),
+                                          QStringLiteral("No log file")));
 }
 
 TEST_F(ErrorReportWindowTest, SubmitOpensTheMailLink) {

@@ -1,5 +1,6 @@
 #include "storage/clsSounds.h"
 
+#include "shared/cSHAREDSettings.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
@@ -95,6 +96,39 @@ TEST(DefaultAlarmWav, BuiltInSoundIsWrittenOnlyWhenMissing) {
     ASSERT_TRUE(WriteFileBytes(path, "user's own sound"));
     EXPECT_TRUE(WriteDefaultAlarmWav(path));
     EXPECT_EQ(ReadFileBytes(path), QByteArray("user's own sound"));
+}
+
+TEST(DefaultAlarmWav, MissingSoundFallsBackToTheHomeFolderAndIsStoredBack) {
+    TempHome home;
+    const QString homeWav = home.file(QStringLiteral("alarm.wav"));
+    struct Case {
+        const char* name;
+        std::optional<QString> setting; // none: the key is absent
+        bool userFileExists;
+    };
+    const QString userWav = home.file(QStringLiteral("mine.wav"));
+    const Case cases[] = {
+        {"absent key", std::nullopt, false},
+        {"file gone", home.file(QStringLiteral("gone.wav")), false},
+        {"empty value", QString(), false},
+        {"own sound", userWav, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        QFile::remove(homeWav);
+        cSHAREDSettings settings;
+        if (c.setting) {
+            settings.sSet(QStringLiteral("WavFile"), SettingValue(*c.setting));
+        }
+        if (c.userFileExists) {
+            ASSERT_TRUE(WriteFileBytes(userWav, "RIFF"));
+        }
+        const QString expected = c.userFileExists ? userWav : homeWav;
+        EXPECT_EQ(DefaultWavFile(settings), expected);
+        EXPECT_EQ(settings.sGet(QStringLiteral("WavFile")).toText(), expected);
+        // The fallback sound is there to be played.
+        EXPECT_EQ(QFileInfo::exists(homeWav), !c.userFileExists);
+    }
 }
 
 } // namespace

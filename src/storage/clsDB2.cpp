@@ -113,7 +113,9 @@ EventPtr clsDB2::TransferTypeToObject(QByteArrayView record) {
     return e;
 }
 
-bool clsDB2::DatabaseChanged() const { return fileTime(m_fileName) != m_fileTime; }
+bool clsDB2::DatabaseChanged() const {
+    return fileTime(m_fileName) != m_fileTime;
+}
 
 void clsDB2::LoadDBIfChanged(const QString& path) {
     if (DatabaseChanged()) {
@@ -151,16 +153,14 @@ void clsDB2::LoadDB(const QString& path, bool append) {
         m_settings.sGet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Not Set"))).toText();
     for (qsizetype i = 0; i < count; ++i) {
         const QByteArrayView all(bytes);
-        EventPtr e = TransferTypeToObject(all.sliced(i * kRecordLength).first(
-            std::min(kRecordLength, bytes.size() - i * kRecordLength)));
+        EventPtr e = TransferTypeToObject(
+            all.sliced(i * kRecordLength)
+                .first(std::min(kRecordLength, bytes.size() - i * kRecordLength)));
         if (e->Owner().isEmpty() || e->Owner() == QStringLiteral("Single")) {
             e->setOwner(owner);
         }
-        if (e->Layer() >= 0 && e->Layer() <= 20) {
-            e->SharedLayerName = m_layers.Layer(e->Layer());
-        } else {
-            LogRuntimeError(RuntimeError::invalidArgument(), proc, kModule);
-        }
+        // A layer index out of range is logged by the table and gives "".
+        e->SharedLayerName = m_layers.Layer(e->Layer());
         const QString wav = m_sounds.GetWavName(e->IDCode);
         if (!wav.isEmpty()) {
             // The old program played an event's table sound whenever it had
@@ -194,8 +194,8 @@ bool clsDB2::ExportToXML(const QString& xmlPath) {
     }
     db.SaveDB();
     if (!QFileInfo::exists(xmlPath)) {
-        Log().AddAction(QStringLiteral("Unable to write ") + xmlPath,
-                        QStringLiteral("ExportToXML"), kModule);
+        Log().AddAction(QStringLiteral("Unable to write ") + xmlPath, QStringLiteral("ExportToXML"),
+                        kModule);
         return false;
     }
     // Only once the events are safe in the new file does the table go.

@@ -72,8 +72,7 @@ private:
 // left as it is, so deleting the XML file repeats the conversion. True when
 // a conversion took place.
 bool ConvertLegacyDatabase(const QString& xmlPath, cSHAREDSettings& settings, clsLayers& layers,
-                           clsSounds& sounds,
-                           UserDialogs* dialogs = nullptr);
+                           clsSounds& sounds, UserDialogs* dialogs = nullptr);
 
 // Both conversions in start-up order: "Events.xml" (with the message), then
 // "Expired.xml", in dataPath.

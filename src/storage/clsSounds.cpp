@@ -1,8 +1,8 @@
 #include "storage/clsSounds.h"
 
 #include "shared/AppPaths.h"
-#include "shared/AtomicFile.h"
 #include "shared/AppResources.h"
+#include "shared/AtomicFile.h"
 #include "shared/TextCodec.h"
 #include "shared/TextEqual.h"
 #include "shared/cSHAREDSettings.h"
@@ -122,8 +122,7 @@ bool WriteDefaultAlarmWav(const QString& path) {
 }
 
 QString DefaultWavFile(cSHAREDSettings& settings) {
-    const QString homeWav =
-        AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav"));
+    const QString homeWav = AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav"));
     QString wav = settings.sGet(QStringLiteral("WavFile"), SettingValue(homeWav)).toText();
     if (!QFileInfo::exists(wav)) {
         wav = homeWav;

@@ -132,9 +132,7 @@ TEST(LegacyRecordReading, ShortRecordReadsAsFarAsItGoes) {
 // table that start-up would hand to the conversion.
 class LegacyDatabaseTest : public StorageTest {
 protected:
-    LegacyDatabaseTest() {
-        layers.setLayer(4, QStringLiteral("Work"));
-    }
+    LegacyDatabaseTest() { layers.setLayer(4, QStringLiteral("Work")); }
 
     void WriteDat(const QString& name, const QList<LegacyRecord>& records,
                   const QByteArray& tail = {}) {
@@ -203,7 +201,7 @@ TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundAndSkipsDeleted) {
 
     db.LoadDB(home.file(QStringLiteral("events.dat")));
     ASSERT_EQ(Ids(db.Events()), QStringList({QStringLiteral("111111"), QStringLiteral("222222"),
-                                              QStringLiteral("444444")}));
+                                             QStringLiteral("444444")}));
     const EventPtr e1 = db.ReadEvent(QStringLiteral("111111"));
     EXPECT_EQ(e1->Owner(), QStringLiteral("Ann"));
     EXPECT_EQ(e1->SharedLayerName, QStringLiteral("Work"));
@@ -231,9 +229,8 @@ TEST_F(LegacyDatabaseTest, ChangeDetectionFollowsTheFile) {
 }
 
 TEST_F(LegacyDatabaseTest, ExportKeepsIdsAndOrderAndRemovesTheSoundTable) {
-    WriteDat(QStringLiteral("events.dat"),
-             {Rec("222222", "second by id, first in file"), Rec("111111", "other"),
-              Rec("", "no id yet")});
+    WriteDat(QStringLiteral("events.dat"), {Rec("222222", "second by id, first in file"),
+                                            Rec("111111", "other"), Rec("", "no id yet")});
     ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n"));
     db.LoadDB(home.file(QStringLiteral("events.dat")));
     const QString xml = home.file(QStringLiteral("Events.xml"));
@@ -285,7 +282,8 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsBothFilesOnceAndTellsTheUserOnce) {
     EXPECT_EQ(Ids(events.Events()), QStringList(QStringLiteral("111111")));
     clsDbXml expired(settings, &layers);
     expired.LoadDB(home.file(QStringLiteral("Expired.xml")));
-    EXPECT_EQ(Ids(expired.Events()), QStringList({QStringLiteral("444444"), QStringLiteral("555555")}));
+    EXPECT_EQ(Ids(expired.Events()),
+              QStringList({QStringLiteral("444444"), QStringLiteral("555555")}));
     // The old files are left for the user to fall back on.
     EXPECT_EQ(ReadFileBytes(home.file(QStringLiteral("events.dat"))), eventsDat);
 
@@ -302,7 +300,8 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsBothFilesOnceAndTellsTheUserOnce) {
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
     events.LoadDB(home.file(QStringLiteral("Events.xml")));
-    EXPECT_EQ(Ids(events.Events()), QStringList({QStringLiteral("111111"), QStringLiteral("666666")}));
+    EXPECT_EQ(Ids(events.Events()),
+              QStringList({QStringLiteral("111111"), QStringLiteral("666666")}));
 }
 
 TEST_F(LegacyDatabaseTest, NothingToConvertShowsNothing) {

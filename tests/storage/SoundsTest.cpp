@@ -13,7 +13,9 @@ protected:
     void WriteTable(const QByteArray& bytes) {
         ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("EventWavs.ini")), bytes));
     }
-    QByteArray TableBytes() const { return ReadFileBytes(home.file(QStringLiteral("EventWavs.ini"))); }
+    QByteArray TableBytes() const {
+        return ReadFileBytes(home.file(QStringLiteral("EventWavs.ini")));
+    }
 
     TempHome home;
     clsSounds sounds{home.path()};
@@ -24,7 +26,8 @@ TEST_F(SoundsTest, LooksUpSoundsByIdCode) {
                "no comma here\r\n"
                " 222222 ,/home/ann/My, Sounds/gong.wav\r\n"
                "333333,/a.wav,extra\r\n"
-               "444444,/gl\xf6" "ckchen.wav\r\n");
+               "444444,/gl\xf6"
+               "ckchen.wav\r\n");
     struct Case {
         const char* id;
         int line;

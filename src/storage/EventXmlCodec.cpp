@@ -14,6 +14,7 @@
 #include <cstring>
 #include <limits>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace EventXmlCodec {
@@ -112,13 +113,10 @@ struct LowerTags {
     }
 };
 
-const LowerTags& lowerTags() {
-    static const LowerTags tags;
-    return tags;
-}
+const LowerTags kLowerTags;
 
 inline bool isName(const char* p, int f) {
-    const char* lower = lowerTags().names[f].data();
+    const char* lower = kLowerTags.names[f].data();
     const std::size_t n = kTags[f].size();
     for (std::size_t i = 0; i < n; ++i) {
         if (static_cast<char>(p[i] | 0x20) != lower[i]) {

@@ -204,12 +204,15 @@ TEST_F(ErrorReportWindowTest, ViewReportWritesFullLogAndOpensIt) {
 TEST_F(ErrorReportWindowTest, SubmitOpensTheMailLink) {
     window.ShowError(QStringLiteral("Bad thing"));
     click("cmdShowComments");
-    QTest::keyClicks(child<QPlainTextEdit>("txtUserMessage"), QStringLiteral("50% &?#"));
+    auto* comments = child<QPlainTextEdit>("txtUserMessage");
+    QTest::keyClicks(comments, QStringLiteral("50% &?#"));
+    QTest::keyClick(comments, Qt::Key_Return);
+    QTest::keyClicks(comments, QStringLiteral("ok"));
     click("cmdEmail");
     ASSERT_EQ(opened.size(), 1);
     EXPECT_EQ(opened[0].scheme(), QStringLiteral("mailto"));
     const QString sent = opened[0].toString(QUrl::FullyEncoded);
-    EXPECT_TRUE(sent.contains(QStringLiteral("User:%2050%25%20%26%3F%23%0D%0ABad%20thing")))
+    EXPECT_TRUE(sent.contains(QStringLiteral("User:%2050%25%20%26%3F%23%0D%0Aok%0D%0ABad%20thing")))
         << sent.toStdString();
 }
 

@@ -17,6 +17,10 @@ struct Conversion {
     bool zero;
 };
 
+void PrintTo(const Conversion& c, std::ostream* os) {
+    *os << c.name;
+}
+
 class SettingValueConversion : public ::testing::TestWithParam<Conversion> {};
 
 TEST_P(SettingValueConversion, GivesWhatReadersExpect) {

@@ -23,6 +23,10 @@ struct Probe {
     const char* fullSample;  // FormatDate of 2009-03-05
 };
 
+void PrintTo(const Probe& p, std::ostream* os) {
+    *os << p.probe;
+}
+
 class DateProbe : public ::testing::TestWithParam<Probe> {};
 
 TEST_P(DateProbe, GivesFormatsFieldsAndSeparator) {

@@ -90,6 +90,44 @@ const TagTexts& tagTexts() {
 
 inline char lowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
 
+// Field names in lower case. Names are letters only, and for a letter L a
+// byte b is L in either case exactly when (b | 0x20) equals lower-case L.
+struct LowerTags {
+    std::array<std::array<char, kMaxTagLength>, kFieldCount> names{};
+    LowerTags() {
+        for (int f = 0; f < kFieldCount; ++f) {
+            for (std::size_t i = 0; i < kTags[f].size(); ++i) {
+                names[f][i] = lowerAscii(kTags[f][i]);
+            }
+        }
+    }
+};
+
+const LowerTags& lowerTags() {
+    static const LowerTags tags;
+    return tags;
+}
+
+inline bool isName(const char* p, int f) {
+    const char* lower = lowerTags().names[f].data();
+    const std::size_t n = kTags[f].size();
+    for (std::size_t i = 0; i < n; ++i) {
+        if (static_cast<char>(p[i] | 0x20) != lower[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The next c in [p, end), or end. Gaps between tags are short, so a plain
+// loop beats a library call here.
+inline const char* scanTo(const char* p, const char* end, char c) {
+    while (p < end && *p != c) {
+        ++p;
+    }
+    return p;
+}
+
 bool equalsNoCase(const char* a, std::string_view b) {
     for (std::size_t i = 0; i < b.size(); ++i) {
         if (lowerAscii(a[i]) != lowerAscii(b[i])) {
@@ -103,7 +141,7 @@ bool equalsNoCase(const char* a, std::string_view b) {
 int fieldOfName(const char* name, std::size_t len) {
     // Few tags share a length, so a length check first rejects almost all.
     for (int f = 0; f < kFieldCount; ++f) {
-        if (kTags[f].size() == len && equalsNoCase(name, kTags[f])) {
+        if (kTags[f].size() == len && isName(name, f)) {
             return f;
         }
     }
@@ -506,32 +544,41 @@ QByteArray PercentEncode(const QString& text) {
 }
 
 QString PercentDecode(QByteArrayView bytes) {
-    if (!bytes.contains('%')) {
+    const char* p = bytes.data();
+    const char* end = p + bytes.size();
+    const char* percent = scanTo(p, end, '%');
+    if (percent == end) {
         return FromAnsi(bytes);
     }
-    QByteArray raw;
-    raw.reserve(bytes.size());
-    const qsizetype n = bytes.size();
-    for (qsizetype i = 0; i < n; ++i) {
-        const char c = bytes[i];
-        if (c == '%' && i + 2 < n) {
-            // Lenient hex: reading stops at the first non-hex digit.
-            int value = 0;
-            const int hi = hexValue(bytes[i + 1]);
-            if (hi >= 0) {
-                value = hi;
-                const int lo = hexValue(bytes[i + 2]);
-                if (lo >= 0) {
-                    value = hi * 16 + lo;
-                }
-            }
-            raw.append(static_cast<char>(value));
-            i += 2;
-        } else {
-            raw.append(c);
+    const AnsiTables& t = ansi();
+    QString out(bytes.size(), Qt::Uninitialized);
+    char16_t* dst = reinterpret_cast<char16_t*>(out.data());
+    char16_t* const first = dst;
+    while (p < end) {
+        for (; p < percent; ++p) {
+            *dst++ = t.toUnicode[static_cast<unsigned char>(*p)];
         }
+        if (p == end) {
+            break;
+        }
+        if (end - p > 2) {
+            // Lenient hex: reading stops at the first non-hex digit.
+            int code = 0;
+            const int hi = hexValue(p[1]);
+            if (hi >= 0) {
+                const int lo = hexValue(p[2]);
+                code = lo >= 0 ? hi * 16 + lo : hi;
+            }
+            *dst++ = t.toUnicode[static_cast<unsigned char>(code)];
+            p += 3;
+        } else {
+            *dst++ = u'%';
+            ++p;
+        }
+        percent = scanTo(p, end, '%');
     }
-    return FromAnsi(raw);
+    out.truncate(dst - first);
+    return out;
 }
 
 void AppendYMD(QByteArray& out, DateValue v) {
@@ -582,29 +629,72 @@ void AppendBlock(QByteArray& out, const clsEvent& e) {
     out.append("\t</EVENT>\r\n</TVO2>");
 }
 
-EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module) {
+QString TextCache::Text(int slot, QByteArrayView raw) {
+    if (raw.isEmpty()) {
+        return {};
+    }
+    auto& entries = m_entries[slot];
+    for (std::size_t i = 0; i < m_used[slot]; ++i) {
+        if (entries[i].raw == raw) {
+            return entries[i].text;
+        }
+    }
+    // A new value takes a free entry, or the oldest one.
+    std::size_t i = m_used[slot] < kEntries ? m_used[slot]++ : m_next[slot]++ % kEntries;
+    entries[i].raw = raw.toByteArray();
+    entries[i].text = FromAnsi(raw);
+    return entries[i].text;
+}
+
+EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module,
+                   TextCache* cache) {
     const char* begin = block.data();
     const char* end = begin + block.size();
 
     // One pass over the '<' of the block finds the first opening tag of
-    // every field (a tag's first occurrence is always at some '<').
+    // every field (a tag's first occurrence is always at some '<'). When the
+    // next '<' after an opening tag is its closing tag, as in every written
+    // file, the value is known at once and the pass goes on after the
+    // closing tag: nothing in between can start another tag.
     std::array<const char*, kFieldCount> open{};
+    std::array<const char*, kFieldCount> quickEnd{};
     int found = 0;
+    int expected = 0; // fields usually come in the written order
     for (const char* p = begin; p < end && found < kFieldCount;) {
-        const auto* lt = static_cast<const char*>(std::memchr(p, '<', static_cast<std::size_t>(end - p)));
-        if (lt == nullptr) {
+        const char* lt = scanTo(p, end, '<');
+        if (lt == end) {
             break;
         }
         p = lt + 1;
-        const std::size_t room = std::min<std::size_t>(static_cast<std::size_t>(end - p), kMaxTagLength + 1);
-        const auto* gt = static_cast<const char*>(std::memchr(p, '>', room));
-        if (gt == nullptr || *p == '/') {
+        if (p == end || *p == '/') {
             continue;
         }
-        const int f = fieldOfName(p, static_cast<std::size_t>(gt - p));
-        if (f >= 0 && open[f] == nullptr) {
-            open[f] = lt;
-            ++found;
+        const char* limit = p + std::min<std::ptrdiff_t>(end - p, kMaxTagLength + 1);
+        const char* gt = scanTo(p, limit, '>');
+        if (gt == limit) {
+            continue;
+        }
+        const auto len = static_cast<std::size_t>(gt - p);
+        int f = -1;
+        if (expected < kFieldCount && kTags[expected].size() == len && isName(p, expected)) {
+            f = expected;
+        } else {
+            f = fieldOfName(p, len);
+        }
+        if (f < 0 || open[f] != nullptr) {
+            continue;
+        }
+        open[f] = lt;
+        ++found;
+        expected = f + 1;
+        const char* valueStart = gt + 1;
+        const char* next = scanTo(valueStart, end, '<');
+        if (static_cast<std::size_t>(end - next) >= len + 3 && next[1] == '/' && next[len + 2] == '>' &&
+            isName(next + 2, f)) {
+            quickEnd[f] = next;
+            p = next + len + 3;
+        } else {
+            p = valueStart;
         }
     }
 
@@ -615,6 +705,9 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
     auto value = [&](int f) -> QByteArrayView {
         const std::string_view tag = kTags[f];
         const char* valueStart = open[f] + tag.size() + 2;
+        if (quickEnd[f] != nullptr) {
+            return QByteArrayView(valueStart, quickEnd[f] - valueStart);
+        }
         closeBuf[0] = '<';
         closeBuf[1] = '/';
         std::memcpy(closeBuf + 2, tag.data(), tag.size());
@@ -630,6 +723,10 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
         scratch = removeAllNoCase(QByteArrayView(open[f], valueEnd - open[f]), openTag);
         scratch = removeAllNoCase(scratch, closeTag);
         return scratch;
+    };
+
+    auto text = [cache](int slot, QByteArrayView v) {
+        return cache != nullptr ? cache->Text(slot, v) : FromAnsi(v);
     };
 
     auto event = std::make_shared<clsEvent>();
@@ -654,11 +751,11 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
             case fDueDate: e.setDueDate(parseDateTime(v)); break;
             case fDueTime: e.setDueTime(parseDateTime(v)); break;
             case fLayer: e.setLayer(toInt16(v)); break;
-            case fSharedLayerName: e.SharedLayerName = FromAnsi(v); break;
-            case fEmail: e.Email = FromAnsi(v); break;
+            case fSharedLayerName: e.SharedLayerName = text(0, v); break;
+            case fEmail: e.Email = text(1, v); break;
             case fMinutesWarning: e.setMinutesWarning(toInt16(v)); break;
             case fMonthNumber: e.setMonthNumber(toInt16(v)); break;
-            case fOwner: e.setOwner(FromAnsi(v)); break;
+            case fOwner: e.setOwner(text(2, v)); break;
             case fPeriod: e.setPeriod(toInt16(v)); break;
             case fRecurrenceType: e.setRecurrenceType(toInt32(v)); break;
             case fRecurring: e.setRecurring(toBoolean(v)); break;
@@ -666,8 +763,8 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
             case fWeekDays: e.setWeekDays(toInt16(v)); break;
             case fSharedEvent: e.SharedEvent = toBoolean(v); break;
             case fExecFile: e.ExecFile = toBoolean(v); break;
-            case fFilename: e.Filename = FromAnsi(v); break;
-            case fWavFile: e.WavFile = FromAnsi(v); break;
+            case fFilename: e.Filename = text(3, v); break;
+            case fWavFile: e.WavFile = text(4, v); break;
             case fPlayWav: e.PlayWav = toBoolean(v); break;
             case fShareWithSpecific: e.ShareWithSpecific = toBoolean(v); break;
             case fShareNames: e.ShareNames = PercentDecode(v); break;

@@ -41,7 +41,8 @@ struct ListFixture {
         QRandomGenerator random(1121);
         for (int i = 0; i < count; ++i) {
             auto e = std::make_shared<clsEvent>();
-            QString desc = QStringLiteral("Reminder %1 with a description of usual length").arg(random.bounded(1000000));
+            QString desc = QStringLiteral("Reminder %1 with a description of usual length")
+                               .arg(random.bounded(1000000));
             if (i % 20 == 0) {
                 desc += QStringLiteral("\r\nand a second line");
             }

@@ -35,8 +35,8 @@ const QString& PastText() {
     return s;
 }
 const QString& MarkerText(int marker) {
-    static const std::array<QString, 4> texts = {QString(), QStringLiteral("*"), QStringLiteral("S"),
-                                                 QStringLiteral("E")};
+    static const std::array<QString, 4> texts = {QString(), QStringLiteral("*"),
+                                                 QStringLiteral("S"), QStringLiteral("E")};
     return texts[static_cast<size_t>(marker)];
 }
 
@@ -195,15 +195,18 @@ void EventListModel::AddListItem(const FillContext& fc, const EventPtr& event, S
             c[ColDay] = fc.dayNames[static_cast<size_t>(date.dayOfWeek())];
             const QString day = TwoDigits(date.day());
             const QString month = TwoDigits(date.month());
-            c[ColDate] = fc.dayFirst ? day + QLatin1Char('/') + month : month + QLatin1Char('/') + day;
+            c[ColDate] =
+                fc.dayFirst ? day + QLatin1Char('/') + month : month + QLatin1Char('/') + day;
             c[ColYear] = QString::number(date.year());
         } else {
-            Log().AddAction(QStringLiteral("Invalid due date for ") + e.Desc() + QStringLiteral(" (5)"),
+            Log().AddAction(QStringLiteral("Invalid due date for ") + e.Desc() +
+                                QStringLiteral(" (5)"),
                             QStringLiteral("AddListItem"), kModule);
         }
         QString desc = e.Desc();
         if (desc.contains(QLatin1Char('\r')) || desc.contains(QLatin1Char('\n'))) {
-            desc.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
+            desc.replace(QLatin1Char('\r'), QLatin1Char(' '))
+                .replace(QLatin1Char('\n'), QLatin1Char(' '));
         }
         c[ColEvent] = desc;
         // Layer 0 ("Shared") is listed under layer 1; the event itself keeps 0 so
@@ -290,9 +293,11 @@ std::vector<int> EventListModel::SortRows() {
             return keys[static_cast<size_t>(a)].compare(keys[static_cast<size_t>(b)]);
         };
         if (descending) {
-            std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return cmp(b, a) < 0; });
+            std::stable_sort(order.begin(), order.end(),
+                             [&](int a, int b) { return cmp(b, a) < 0; });
         } else {
-            std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return cmp(a, b) < 0; });
+            std::stable_sort(order.begin(), order.end(),
+                             [&](int a, int b) { return cmp(a, b) < 0; });
         }
     }
 

@@ -40,7 +40,8 @@ EventListView::EventListView(EventListModel* model, QWidget* parent)
 }
 
 QString EventListView::ColourToolTip() {
-    return QStringLiteral("Black = normal, Red = Expired, Green = Your shared, Blue = Shared from others");
+    return QStringLiteral(
+        "Black = normal, Red = Expired, Green = Your shared, Blue = Shared from others");
 }
 
 void EventListView::HeaderClicked(int column) {

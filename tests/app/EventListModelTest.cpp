@@ -23,8 +23,9 @@ namespace {
 using Col = EventListModel::Column;
 
 struct EventSpec {
-    EventSpec(QString d, QString dueDate = {}, QString who = QStringLiteral("Ann"), int16_t layerNo = 1,
-              bool isShared = false, bool withSpecific = false, QString shareNames = {})
+    EventSpec(QString d, QString dueDate = {}, QString who = QStringLiteral("Ann"),
+              int16_t layerNo = 1, bool isShared = false, bool withSpecific = false,
+              QString shareNames = {})
         : desc(std::move(d)), due(std::move(dueDate)), owner(std::move(who)), layer(layerNo),
           shared(isShared), specific(withSpecific), names(std::move(shareNames)) {}
     QString desc;
@@ -75,7 +76,8 @@ protected:
         cSHAREDSettings bobSettings;
         bobSettings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Bob")));
         clsDbXml bob(bobSettings);
-        bob.SetDBFilename(QDir(folder).filePath(SharedDatabases::SharedFileName(QStringLiteral("Bob"))));
+        bob.SetDBFilename(
+            QDir(folder).filePath(SharedDatabases::SharedFileName(QStringLiteral("Bob"))));
         for (const EventSpec& s : specs) {
             bob.StoreRecord(Make(s));
         }
@@ -117,17 +119,39 @@ TEST_F(EventList, CellTextsOfOneRow) {
         std::optional<int> dateStyle;
         QStringList cells; // Left, Day, Date, Year, Event, Layer, Owner, Type, Shared With
     } cases[] = {
-        {{"Today", "2009-03-05"}, {}, {"0000", "Thu", "03/05", "2009", "Today", "Layer 1", "", "", ""}},
-        {{"Soon", "2009-03-17", "Ann", 3}, {}, {"0012", "Tue", "03/17", "2009", "Soon", "Work", "", "", ""}},
-        {{"Day first", "2009-03-12"}, 1, {"0007", "Thu", "12/03", "2009", "Day first", "Layer 1", "", "", ""}},
-        {{"Month first", "2009-03-12"}, 2, {"0007", "Thu", "03/12", "2009", "Month first", "Layer 1", "", "", ""}},
-        {{"Far", "2040-01-01"}, {}, {"11259", "Sun", "01/01", "2040", "Far", "Layer 1", "", "", ""}},
-        {{"Two\r\nlines\rand\nmore", "2009-03-05"}, {}, {"0000", "Thu", "03/05", "2009", "Two  lines and more", "Layer 1", "", "", ""}},
-        {{"Layer 0 shows as 1", "2009-03-05", "Ann", 0}, {}, {"0000", "Thu", "03/05", "2009", "Layer 0 shows as 1", "Layer 1", "", "", ""}},
-        {{"With two", "2009-03-05", "Ann", 1, true, true, "Bob\r\nCarl\r\n"}, {}, {"0000", "Thu", "03/05", "2009", "With two", "Layer 1", "", "*", "Bob,Carl"}},
-        {{"With one", "2009-03-05", "Ann", 1, true, true, "Bob\r\n"}, {}, {"0000", "Thu", "03/05", "2009", "With one", "Layer 1", "", "*", "Bob"}},
-        {{"With all", "2009-03-05", "Ann", 1, true, false, "Bob\r\n"}, {}, {"0000", "Thu", "03/05", "2009", "With all", "Layer 1", "", "*", "All"}},
-        {{"Not shared", "2009-03-05", "Ann", 1, false, true, "Bob\r\n"}, {}, {"0000", "Thu", "03/05", "2009", "Not shared", "Layer 1", "", "", ""}},
+        {{"Today", "2009-03-05"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "Today", "Layer 1", "", "", ""}},
+        {{"Soon", "2009-03-17", "Ann", 3},
+         {},
+         {"0012", "Tue", "03/17", "2009", "Soon", "Work", "", "", ""}},
+        {{"Day first", "2009-03-12"},
+         1,
+         {"0007", "Thu", "12/03", "2009", "Day first", "Layer 1", "", "", ""}},
+        {{"Month first", "2009-03-12"},
+         2,
+         {"0007", "Thu", "03/12", "2009", "Month first", "Layer 1", "", "", ""}},
+        {{"Far", "2040-01-01"},
+         {},
+         {"11259", "Sun", "01/01", "2040", "Far", "Layer 1", "", "", ""}},
+        {{"Two\r\nlines\rand\nmore", "2009-03-05"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "Two  lines and more", "Layer 1", "", "", ""}},
+        {{"Layer 0 shows as 1", "2009-03-05", "Ann", 0},
+         {},
+         {"0000", "Thu", "03/05", "2009", "Layer 0 shows as 1", "Layer 1", "", "", ""}},
+        {{"With two", "2009-03-05", "Ann", 1, true, true, "Bob\r\nCarl\r\n"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "With two", "Layer 1", "", "*", "Bob,Carl"}},
+        {{"With one", "2009-03-05", "Ann", 1, true, true, "Bob\r\n"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "With one", "Layer 1", "", "*", "Bob"}},
+        {{"With all", "2009-03-05", "Ann", 1, true, false, "Bob\r\n"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "With all", "Layer 1", "", "*", "All"}},
+        {{"Not shared", "2009-03-05", "Ann", 1, false, true, "Bob\r\n"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "Not shared", "Layer 1", "", "", ""}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.spec.desc.toStdString());
@@ -176,7 +200,8 @@ TEST_F(EventList, MarkersAndEventCellColours) {
         model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
         EXPECT_EQ(model.marker(0), QString::fromLatin1(c.marker));
         EXPECT_EQ(model.cellText(0, Col::ColType), QString::fromLatin1(c.marker));
-        EXPECT_EQ(model.cellText(0, Col::ColLeft), c.daysLeft < 0 ? QStringLiteral("---") : QStringLiteral("0000"));
+        EXPECT_EQ(model.cellText(0, Col::ColLeft),
+                  c.daysLeft < 0 ? QStringLiteral("---") : QStringLiteral("0000"));
         const QVariant fg = model.data(model.index(0, Col::ColEvent), Qt::ForegroundRole);
         EXPECT_EQ(fg.value<QColor>(), c.colour);
         EXPECT_FALSE(model.data(model.index(0, Col::ColLeft), Qt::ForegroundRole).isValid())
@@ -187,8 +212,8 @@ TEST_F(EventList, MarkersAndEventCellColours) {
 TEST_F(EventList, GroupsOfRowsAndTheirLogLines) {
     model.FillEvents(EventListModel::kAllLayers, true);
     EXPECT_EQ(model.rowCount(), 0);
-    EXPECT_EQ(NewLogLines(), (QStringList{"Showing local events", "No local events", "Showing shared events",
-                                          "Showing expired events"}));
+    EXPECT_EQ(NewLogLines(), (QStringList{"Showing local events", "No local events",
+                                          "Showing shared events", "Showing expired events"}));
 
     Add(events, {"Local", "2009-03-06"});
     const EventPtr gone = Add(events, {"Deleted", "2009-03-06"});
@@ -206,7 +231,8 @@ TEST_F(EventList, GroupsOfRowsAndTheirLogLines) {
 }
 
 TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
-    ShareFromBob({{"Bob's party", "2009-03-10", "Bob", 1, true}, {"Ann's own in Bob's file", "2009-03-10"}});
+    ShareFromBob(
+        {{"Bob's party", "2009-03-10", "Bob", 1, true}, {"Ann's own in Bob's file", "2009-03-10"}});
     Add(events, {"Mine", "2009-03-06"});
 
     settings.sSet(QStringLiteral("Networked"), SettingValue(false));
@@ -214,7 +240,8 @@ TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
     EXPECT_EQ(Column(Col::ColEvent), QStringList{"Mine"});
     EXPECT_EQ(Column(Col::ColOwner), QStringList{""});
     for (const QString& line : NewLogLines()) {
-        EXPECT_FALSE(line.startsWith(QStringLiteral("Loading multiple databases from"))) << line.toStdString();
+        EXPECT_FALSE(line.startsWith(QStringLiteral("Loading multiple databases from")))
+            << line.toStdString();
     }
 
     settings.sSet(QStringLiteral("Networked"), SettingValue(true));
@@ -224,7 +251,8 @@ TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
     EXPECT_EQ(model.source(1), EventListModel::Source::Shared);
     EXPECT_EQ(model.marker(1), QStringLiteral("S"));
     EXPECT_EQ(model.cellText(1, Col::ColSharedWith), QStringLiteral("All"));
-    EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Loading multiple databases from ") + shared.UserListFile()));
+    EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Loading multiple databases from ") +
+                                       shared.UserListFile()));
     EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Finished displaying shared events")));
 }
 
@@ -257,7 +285,7 @@ TEST_F(EventList, LayerFilter) {
     } cases[] = {
         {20, {"L1", "L3", "L0", "L3 shared", "X0", "X3 shared"}},
         {3, {"L3", "L3 shared", "X3 shared"}},
-        {1, {"L1"}}, // a layer-0 event is shown as layer 1 but filtered as 0
+        {1, {"L1"}},                    // a layer-0 event is shown as layer 1 but filtered as 0
         {0, {"L0", "L3 shared", "X0"}}, // shared ones pass 0, expired ones only by layer
         {7, {}},
     };
@@ -312,8 +340,8 @@ TEST_F(EventList, FirstClickOnAnotherColumnIsDescendingThenNextAscending) {
 TEST_F(EventList, PassesTheModelTesterThroughFillsAndSorts) {
     QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
     for (int i = 0; i < 30; ++i) {
-        Add(events, {QStringLiteral("Event %1").arg(i), FormatYMD(D("2009-03-01") + i), i % 2 ? "Ann" : "Bob",
-                     static_cast<int16_t>(i % 4), i % 3 == 0});
+        Add(events, {QStringLiteral("Event %1").arg(i), FormatYMD(D("2009-03-01") + i),
+                     i % 2 ? "Ann" : "Bob", static_cast<int16_t>(i % 4), i % 3 == 0});
     }
     model.FillEvents(EventListModel::kAllLayers, false);
     for (int col = 0; col < EventListModel::ColumnCount; ++col) {
@@ -357,10 +385,13 @@ protected:
 
 TEST_F(EventListWindow, ControlSetUp) {
     EXPECT_EQ(view.objectName(), QStringLiteral("ListEvents"));
-    EXPECT_EQ(view.toolTip(), QStringLiteral("Black = normal, Red = Expired, Green = Your shared, Blue = Shared from others"));
+    EXPECT_EQ(view.toolTip(),
+              QStringLiteral(
+                  "Black = normal, Red = Expired, Green = Your shared, Blue = Shared from others"));
     EXPECT_EQ(view.selectionMode(), QAbstractItemView::ExtendedSelection);
     EXPECT_EQ(view.selectionBehavior(), QAbstractItemView::SelectRows);
-    const QStringList headers{"Left", "Day", "Date", "Year", "Event", "Layer", "Owner", "Type", "Shared With"};
+    const QStringList headers{"Left",  "Day",   "Date", "Year",       "Event",
+                              "Layer", "Owner", "Type", "Shared With"};
     const QList<int> widths{66, 66, 83, 66, 470, 169, 169, 94, 169};
     for (int c = 0; c < EventListModel::ColumnCount; ++c) {
         EXPECT_EQ(model.headerData(c, Qt::Horizontal).toString(), headers[c]);
@@ -401,8 +432,10 @@ TEST_F(EventListWindow, SelectionByIndexSurvivesRefills) {
     view.FillEvents(EventListModel::kAllLayers, false);
     EXPECT_EQ(view.selectedRows(), QList<int>{0}) << "no previous selection: the first row";
 
-    view.selectionModel()->select(model.index(3, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    view.selectionModel()->select(model.index(1, 0), QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    view.selectionModel()->select(model.index(3, 0),
+                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    view.selectionModel()->select(model.index(1, 0),
+                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
     EXPECT_EQ(view.selectedIDCodes(), (QStringList{ids[0], ids[1], ids[3]}));
 
     view.selectRow(3);

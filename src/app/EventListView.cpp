@@ -5,9 +5,7 @@
 
 #include <QContextMenuEvent>
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QItemSelectionModel>
-#include <QToolTip>
 
 #include <algorithm>
 
@@ -116,15 +114,4 @@ void EventListView::RestoreSelection(int row) {
 void EventListView::contextMenuEvent(QContextMenuEvent* event) {
     emit rightClicked(event->globalPos());
     event->accept();
-}
-
-bool EventListView::viewportEvent(QEvent* event) {
-    // The legend is the whole list's tip, not a per-cell one, so it shows over
-    // rows and empty space alike.
-    if (event->type() == QEvent::ToolTip) {
-        const auto* help = static_cast<QHelpEvent*>(event);
-        QToolTip::showText(help->globalPos(), toolTip(), viewport());
-        return true;
-    }
-    return QTreeView::viewportEvent(event);
 }

@@ -52,7 +52,6 @@ signals:
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
-    bool viewportEvent(QEvent* event) override;
 
 private:
     void HeaderClicked(int column);

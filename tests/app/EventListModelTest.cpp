@@ -15,6 +15,7 @@
 #include <QHeaderView>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 
 #include <optional>
 
@@ -452,6 +453,21 @@ TEST_F(EventListWindow, SelectionByIndexSurvivesRefills) {
     view.FillEvents(EventListModel::kAllLayers, false);
     EXPECT_EQ(view.selectedRow(), 0) << "a position past the end falls back to the first row";
     EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Selecting current event")));
+}
+
+TEST_F(EventListWindow, ColourLegendShowsOverRowsAndEmptySpace) {
+    Add(events, {"a", "2009-03-06"});
+    view.FillEvents(EventListModel::kAllLayers, false);
+    view.resize(800, 300);
+    view.show();
+    for (const QPoint& at :
+         {view.visualRect(model.index(0, Col::ColEvent)).center(), QPoint(400, 250)}) {
+        QToolTip::hideText();
+        QHelpEvent help(QEvent::ToolTip, at, view.viewport()->mapToGlobal(at));
+        QCoreApplication::sendEvent(view.viewport(), &help);
+        EXPECT_EQ(QToolTip::text(), EventListView::ColourToolTip());
+    }
+    QToolTip::hideText();
 }
 
 TEST_F(EventListWindow, RightClickReportsTheScreenPosition) {

@@ -5,6 +5,7 @@
 #include "app/dialogs/EventEditFlow.h"
 #include "app/dialogs/frmEditLayers.h"
 #include "app/dialogs/frmOptions.h"
+#include "app/dialogs/frmShareWith.h"
 #include "app/frmMain.h"
 #include "events/clsReminder.h"
 #include "shared/AppInfo.h"
@@ -238,5 +239,28 @@ void frmMain::MonthView() {
 }
 
 void frmMain::ShareWith() {
-    // TODO-INTEGRATE share dialog
+    const int row = SelectedRow();
+    if (row < 0) {
+        return;
+    }
+    const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+    if (!guard(EventCommands::EditRefusal(target))) {
+        return;
+    }
+    if (target.marker == EventCommands::kExpiredMarker) {
+        m_app.dialogs.Message(QStringLiteral("Expired events can't be shared"));
+        return;
+    }
+    const EventPtr e = m_app.events.ReadEvent(target.idCode);
+    if (!e) {
+        return;
+    }
+    frmShareWith dialog(*e, SharedDatabases::ReadUserList(m_app.shared.UserListFile()), this);
+    if (dialog.exec() != QDialog::Accepted) {
+        return;
+    }
+    dialog.ApplyTo(*e);
+    m_app.events.SaveDB(); // publishes the shared events in networked mode
+    FillEvents();
+    SelectRow(m_model->FindRow(target.idCode));
 }

@@ -11,10 +11,14 @@
 #include "storage/clsLayers.h"
 #include "support/FakeReminderWindows.h"
 #include "support/LogLines.h"
+#include "support/ModalHelper.h"
 #include "support/ScriptedDialogs.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
+#include <QDialog>
+#include <QListWidget>
+#include <QRadioButton>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
@@ -242,6 +246,37 @@ TEST_F(MainWindow, QuitSavesTheWindowSize) {
     saved.LoadSettings(app.settingsFile);
     EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), window->width());
     EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), window->height());
+}
+
+TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {
+    addBobsSharedEvent();
+    WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\nCarol\r\n");
+    EventPtr mine = add(events, QStringLiteral("Mine"), QStringLiteral("2009-03-10"));
+    open();
+
+    select({QStringLiteral("Bob's party")});
+    window->ShareWith();
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("You can't edit a shared item belonging to someone else"));
+
+    select({QStringLiteral("Mine")});
+    WhenModalAppears([](QWidget* modal) {
+        modal->findChild<QCheckBox*>(QStringLiteral("chkShared"))->setChecked(true);
+        modal->findChild<QRadioButton*>(QStringLiteral("optSpecific"))->setChecked(true);
+        auto* users = modal->findChild<QListWidget*>(QStringLiteral("lstShareUsers"));
+        ASSERT_EQ(users->count(), 3);
+        users->item(2)->setCheckState(Qt::Checked);
+        static_cast<QDialog*>(modal)->accept();
+    });
+    window->ShareWith();
+    EXPECT_TRUE(mine->SharedEvent);
+    EXPECT_TRUE(mine->ShareWithSpecific);
+    EXPECT_EQ(mine->ShareNames, QStringLiteral("Carol\r\n"));
+    clsDbXml reread(settings);
+    reread.LoadDB(events.DBFilename());
+    ASSERT_TRUE(reread.ReadEvent(mine->IDCode));
+    EXPECT_EQ(reread.ReadEvent(mine->IDCode)->ShareNames, QStringLiteral("Carol\r\n"));
+    EXPECT_EQ(window->model().cellText(window->SelectedRow(), EventListModel::ColSharedWith),
+              QStringLiteral("Carol"));
 }
 
 // ---- start-up ----

@@ -71,9 +71,13 @@ constexpr std::array<std::string_view, kFieldCount> kTags = {
 
 constexpr std::size_t kMaxTagLength = 17; // "ShareWithSpecific"
 
-// "\t\t<Tag>" and "</Tag>\r\n" for the writer.
+// "\t\t<Tag>" and "</Tag>\r\n" for the writer; the longer of the two is
+// the tag and five more bytes.
+constexpr std::size_t kTagTextCapacity = kMaxTagLength + 8;
+static_assert(kTagTextCapacity >= kMaxTagLength + 5);
+
 struct TagText {
-    std::array<char, kMaxTagLength + 4> text{};
+    std::array<char, kTagTextCapacity> text{};
     std::size_t size = 0;
 };
 
@@ -448,14 +452,18 @@ constexpr std::size_t kMaxDate = 24;   // the slow path's widest form
 constexpr int kNumberFields = 13;
 constexpr int kDateFields = 5;
 constexpr int kBoolFields = 10;
+constexpr std::size_t kSlack = kTagTextCapacity; // see put(char*, TagText)
 
 inline char* put(char* p, std::string_view s) {
     std::memcpy(p, s.data(), s.size());
     return p + s.size();
 }
 
+// Copies the whole fixed-size array (a constant-size copy the compiler
+// inlines) and moves on by the text's length; the block's buffer has slack
+// for the bytes beyond it.
 inline char* put(char* p, const TagText& t) {
-    std::memcpy(p, t.text.data(), t.size);
+    std::memcpy(p, t.text.data(), t.text.size());
     return p + t.size;
 }
 
@@ -470,17 +478,22 @@ char* putAnsi(char* p, const QString& text) {
     return p + n;
 }
 
-inline bool keptAsIs(char16_t c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ':' ||
-           c == '.' || c == ',' || c == '?';
-}
+// Letters, digits and ": . , ?" are written as they are.
+constexpr std::array<bool, 128> kKeptAsIs = [] {
+    std::array<bool, 128> keep{};
+    for (int c = 0; c < 128; ++c) {
+        keep[c] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                  c == ':' || c == '.' || c == ',' || c == '?';
+    }
+    return keep;
+}();
 
 char* putPercent(char* p, const QString& text) {
     static constexpr char kHex[] = "0123456789ABCDEF";
     const AnsiTables& t = ansi();
     for (const QChar qc : text) {
         const char16_t c = qc.unicode();
-        if (keptAsIs(c)) {
+        if (c < 0x80 && kKeptAsIs[c]) {
             *p++ = static_cast<char>(c);
             continue;
         }

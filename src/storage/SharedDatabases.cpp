@@ -37,6 +37,13 @@ void SharedDatabases::AttachTo(clsDbXml& local) {
 }
 
 void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
+    if (SharedFolder().trimmed().isEmpty()) {
+        // Without a shared folder the file would land wherever the program
+        // happens to run.
+        Log().AddAction(QStringLiteral("No shared data path set. Shared events not published."),
+                        QStringLiteral("PublishSharedEvents"), QStringLiteral("SharedDatabases"));
+        return;
+    }
     const QString owner = m_publish.CurrentOwner();
     m_publish.SetDBFilename(OwnSharedFile());
     // Loads the file, marks this user's old events deleted and saves, so only
@@ -54,7 +61,9 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
 }
 
 void SharedDatabases::ReloadSharedSet() {
-    m_sharedSet.LoadMultiple(UserListFile());
+    // No shared folder: an empty set rather than a list file looked up
+    // wherever the program runs.
+    m_sharedSet.LoadMultiple(SharedFolder().trimmed().isEmpty() ? QString() : UserListFile());
 }
 
 QStringList SharedDatabases::ReadUserList(const QString& listPath) {

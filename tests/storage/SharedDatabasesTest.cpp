@@ -180,4 +180,17 @@ TEST_F(SharedFolder, AMissingUserListGivesAnEmptySetAndTheMergedSetIsNeverSaved)
     EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
 }
 
+TEST_F(SharedFolder, WithoutASharedFolderNothingIsPublishedOrRead) {
+    User ann(QStringLiteral("Ann"), QString(), home.path());
+    const QString cwd = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder)); // where a relative name would land
+    ann.Add(QStringLiteral("layer zero"), 0, false);
+    ann.local->SaveDB();
+    ann.shared->ReloadSharedSet();
+    QDir::setCurrent(cwd);
+    EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
+    EXPECT_EQ(ann.shared->SharedSet().RecordCount(), 0);
+    EXPECT_TRUE(Logged(QStringLiteral("No shared data path set.")));
+}
+
 } // namespace

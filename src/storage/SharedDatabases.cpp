@@ -10,6 +10,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <algorithm>
+
 SharedDatabases::SharedDatabases(cSHAREDSettings& settings, clsLayers& layers)
     : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers),
       m_publish(settings, &layers) {
@@ -45,6 +47,18 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
         return;
     }
     const QString owner = m_publish.CurrentOwner();
+    // The owner name becomes part of a file name in the shared folder; one
+    // that could point elsewhere or that a file name cannot hold is refused
+    // here too, not only in the options.
+    static const QString kRefused = QStringLiteral("\\/:*?\"<>|");
+    if (owner.trimmed().isEmpty() || std::any_of(owner.cbegin(), owner.cend(), [](QChar c) {
+            return kRefused.contains(c) || c < u' ';
+        })) {
+        Log().AddAction(
+            QStringLiteral("Owner name unusable as a file name. Shared events not published."),
+            QStringLiteral("PublishSharedEvents"), QStringLiteral("SharedDatabases"));
+        return;
+    }
     m_publish.SetDBFilename(OwnSharedFile());
     // Loads the file, marks this user's old events deleted and saves, so only
     // what follows is published under this name.

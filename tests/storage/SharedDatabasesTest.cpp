@@ -180,6 +180,19 @@ TEST_F(SharedFolder, AMissingUserListGivesAnEmptySetAndTheMergedSetIsNeverSaved)
     EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
 }
 
+TEST_F(SharedFolder, AnOwnerNameThatCouldLeaveTheFolderPublishesNothing) {
+    for (const QString& owner : {QStringLiteral("../Ann"), QStringLiteral("a\\b"),
+                                 QStringLiteral("x:y"), QStringLiteral("  ")}) {
+        User user(owner, folder, home.path());
+        user.Add(QStringLiteral("layer zero"), 0, false);
+        user.local->SaveDB();
+        EXPECT_EQ(QDir(folder).entryList(QDir::Files), (QStringList{"TVOShared.ini"}))
+            << owner.toStdString();
+        EXPECT_FALSE(QFile::exists(home.file(QStringLiteral("Ann.xml"))));
+    }
+    EXPECT_TRUE(Logged(QStringLiteral("Owner name unusable as a file name.")));
+}
+
 TEST_F(SharedFolder, WithoutASharedFolderNothingIsPublishedOrRead) {
     User ann(QStringLiteral("Ann"), QString(), home.path());
     const QString cwd = QDir::currentPath();

@@ -488,19 +488,40 @@ constexpr std::array<bool, 128> kKeptAsIs = [] {
     return keep;
 }();
 
+// How a character is written: ASCII ones by this table (themselves, or "%"
+// and two hex digits), any other as "%" and the hex of its Windows-1252 byte
+// (which may be that of "?"). Four bytes are copied and the pointer moves
+// on by the length.
+struct PercentForm {
+    std::array<char, 4> text{};
+    std::size_t size = 0;
+};
+
+constexpr std::array<PercentForm, 256> makePercentForms(bool keepAscii) {
+    constexpr char kHex[] = "0123456789ABCDEF";
+    std::array<PercentForm, 256> forms{};
+    for (int b = 0; b < 256; ++b) {
+        if (keepAscii && b < 128 && kKeptAsIs[b]) {
+            forms[b].text[0] = static_cast<char>(b);
+            forms[b].size = 1;
+        } else {
+            forms[b].text = {'%', kHex[b >> 4], kHex[b & 0xF], 0};
+            forms[b].size = 3;
+        }
+    }
+    return forms;
+}
+
+constexpr std::array<PercentForm, 256> kAsciiForms = makePercentForms(true);
+constexpr std::array<PercentForm, 256> kEscapedForms = makePercentForms(false);
+
 char* putPercent(char* p, const QString& text) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
     const AnsiTables& t = ansi();
     for (const QChar qc : text) {
         const char16_t c = qc.unicode();
-        if (c < 0x80 && kKeptAsIs[c]) {
-            *p++ = static_cast<char>(c);
-            continue;
-        }
-        const unsigned char code = c < 0x80 ? static_cast<unsigned char>(c) : t.fromUnicode[c];
-        *p++ = '%';
-        *p++ = kHex[code >> 4];
-        *p++ = kHex[code & 0xF];
+        const PercentForm& form = c < 0x80 ? kAsciiForms[c] : kEscapedForms[t.fromUnicode[c]];
+        std::memcpy(p, form.text.data(), form.text.size());
+        p += form.size;
     }
     return p;
 }
@@ -580,7 +601,7 @@ void AppendAnsi(QByteArray& out, const QString& text) {
 }
 
 QByteArray PercentEncode(const QString& text) {
-    QByteArray out(text.size() * 3, Qt::Uninitialized);
+    QByteArray out(text.size() * 3 + 1, Qt::Uninitialized); // +1: putPercent copies four bytes
     out.truncate(putPercent(out.data(), text) - out.constData());
     return out;
 }

@@ -197,8 +197,11 @@ void BM_RawWrite(benchmark::State& state) {
     const QByteArray bytes = fixture().BytesFor(static_cast<int>(state.range(0)));
     const QString path = QDir(fixture().dir.path()).filePath(QStringLiteral("Raw.xml"));
     for (auto _ : state) {
+        state.PauseTiming();
+        QFile::remove(path); // a new file each time, as a save writes one
+        state.ResumeTiming();
         QFile f(path);
-        f.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        f.open(QIODevice::WriteOnly);
         f.write(bytes);
         f.close();
     }

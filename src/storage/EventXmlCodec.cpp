@@ -71,9 +71,13 @@ constexpr std::array<std::string_view, kFieldCount> kTags = {
 
 constexpr std::size_t kMaxTagLength = 17; // "ShareWithSpecific"
 
-// "\t\t<Tag>" and "</Tag>\r\n" for the writer.
+// "\t\t<Tag>" and "</Tag>\r\n" for the writer; the longer of the two is
+// the tag and five more bytes.
+constexpr std::size_t kTagTextCapacity = kMaxTagLength + 8;
+static_assert(kTagTextCapacity >= kMaxTagLength + 5);
+
 struct TagText {
-    std::array<char, kMaxTagLength + 4> text{};
+    std::array<char, kTagTextCapacity> text{};
     std::size_t size = 0;
 };
 
@@ -448,14 +452,18 @@ constexpr std::size_t kMaxDate = 24;   // the slow path's widest form
 constexpr int kNumberFields = 13;
 constexpr int kDateFields = 5;
 constexpr int kBoolFields = 10;
+constexpr std::size_t kSlack = kTagTextCapacity; // see put(char*, TagText)
 
 inline char* put(char* p, std::string_view s) {
     std::memcpy(p, s.data(), s.size());
     return p + s.size();
 }
 
+// Copies the whole fixed-size array (a constant-size copy the compiler
+// inlines) and moves on by the text's length; the block's buffer has slack
+// for the bytes beyond it.
 inline char* put(char* p, const TagText& t) {
-    std::memcpy(p, t.text.data(), t.size);
+    std::memcpy(p, t.text.data(), t.text.size());
     return p + t.size;
 }
 
@@ -470,24 +478,50 @@ char* putAnsi(char* p, const QString& text) {
     return p + n;
 }
 
-inline bool keptAsIs(char16_t c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ':' ||
-           c == '.' || c == ',' || c == '?';
+// Letters, digits and ": . , ?" are written as they are.
+constexpr std::array<bool, 128> kKeptAsIs = [] {
+    std::array<bool, 128> keep{};
+    for (int c = 0; c < 128; ++c) {
+        keep[c] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                  c == ':' || c == '.' || c == ',' || c == '?';
+    }
+    return keep;
+}();
+
+// How a character is written: ASCII ones by this table (themselves, or "%"
+// and two hex digits), any other as "%" and the hex of its Windows-1252 byte
+// (which may be that of "?"). Four bytes are copied and the pointer moves
+// on by the length.
+struct PercentForm {
+    std::array<char, 4> text{};
+    std::size_t size = 0;
+};
+
+constexpr std::array<PercentForm, 256> makePercentForms(bool keepAscii) {
+    constexpr char kHex[] = "0123456789ABCDEF";
+    std::array<PercentForm, 256> forms{};
+    for (int b = 0; b < 256; ++b) {
+        if (keepAscii && b < 128 && kKeptAsIs[b]) {
+            forms[b].text[0] = static_cast<char>(b);
+            forms[b].size = 1;
+        } else {
+            forms[b].text = {'%', kHex[b >> 4], kHex[b & 0xF], 0};
+            forms[b].size = 3;
+        }
+    }
+    return forms;
 }
 
+constexpr std::array<PercentForm, 256> kAsciiForms = makePercentForms(true);
+constexpr std::array<PercentForm, 256> kEscapedForms = makePercentForms(false);
+
 char* putPercent(char* p, const QString& text) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
     const AnsiTables& t = ansi();
     for (const QChar qc : text) {
         const char16_t c = qc.unicode();
-        if (keptAsIs(c)) {
-            *p++ = static_cast<char>(c);
-            continue;
-        }
-        const unsigned char code = c < 0x80 ? static_cast<unsigned char>(c) : t.fromUnicode[c];
-        *p++ = '%';
-        *p++ = kHex[code >> 4];
-        *p++ = kHex[code & 0xF];
+        const PercentForm& form = c < 0x80 ? kAsciiForms[c] : kEscapedForms[t.fromUnicode[c]];
+        std::memcpy(p, form.text.data(), form.text.size());
+        p += form.size;
     }
     return p;
 }
@@ -567,7 +601,7 @@ void AppendAnsi(QByteArray& out, const QString& text) {
 }
 
 QByteArray PercentEncode(const QString& text) {
-    QByteArray out(text.size() * 3, Qt::Uninitialized);
+    QByteArray out(text.size() * 3 + 1, Qt::Uninitialized); // +1: putPercent copies four bytes
     out.truncate(putPercent(out.data(), text) - out.constData());
     return out;
 }

@@ -10,6 +10,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <algorithm>
+
 SharedDatabases::SharedDatabases(cSHAREDSettings& settings, clsLayers& layers)
     : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers),
       m_publish(settings, &layers) {
@@ -37,7 +39,26 @@ void SharedDatabases::AttachTo(clsDbXml& local) {
 }
 
 void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
+    if (SharedFolder().trimmed().isEmpty()) {
+        // Without a shared folder the file would land wherever the program
+        // happens to run.
+        Log().AddAction(QStringLiteral("No shared data path set. Shared events not published."),
+                        QStringLiteral("PublishSharedEvents"), QStringLiteral("SharedDatabases"));
+        return;
+    }
     const QString owner = m_publish.CurrentOwner();
+    // The owner name becomes part of a file name in the shared folder; one
+    // that could point elsewhere or that a file name cannot hold is refused
+    // here too, not only in the options.
+    static const QString kRefused = QStringLiteral("\\/:*?\"<>|");
+    if (owner.trimmed().isEmpty() || std::any_of(owner.cbegin(), owner.cend(), [](QChar c) {
+            return kRefused.contains(c) || c < u' ';
+        })) {
+        Log().AddAction(
+            QStringLiteral("Owner name unusable as a file name. Shared events not published."),
+            QStringLiteral("PublishSharedEvents"), QStringLiteral("SharedDatabases"));
+        return;
+    }
     m_publish.SetDBFilename(OwnSharedFile());
     // Loads the file, marks this user's old events deleted and saves, so only
     // what follows is published under this name.
@@ -54,7 +75,9 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
 }
 
 void SharedDatabases::ReloadSharedSet() {
-    m_sharedSet.LoadMultiple(UserListFile());
+    // No shared folder: an empty set rather than a list file looked up
+    // wherever the program runs.
+    m_sharedSet.LoadMultiple(SharedFolder().trimmed().isEmpty() ? QString() : UserListFile());
 }
 
 QStringList SharedDatabases::ReadUserList(const QString& listPath) {

@@ -35,6 +35,9 @@ constexpr std::string_view kEndTag = "</EVENT>";
 // The first "</EVENT>" (exact case) at or after from, or -1. Looks for its
 // "V", a byte that is rare elsewhere in the file, and checks around it.
 qsizetype findEndTag(const QByteArray& bytes, qsizetype from) {
+    if (bytes.size() - from < static_cast<qsizetype>(kEndTag.size())) {
+        return -1;
+    }
     const char* data = bytes.constData();
     const char* end = data + bytes.size();
     const char* p = data + from + 3; // "V" is the fourth byte of the tag

@@ -17,21 +17,26 @@ const qint64 kEpochJulian = QDate(1899, 12, 30).toJulianDay();
 // they are clamped so that conversions stay defined.
 constexpr double kClampDays = 4.0e6;
 
-// A value taken apart into calendar day (days from 1899-12-30) and whole
-// seconds of that day, rounded to the second the way a general date text is.
-struct Parts {
-    qint64 day;
-    qint64 seconds;
-};
+using Parts = DayAndSeconds;
 
-Parts split(DateValue v) {
+Parts split(DateValue v) { return SplitDateValue(v); }
+
+DateValue join(qint64 day, qint64 seconds) { return JoinDateValue(day, seconds); }
+
+QDate dayToQDate(qint64 day) {
+    return QDate::fromJulianDay(day + kEpochJulian);
+}
+
+} // namespace
+
+DayAndSeconds SplitDateValue(DateValue v) {
     if (!std::isfinite(v)) {
         v = 0;
     }
     v = std::clamp(v, -kClampDays, kClampDays);
     double whole = 0;
     const double frac = std::modf(v, &whole);
-    Parts p{static_cast<qint64>(whole), std::llround(std::fabs(frac) * kSecondsPerDay)};
+    DayAndSeconds p{static_cast<qint64>(whole), std::llround(std::fabs(frac) * kSecondsPerDay)};
     if (p.seconds >= kSecondsPerDay) {
         // Rounded up to the next midnight: one calendar day later whatever the sign.
         p.seconds -= kSecondsPerDay;
@@ -40,16 +45,10 @@ Parts split(DateValue v) {
     return p;
 }
 
-DateValue join(qint64 day, qint64 seconds) {
+DateValue JoinDateValue(qint64 day, qint64 seconds) {
     const double t = static_cast<double>(seconds) / kSecondsPerDay;
     return day >= 0 ? static_cast<double>(day) + t : static_cast<double>(day) - t;
 }
-
-QDate dayToQDate(qint64 day) {
-    return QDate::fromJulianDay(day + kEpochJulian);
-}
-
-} // namespace
 
 DateValue DateSerialDays(int year, int month, qint64 day) {
     // Normalise the month first, then count days from the 1st of that month.

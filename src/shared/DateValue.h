@@ -41,6 +41,17 @@ int SecondOf(DateValue v);
 int Weekday(DateValue v, FirstDay first = FirstDay::Sunday);
 int DaysInMonth(int year, int month);
 
+// A value taken apart: the calendar day (days from 1899-12-30) and the whole
+// seconds of that day, rounded to the second as a general date text shows it.
+struct DayAndSeconds {
+    qint64 day;
+    qint64 seconds;
+};
+DayAndSeconds SplitDateValue(DateValue v);
+// The value of a calendar day and seconds of that day (the OLE rule for
+// days before 1899-12-30).
+DateValue JoinDateValue(qint64 day, qint64 seconds);
+
 // The date part (time dropped), correct for negative values too.
 DateValue DateOnly(DateValue v);
 // The time-of-day part, as a time value (day part 0).

@@ -264,32 +264,6 @@ unsigned daysInMonth(qint64 y, unsigned m) {
     return m == 2 && isLeap(y) ? 29 : kDays[m - 1];
 }
 
-// The same split into day and rounded seconds as the shared date formatting.
-struct Split {
-    qint64 day;
-    qint64 seconds;
-};
-
-Split splitValue(DateValue v) {
-    if (!std::isfinite(v)) {
-        v = 0;
-    }
-    v = std::clamp(v, -4.0e6, 4.0e6);
-    double whole = 0;
-    const double frac = std::modf(v, &whole);
-    Split s{static_cast<qint64>(whole), std::llround(std::fabs(frac) * kSecondsPerDay)};
-    if (s.seconds >= kSecondsPerDay) {
-        s.seconds -= kSecondsPerDay;
-        s.day += 1;
-    }
-    return s;
-}
-
-DateValue joinValue(qint64 day, qint64 seconds) {
-    const double t = static_cast<double>(seconds) / kSecondsPerDay;
-    return day >= 0 ? static_cast<double>(day) + t : static_cast<double>(day) - t;
-}
-
 inline void put2(char* p, unsigned v) {
     p[0] = static_cast<char>('0' + v / 10);
     p[1] = static_cast<char>('0' + v % 10);
@@ -298,7 +272,7 @@ inline void put2(char* p, unsigned v) {
 // Writes "YYYY-MM-DD" (and " HH:MM") at p and returns the end; null when
 // the year needs the shared formatter.
 char* writeFast(char* buf, DateValue v, bool withTime) {
-    const Split s = splitValue(v);
+    const DayAndSeconds s = SplitDateValue(v);
     const Civil c = civilFromDays(s.day + kEpoch);
     if (c.y < 1 || c.y > 9999) {
         return nullptr;
@@ -358,7 +332,7 @@ std::optional<DateValue> parseWrittenDate(QByteArrayView t) {
         }
         seconds = h * 3600 + mi * 60;
     }
-    return joinValue(daysFromCivil(y, m, d) - kEpoch, seconds);
+    return JoinDateValue(daysFromCivil(y, m, d) - kEpoch, seconds);
 }
 
 // A general date-time text: the written forms first, then what the shared

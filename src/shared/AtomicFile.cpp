@@ -10,9 +10,12 @@ namespace {
 
 Result Failure(Status status, const QString& description) {
     switch (status) {
-    case Status::AccessDenied: return {status, 75, description};
-    case Status::DiskFull: return {status, 61, description};
-    default: return {status, 57, description};
+    case Status::AccessDenied:
+        return {status, 75, description};
+    case Status::DiskFull:
+        return {status, 61, description};
+    default:
+        return {status, 57, description};
     }
 }
 
@@ -25,6 +28,9 @@ Result Classify(const QSaveFile& file, const QString& path) {
     const QFileInfo folder(QFileInfo(path).absolutePath());
     if (file.error() == QFileDevice::OpenError && folder.exists() && !folder.isWritable()) {
         return Failure(Status::AccessDenied, file.errorString());
+    }
+    if (!folder.exists()) {
+        return {Status::OtherError, 76, QStringLiteral("Path not found")};
     }
     return Failure(Status::OtherError, file.errorString());
 }
@@ -59,9 +65,9 @@ Result Write(const QString& path, const QByteArray& bytes) {
         if (storage.isValid() && storage.bytesAvailable() < bytes.size()) {
             return Failure(Status::DiskFull, QStringLiteral("No space left on device"));
         }
-        return Failure(Status::OtherError, QStringLiteral("Only %1 of %2 bytes could be written")
-                                               .arg(written)
-                                               .arg(bytes.size()));
+        return Failure(
+            Status::OtherError,
+            QStringLiteral("Only %1 of %2 bytes could be written").arg(written).arg(bytes.size()));
     }
     if (!file.commit()) {
         return Classify(file, path);

@@ -17,8 +17,8 @@ enum class Status {
 
 struct Result {
     Status status = Status::Saved;
-    int errorNumber = 0;  // 0 when saved; otherwise the traditional error number
-    QString description;  // what went wrong, for logs and reports
+    int errorNumber = 0; // 0 when saved; otherwise the traditional error number
+    QString description; // what went wrong, for logs and reports
 
     bool ok() const { return status == Status::Saved; }
 };

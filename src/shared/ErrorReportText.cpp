@@ -51,7 +51,8 @@ QString FullReport(const QString& error, const QString& comments, const QString&
         blocks << comments;
     }
     blocks << log << dashes
-           << QStringLiteral("If the 'submit report' button doesn't work on your system, open an email")
+           << QStringLiteral(
+                  "If the 'submit report' button doesn't work on your system, open an email")
            << QStringLiteral("to '") + AppInfo::BugReportAddress() +
                   QStringLiteral("' and paste the following text into it.")
            << QStringLiteral("Submitting a bug report helps improve the software.") << dashes;

@@ -34,19 +34,25 @@ SettingValue::SettingValue(bool flag) : m_type(Type::Boolean), m_number(flag ? -
 
 QString SettingValue::toText() const {
     switch (m_type) {
-    case Type::Empty: return {};
-    case Type::Text: return m_text;
-    case Type::Integer: return QString::number(m_number);
-    case Type::Boolean: return m_number != 0 ? QStringLiteral("True") : QStringLiteral("False");
+    case Type::Empty:
+        return {};
+    case Type::Text:
+        return m_text;
+    case Type::Integer:
+        return QString::number(m_number);
+    case Type::Boolean:
+        return m_number != 0 ? QStringLiteral("True") : QStringLiteral("False");
     }
     return {};
 }
 
 bool SettingValue::toBool() const {
     switch (m_type) {
-    case Type::Empty: return false;
+    case Type::Empty:
+        return false;
     case Type::Integer:
-    case Type::Boolean: return m_number != 0;
+    case Type::Boolean:
+        return m_number != 0;
     case Type::Text: {
         if (m_text.trimmed().compare(QLatin1String("True"), Qt::CaseInsensitive) == 0) {
             return true;
@@ -60,9 +66,11 @@ bool SettingValue::toBool() const {
 
 int32_t SettingValue::toInt() const {
     switch (m_type) {
-    case Type::Empty: return 0;
+    case Type::Empty:
+        return 0;
     case Type::Integer:
-    case Type::Boolean: return m_number;
+    case Type::Boolean:
+        return m_number;
     case Type::Text: {
         const auto d = NumberInText(m_text);
         if (!d) {
@@ -88,9 +96,11 @@ int16_t SettingValue::toInt16() const {
 
 bool SettingValue::isZero() const {
     switch (m_type) {
-    case Type::Empty: return true;
+    case Type::Empty:
+        return true;
     case Type::Integer:
-    case Type::Boolean: return m_number == 0;
+    case Type::Boolean:
+        return m_number == 0;
     case Type::Text: {
         if (m_text.trimmed().isEmpty()) {
             return true;

@@ -15,7 +15,8 @@ QString QtFileFilter(const QString& filter) {
         if (description.isEmpty() && pattern.isEmpty()) {
             continue;
         }
-        if (pattern.isEmpty() || description.contains(QLatin1Char('(') + pattern + QLatin1Char(')'))) {
+        if (pattern.isEmpty() ||
+            description.contains(QLatin1Char('(') + pattern + QLatin1Char(')'))) {
             out << description;
         } else if (description.isEmpty()) {
             out << pattern;

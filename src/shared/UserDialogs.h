@@ -41,8 +41,7 @@ public:
     // Chooses an existing file to open. filter is either Qt's form
     // ("WAV files (*.wav);;All files (*)") or description|pattern pairs
     // ("WAV files (*.wav)|*.wav"); see QtFileFilter. std::nullopt on cancel.
-    virtual std::optional<QString> ChooseOpenFile(const QString& title,
-                                                  const QString& startFolder,
+    virtual std::optional<QString> ChooseOpenFile(const QString& title, const QString& startFolder,
                                                   const QString& filter) = 0;
 
     // Chooses a folder; std::nullopt on cancel.

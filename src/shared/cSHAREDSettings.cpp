@@ -36,7 +36,9 @@ AtomicFile::Result SettingsFileAccess::Write(const QString& path, const QByteArr
     return AtomicFile::Write(path, bytes);
 }
 
-bool SettingsFileAccess::MakeWritable(const QString& path) { return AtomicFile::MakeWritable(path); }
+bool SettingsFileAccess::MakeWritable(const QString& path) {
+    return AtomicFile::MakeWritable(path);
+}
 
 QString DriveOfPath(const QString& path) {
     static const QRegularExpression letter(QStringLiteral("^([A-Za-z]):"));
@@ -49,9 +51,12 @@ QString DriveOfPath(const QString& path) {
 }
 
 cSHAREDSettings::cSHAREDSettings(UserDialogs* dialogs)
-    : m_dialogs(dialogs), m_trueWord(QStringLiteral("TRUE")), m_falseWord(QStringLiteral("FALSE")) {}
+    : m_dialogs(dialogs), m_trueWord(QStringLiteral("TRUE")), m_falseWord(QStringLiteral("FALSE")) {
+}
 
-void cSHAREDSettings::setFileAccess(SettingsFileAccess* access) { m_access = access; }
+void cSHAREDSettings::setFileAccess(SettingsFileAccess* access) {
+    m_access = access;
+}
 
 void cSHAREDSettings::setLocaleBooleanWords(const QString& trueWord, const QString& falseWord) {
     m_trueWord = trueWord.trimmed().toUpper();
@@ -95,7 +100,9 @@ QString cSHAREDSettings::SettingNameByIndex(int32_t pos1) const {
     return m_entries.at(pos1 - 1).key;
 }
 
-void cSHAREDSettings::StoreSetting(const QString& key, const SettingValue& v) { AddSetting(key, v); }
+void cSHAREDSettings::StoreSetting(const QString& key, const SettingValue& v) {
+    AddSetting(key, v);
+}
 
 void cSHAREDSettings::AddSetting(const QString& key, SettingValue value) {
     if (value.isBoolean()) {
@@ -141,7 +148,9 @@ SettingValue cSHAREDSettings::RetrieveWithDefault(const QString& key,
     return v.isZero() ? def : v;
 }
 
-bool cSHAREDSettings::IsSettingPresent(const QString& key) const { return find(key) >= 0; }
+bool cSHAREDSettings::IsSettingPresent(const QString& key) const {
+    return find(key) >= 0;
+}
 
 void cSHAREDSettings::DeleteAllSettings() {
     m_entries.clear();
@@ -182,7 +191,8 @@ bool cSHAREDSettings::SaveSettings(const QString& file) {
         for (;;) {
             const AtomicFile::Result r = access.Write(file, bytes);
             switch (r.status) {
-            case AtomicFile::Status::Saved: return true;
+            case AtomicFile::Status::Saved:
+                return true;
             case AtomicFile::Status::AccessDenied:
                 // One attempt at clearing the read-only state; a second refusal
                 // means the folder or the system will not let us write.
@@ -228,7 +238,8 @@ void cSHAREDSettings::LoadSettings(const QString& file) {
         }
         QFile f(file);
         if (!f.open(QIODevice::ReadOnly)) {
-            cSHAREDShowError::ShowErr(QStringLiteral("Error 75 in setting file. Line:  of ") + file);
+            cSHAREDShowError::ShowErr(QStringLiteral("Error 75 in setting file. Line:  of ") +
+                                      file);
             return;
         }
         const QString text = TextCodec::FromWindows1252(f.readAll());
@@ -292,8 +303,7 @@ bool cSHAREDSettings::ValueInSet(const QString& set, const SettingValue& value) 
     const int32_t last = LastIndexInSet(s);
     for (int32_t n = 1; n <= last; ++n) {
         const qsizetype at = find(memberKey(s, n));
-        if (at >= 0 &&
-            m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
+        if (at >= 0 && m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
             return true;
         }
     }
@@ -306,8 +316,7 @@ void cSHAREDSettings::DeleteFromSetByValue(const QString& set, const SettingValu
     const int32_t last = LastIndexInSet(s);
     for (int32_t n = 1; n <= last; ++n) {
         const qsizetype at = find(memberKey(s, n));
-        if (at >= 0 &&
-            m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
+        if (at >= 0 && m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
             RemoveFromSetAt(s, n);
             return;
         }
@@ -343,8 +352,9 @@ int32_t cSHAREDSettings::SetCount(const QString& set) const {
         }
     }
     if (count != last) {
-        Log().AddAction(QStringLiteral("WARNING: LastIDX and Setcount not the same with setting '") +
-                        s + QLatin1Char('\''));
+        Log().AddAction(
+            QStringLiteral("WARNING: LastIDX and Setcount not the same with setting '") + s +
+            QLatin1Char('\''));
     }
     return count;
 }

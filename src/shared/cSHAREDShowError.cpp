@@ -20,7 +20,9 @@ ErrorReportSink* SetSink(ErrorReportSink* sink) {
     return old;
 }
 
-ErrorReportSink* Sink() { return g_sink; }
+ErrorReportSink* Sink() {
+    return g_sink;
+}
 
 void ShowErr(const QString& text, const QString& secondText) {
     // Every report is logged as well, so it survives a window that fails.

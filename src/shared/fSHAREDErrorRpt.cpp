@@ -56,8 +56,8 @@ fSHAREDErrorRpt::fSHAREDErrorRpt(QWidget* parent) : QDialog(parent) {
 
     m_fraError = new QGroupBox(QStringLiteral("Error Details"), this);
     m_fraError->setObjectName(QStringLiteral("fraError"));
-    m_txtError = MakeText(m_fraError, "txtError", QStringLiteral("This is the error which ocurred"),
-                          true);
+    m_txtError =
+        MakeText(m_fraError, "txtError", QStringLiteral("This is the error which ocurred"), true);
     auto* errorLayout = new QVBoxLayout(m_fraError);
     errorLayout->addWidget(m_txtError);
 
@@ -75,12 +75,11 @@ fSHAREDErrorRpt::fSHAREDErrorRpt(QWidget* parent) : QDialog(parent) {
     commentLayout->addWidget(m_txtUserMessage);
     m_fraComments->hide();
 
-    auto* cmdEmail = MakeButton(
-        this, "cmdEmail", QStringLiteral("Submit Error Report"),
-        QStringLiteral("You will get a chance to preview the report before sending."));
-    auto* cmdViewReport =
-        MakeButton(this, "cmdViewReport", QStringLiteral("View Error Report"),
-                   QStringLiteral("If 'Submit Error' doesn't work, click here"));
+    auto* cmdEmail =
+        MakeButton(this, "cmdEmail", QStringLiteral("Submit Error Report"),
+                   QStringLiteral("You will get a chance to preview the report before sending."));
+    auto* cmdViewReport = MakeButton(this, "cmdViewReport", QStringLiteral("View Error Report"),
+                                     QStringLiteral("If 'Submit Error' doesn't work, click here"));
     auto* cmdViewLog = MakeButton(this, "cmdViewLog", QStringLiteral("View Log File"),
                                   QStringLiteral("Click this button to view the log file"));
     auto* cmdShowComments = MakeButton(
@@ -93,8 +92,7 @@ fSHAREDErrorRpt::fSHAREDErrorRpt(QWidget* parent) : QDialog(parent) {
     connect(cmdEmail, &QPushButton::clicked, this, &fSHAREDErrorRpt::cmdEmail_Click);
     connect(cmdViewReport, &QPushButton::clicked, this, &fSHAREDErrorRpt::cmdViewReport_Click);
     connect(cmdViewLog, &QPushButton::clicked, this, &fSHAREDErrorRpt::cmdViewLog_Click);
-    connect(cmdShowComments, &QPushButton::clicked, this,
-            &fSHAREDErrorRpt::cmdShowComments_Click);
+    connect(cmdShowComments, &QPushButton::clicked, this, &fSHAREDErrorRpt::cmdShowComments_Click);
     connect(cmdHelp, &QPushButton::clicked, this, &fSHAREDErrorRpt::cmdHelp_Click);
     connect(cmdExit, &QPushButton::clicked, this, &QDialog::close);
 
@@ -122,9 +120,13 @@ void fSHAREDErrorRpt::ShowError(const QString& text, const QString& secondText) 
     m_txtLog->setPlainText(ErrorReportText::CurrentLogText());
 }
 
-void fSHAREDErrorRpt::SetUrlOpener(UrlOpener opener) { Opener() = std::move(opener); }
+void fSHAREDErrorRpt::SetUrlOpener(UrlOpener opener) {
+    Opener() = std::move(opener);
+}
 
-void fSHAREDErrorRpt::SetReportFolder(const QString& folder) { ReportFolderSetting() = folder; }
+void fSHAREDErrorRpt::SetReportFolder(const QString& folder) {
+    ReportFolderSetting() = folder;
+}
 
 QString fSHAREDErrorRpt::ReportFolder() {
     const QString& set = ReportFolderSetting();
@@ -175,4 +177,6 @@ void fSHAREDErrorRpt::cmdShowComments_Click() {
     m_txtUserMessage->setFocus();
 }
 
-void fSHAREDErrorRpt::cmdHelp_Click() { open(AppInfo::HelpUrl(), QStringLiteral("cmdHelp_Click")); }
+void fSHAREDErrorRpt::cmdHelp_Click() {
+    open(AppInfo::HelpUrl(), QStringLiteral("cmdHelp_Click"));
+}

@@ -70,25 +70,70 @@ constexpr std::array<std::string_view, kFieldCount> kTags = {
 
 constexpr std::size_t kMaxTagLength = 17; // "ShareWithSpecific"
 
-// "\t\t<Tag>" and "</Tag>\r\n", built once.
+// "\t\t<Tag>" and "</Tag>\r\n" for the writer.
+struct TagText {
+    std::array<char, kMaxTagLength + 4> text{};
+    std::size_t size = 0;
+};
+
 struct TagTexts {
-    std::array<QByteArray, kFieldCount> open;
-    std::array<QByteArray, kFieldCount> close;
+    std::array<TagText, kFieldCount> open;
+    std::array<TagText, kFieldCount> close;
+    std::size_t total = 0; // all of them together
     TagTexts() {
         for (int f = 0; f < kFieldCount; ++f) {
-            const QByteArray tag(kTags[f].data(), static_cast<qsizetype>(kTags[f].size()));
-            open[f] = "\t\t<" + tag + '>';
-            close[f] = "</" + tag + ">\r\n";
+            const std::string o = "\t\t<" + std::string(kTags[f]) + '>';
+            const std::string c = "</" + std::string(kTags[f]) + ">\r\n";
+            std::memcpy(open[f].text.data(), o.data(), o.size());
+            open[f].size = o.size();
+            std::memcpy(close[f].text.data(), c.data(), c.size());
+            close[f].size = c.size();
+            total += o.size() + c.size();
         }
     }
 };
 
-const TagTexts& tagTexts() {
-    static const TagTexts texts;
-    return texts;
-}
+const TagTexts kTagTexts;
 
 inline char lowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
+
+// Field names in lower case. Names are letters only, and for a letter L a
+// byte b is L in either case exactly when (b | 0x20) equals lower-case L.
+struct LowerTags {
+    std::array<std::array<char, kMaxTagLength>, kFieldCount> names{};
+    LowerTags() {
+        for (int f = 0; f < kFieldCount; ++f) {
+            for (std::size_t i = 0; i < kTags[f].size(); ++i) {
+                names[f][i] = lowerAscii(kTags[f][i]);
+            }
+        }
+    }
+};
+
+const LowerTags& lowerTags() {
+    static const LowerTags tags;
+    return tags;
+}
+
+inline bool isName(const char* p, int f) {
+    const char* lower = lowerTags().names[f].data();
+    const std::size_t n = kTags[f].size();
+    for (std::size_t i = 0; i < n; ++i) {
+        if (static_cast<char>(p[i] | 0x20) != lower[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The next c in [p, end), or end. Gaps between tags are short, so a plain
+// loop beats a library call here.
+inline const char* scanTo(const char* p, const char* end, char c) {
+    while (p < end && *p != c) {
+        ++p;
+    }
+    return p;
+}
 
 bool equalsNoCase(const char* a, std::string_view b) {
     for (std::size_t i = 0; i < b.size(); ++i) {
@@ -103,7 +148,7 @@ bool equalsNoCase(const char* a, std::string_view b) {
 int fieldOfName(const char* name, std::size_t len) {
     // Few tags share a length, so a length check first rejects almost all.
     for (int f = 0; f < kFieldCount; ++f) {
-        if (kTags[f].size() == len && equalsNoCase(name, kTags[f])) {
+        if (kTags[f].size() == len && isName(name, f)) {
             return f;
         }
     }
@@ -242,14 +287,14 @@ inline void put2(char* p, unsigned v) {
     p[1] = static_cast<char>('0' + v % 10);
 }
 
-// Appends "YYYY-MM-DD" (and " HH:MM"); false when the year needs the slow path.
-bool appendFast(QByteArray& out, DateValue v, bool withTime) {
+// Writes "YYYY-MM-DD" (and " HH:MM") at p and returns the end; null when
+// the year needs the shared formatter.
+char* writeFast(char* buf, DateValue v, bool withTime) {
     const Split s = splitValue(v);
     const Civil c = civilFromDays(s.day + kEpoch);
     if (c.y < 1 || c.y > 9999) {
-        return false;
+        return nullptr;
     }
-    char buf[16];
     const auto y = static_cast<unsigned>(c.y);
     put2(buf, y / 100);
     put2(buf + 2, y % 100);
@@ -258,15 +303,13 @@ bool appendFast(QByteArray& out, DateValue v, bool withTime) {
     buf[7] = '-';
     put2(buf + 8, c.d);
     if (!withTime) {
-        out.append(buf, 10);
-        return true;
+        return buf + 10;
     }
     buf[10] = ' ';
     put2(buf + 11, static_cast<unsigned>(s.seconds / 3600));
     buf[13] = ':';
     put2(buf + 14, static_cast<unsigned>(s.seconds / 60 % 60));
-    out.append(buf, 16);
-    return true;
+    return buf + 16;
 }
 
 inline bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -385,49 +428,92 @@ int32_t toInt32(QByteArrayView t) {
 inline bool toBoolean(QByteArrayView t) { return t.size() == 2 && t[0] == '-' && t[1] == '1'; }
 
 // ---------------------------------------------------------------------------
-// Writing
+// Writing: into a buffer sized beforehand for the block's longest form, so
+// every field is a plain copy.
 
-inline void putText(QByteArray& out, int f, const QString& value) {
-    const TagTexts& tags = tagTexts();
-    out.append(tags.open[f]);
-    AppendAnsi(out, value);
-    out.append(tags.close[f]);
+constexpr std::string_view kBlockStart = "<TVO2>\r\n\t<EVENT>\r\n";
+constexpr std::string_view kBlockEnd = "\t</EVENT>\r\n</TVO2>";
+constexpr std::size_t kMaxNumber = 12;   // "-2147483648"
+constexpr std::size_t kMaxDate = 24;     // the slow path's widest form
+constexpr int kNumberFields = 13;
+constexpr int kDateFields = 5;
+constexpr int kBoolFields = 10;
+
+inline char* put(char* p, std::string_view s) {
+    std::memcpy(p, s.data(), s.size());
+    return p + s.size();
 }
 
-inline void putRaw(QByteArray& out, int f, QByteArrayView value) {
-    const TagTexts& tags = tagTexts();
-    out.append(tags.open[f]);
-    out.append(value);
-    out.append(tags.close[f]);
+inline char* put(char* p, const TagText& t) {
+    std::memcpy(p, t.text.data(), t.size);
+    return p + t.size;
 }
 
-inline void putNumber(QByteArray& out, int f, qint64 value) {
-    char buf[24];
-    const auto res = std::to_chars(buf, buf + sizeof buf, value);
-    putRaw(out, f, QByteArrayView(buf, res.ptr - buf));
-}
-
-inline void putBool(QByteArray& out, int f, bool value) {
-    putRaw(out, f, value ? QByteArrayView("-1") : QByteArrayView("0"));
-}
-
-inline void putDate(QByteArray& out, int f, DateValue value, bool withTime) {
-    const TagTexts& tags = tagTexts();
-    out.append(tags.open[f]);
-    if (withTime) {
-        AppendYMDHM(out, value);
-    } else {
-        AppendYMD(out, value);
+char* putAnsi(char* p, const QString& text) {
+    const AnsiTables& t = ansi();
+    const char16_t* src = reinterpret_cast<const char16_t*>(text.constData());
+    const qsizetype n = text.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const char16_t c = src[i];
+        p[i] = c < 0x80 ? static_cast<char>(c) : static_cast<char>(t.fromUnicode[c]);
     }
-    out.append(tags.close[f]);
+    return p + n;
 }
 
-inline void putPercent(QByteArray& out, int f, const QString& value) {
-    const TagTexts& tags = tagTexts();
-    out.append(tags.open[f]);
-    out.append(PercentEncode(value));
-    out.append(tags.close[f]);
+inline bool keptAsIs(char16_t c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ':' ||
+           c == '.' || c == ',' || c == '?';
 }
+
+char* putPercent(char* p, const QString& text) {
+    static constexpr char kHex[] = "0123456789ABCDEF";
+    const AnsiTables& t = ansi();
+    for (const QChar qc : text) {
+        const char16_t c = qc.unicode();
+        if (keptAsIs(c)) {
+            *p++ = static_cast<char>(c);
+            continue;
+        }
+        const unsigned char code = c < 0x80 ? static_cast<unsigned char>(c) : t.fromUnicode[c];
+        *p++ = '%';
+        *p++ = kHex[code >> 4];
+        *p++ = kHex[code & 0xF];
+    }
+    return p;
+}
+
+inline char* putDateText(char* p, DateValue v, bool withTime) {
+    if (char* q = writeFast(p, v, withTime)) {
+        return q;
+    }
+    const QString slow = withTime ? FormatYMDHM(v) : FormatYMD(v);
+    return putAnsi(p, slow.left(static_cast<qsizetype>(kMaxDate)));
+}
+
+struct FieldWriter {
+    char* p;
+    void text(int f, const QString& v) {
+        p = putAnsi(put(p, kTagTexts.open[f]), v);
+        p = put(p, kTagTexts.close[f]);
+    }
+    void percent(int f, const QString& v) {
+        p = putPercent(put(p, kTagTexts.open[f]), v);
+        p = put(p, kTagTexts.close[f]);
+    }
+    void number(int f, qint64 v) {
+        p = put(p, kTagTexts.open[f]);
+        p = std::to_chars(p, p + kMaxNumber, v).ptr;
+        p = put(p, kTagTexts.close[f]);
+    }
+    void boolean(int f, bool v) {
+        p = put(put(p, kTagTexts.open[f]), v ? std::string_view("-1") : std::string_view("0"));
+        p = put(p, kTagTexts.close[f]);
+    }
+    void date(int f, DateValue v, bool withTime) {
+        p = putDateText(put(p, kTagTexts.open[f]), v, withTime);
+        p = put(p, kTagTexts.close[f]);
+    }
+};
 
 inline int hexValue(char c) {
     if (c >= '0' && c <= '9') {
@@ -440,11 +526,6 @@ inline int hexValue(char c) {
         return c - 'A' + 10;
     }
     return -1;
-}
-
-inline bool keptAsIs(char16_t c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ':' ||
-           c == '.' || c == ',' || c == '?';
 }
 
 } // namespace
@@ -470,141 +551,175 @@ QString FromAnsi(QByteArrayView bytes) {
 }
 
 void AppendAnsi(QByteArray& out, const QString& text) {
-    const qsizetype n = text.size();
-    if (n == 0) {
-        return;
-    }
-    const AnsiTables& t = ansi();
     const qsizetype start = out.size();
-    out.resize(start + n);
-    char* dst = out.data() + start;
-    const char16_t* src = reinterpret_cast<const char16_t*>(text.constData());
-    for (qsizetype i = 0; i < n; ++i) {
-        const char16_t c = src[i];
-        dst[i] = c < 0x80 ? static_cast<char>(c) : static_cast<char>(t.fromUnicode[c]);
-    }
+    out.resize(start + text.size());
+    putAnsi(out.data() + start, text);
 }
 
 QByteArray PercentEncode(const QString& text) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
-    const AnsiTables& t = ansi();
     QByteArray out(text.size() * 3, Qt::Uninitialized);
-    char* dst = out.data();
-    for (const QChar qc : text) {
-        const char16_t c = qc.unicode();
-        if (keptAsIs(c)) {
-            *dst++ = static_cast<char>(c);
-            continue;
-        }
-        const unsigned char code = c < 0x80 ? static_cast<unsigned char>(c) : t.fromUnicode[c];
-        *dst++ = '%';
-        *dst++ = kHex[code >> 4];
-        *dst++ = kHex[code & 0xF];
-    }
-    out.truncate(dst - out.constData());
+    out.truncate(putPercent(out.data(), text) - out.constData());
     return out;
 }
 
 QString PercentDecode(QByteArrayView bytes) {
-    if (!bytes.contains('%')) {
+    const char* p = bytes.data();
+    const char* end = p + bytes.size();
+    const char* percent = scanTo(p, end, '%');
+    if (percent == end) {
         return FromAnsi(bytes);
     }
-    QByteArray raw;
-    raw.reserve(bytes.size());
-    const qsizetype n = bytes.size();
-    for (qsizetype i = 0; i < n; ++i) {
-        const char c = bytes[i];
-        if (c == '%' && i + 2 < n) {
-            // Lenient hex: reading stops at the first non-hex digit.
-            int value = 0;
-            const int hi = hexValue(bytes[i + 1]);
-            if (hi >= 0) {
-                value = hi;
-                const int lo = hexValue(bytes[i + 2]);
-                if (lo >= 0) {
-                    value = hi * 16 + lo;
-                }
-            }
-            raw.append(static_cast<char>(value));
-            i += 2;
-        } else {
-            raw.append(c);
+    const AnsiTables& t = ansi();
+    QString out(bytes.size(), Qt::Uninitialized);
+    char16_t* dst = reinterpret_cast<char16_t*>(out.data());
+    char16_t* const first = dst;
+    while (p < end) {
+        for (; p < percent; ++p) {
+            *dst++ = t.toUnicode[static_cast<unsigned char>(*p)];
         }
+        if (p == end) {
+            break;
+        }
+        if (end - p > 2) {
+            // Lenient hex: reading stops at the first non-hex digit.
+            int code = 0;
+            const int hi = hexValue(p[1]);
+            if (hi >= 0) {
+                const int lo = hexValue(p[2]);
+                code = lo >= 0 ? hi * 16 + lo : hi;
+            }
+            *dst++ = t.toUnicode[static_cast<unsigned char>(code)];
+            p += 3;
+        } else {
+            *dst++ = u'%';
+            ++p;
+        }
+        percent = scanTo(p, end, '%');
     }
-    return FromAnsi(raw);
+    out.truncate(dst - first);
+    return out;
 }
 
 void AppendYMD(QByteArray& out, DateValue v) {
-    if (!appendFast(out, v, false)) {
-        AppendAnsi(out, FormatYMD(v));
-    }
+    char buf[kMaxDate];
+    out.append(buf, putDateText(buf, v, false) - buf);
 }
 
 void AppendYMDHM(QByteArray& out, DateValue v) {
-    if (!appendFast(out, v, true)) {
-        AppendAnsi(out, FormatYMDHM(v));
-    }
+    char buf[kMaxDate];
+    out.append(buf, putDateText(buf, v, true) - buf);
 }
 
 void AppendBlock(QByteArray& out, const clsEvent& e) {
-    out.append("<TVO2>\r\n\t<EVENT>\r\n");
-    putText(out, fIDCode, e.IDCode);
-    putBool(out, fAlarmSet, e.AlarmSet());
-    putDate(out, fAlarmTime, e.AlarmTime(), true);
-    putNumber(out, fDayNumber, e.Daynumber());
-    putNumber(out, fDayOfMonth, e.DayOfMonth());
-    putNumber(out, fDayOfWeek, e.DayOfWeek());
-    putNumber(out, fDaysLeft, e.DaysLeft());
-    putNumber(out, fDaysWarning, e.DaysWarning());
-    putBool(out, fDeleted, e.Deleted);
-    putBool(out, fMailSent, e.MailSent);
-    putPercent(out, fDesc, e.Desc());
-    putDate(out, fDueDate, e.DueDate(), false);
-    putDate(out, fDueTime, e.DueTime(), true);
-    putNumber(out, fLayer, e.Layer());
-    putText(out, fSharedLayerName, e.SharedLayerName);
-    putText(out, fEmail, e.Email);
-    putNumber(out, fMinutesWarning, e.MinutesWarning());
-    putNumber(out, fMonthNumber, e.MonthNumber());
-    putText(out, fOwner, e.Owner());
-    putNumber(out, fPeriod, e.Period());
-    putNumber(out, fRecurrenceType, e.RecurrenceType());
-    putBool(out, fRecurring, e.Recurring());
-    putDate(out, fStartDate, e.StartDate(), false);
-    putNumber(out, fWeekDays, e.WeekDays());
-    putBool(out, fSharedEvent, e.SharedEvent);
-    putBool(out, fExecFile, e.ExecFile);
-    putText(out, fFilename, e.Filename);
-    putText(out, fWavFile, e.WavFile);
-    putBool(out, fPlayWav, e.PlayWav);
-    putBool(out, fShareWithSpecific, e.ShareWithSpecific);
-    putPercent(out, fShareNames, e.ShareNames);
-    out.append("\t</EVENT>\r\n</TVO2>");
+    const qsizetype bound = static_cast<qsizetype>(kBlockStart.size() + kBlockEnd.size() + kTagTexts.total +
+                                                   kNumberFields * kMaxNumber + kDateFields * kMaxDate +
+                                                   kBoolFields * 2) +
+                            e.IDCode.size() + e.SharedLayerName.size() + e.Email.size() + e.Owner().size() +
+                            e.Filename.size() + e.WavFile.size() + 3 * (e.Desc().size() + e.ShareNames.size());
+    const qsizetype start = out.size();
+    out.resize(start + bound);
+    FieldWriter w{put(out.data() + start, kBlockStart)};
+    w.text(fIDCode, e.IDCode);
+    w.boolean(fAlarmSet, e.AlarmSet());
+    w.date(fAlarmTime, e.AlarmTime(), true);
+    w.number(fDayNumber, e.Daynumber());
+    w.number(fDayOfMonth, e.DayOfMonth());
+    w.number(fDayOfWeek, e.DayOfWeek());
+    w.number(fDaysLeft, e.DaysLeft());
+    w.number(fDaysWarning, e.DaysWarning());
+    w.boolean(fDeleted, e.Deleted);
+    w.boolean(fMailSent, e.MailSent);
+    w.percent(fDesc, e.Desc());
+    w.date(fDueDate, e.DueDate(), false);
+    w.date(fDueTime, e.DueTime(), true);
+    w.number(fLayer, e.Layer());
+    w.text(fSharedLayerName, e.SharedLayerName);
+    w.text(fEmail, e.Email);
+    w.number(fMinutesWarning, e.MinutesWarning());
+    w.number(fMonthNumber, e.MonthNumber());
+    w.text(fOwner, e.Owner());
+    w.number(fPeriod, e.Period());
+    w.number(fRecurrenceType, e.RecurrenceType());
+    w.boolean(fRecurring, e.Recurring());
+    w.date(fStartDate, e.StartDate(), false);
+    w.number(fWeekDays, e.WeekDays());
+    w.boolean(fSharedEvent, e.SharedEvent);
+    w.boolean(fExecFile, e.ExecFile);
+    w.text(fFilename, e.Filename);
+    w.text(fWavFile, e.WavFile);
+    w.boolean(fPlayWav, e.PlayWav);
+    w.boolean(fShareWithSpecific, e.ShareWithSpecific);
+    w.percent(fShareNames, e.ShareNames);
+    w.p = put(w.p, kBlockEnd);
+    out.truncate(w.p - out.constData());
 }
 
-EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module) {
+QString TextCache::Text(int slot, QByteArrayView raw) {
+    if (raw.isEmpty()) {
+        return {};
+    }
+    auto& entries = m_entries[slot];
+    for (std::size_t i = 0; i < m_used[slot]; ++i) {
+        if (entries[i].raw == raw) {
+            return entries[i].text;
+        }
+    }
+    // A new value takes a free entry, or the oldest one.
+    std::size_t i = m_used[slot] < kEntries ? m_used[slot]++ : m_next[slot]++ % kEntries;
+    entries[i].raw = raw.toByteArray();
+    entries[i].text = FromAnsi(raw);
+    return entries[i].text;
+}
+
+EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module,
+                   TextCache* cache) {
     const char* begin = block.data();
     const char* end = begin + block.size();
 
     // One pass over the '<' of the block finds the first opening tag of
-    // every field (a tag's first occurrence is always at some '<').
+    // every field (a tag's first occurrence is always at some '<'). When the
+    // next '<' after an opening tag is its closing tag, as in every written
+    // file, the value is known at once and the pass goes on after the
+    // closing tag: nothing in between can start another tag.
     std::array<const char*, kFieldCount> open{};
+    std::array<const char*, kFieldCount> quickEnd{};
     int found = 0;
+    int expected = 0; // fields usually come in the written order
     for (const char* p = begin; p < end && found < kFieldCount;) {
-        const auto* lt = static_cast<const char*>(std::memchr(p, '<', static_cast<std::size_t>(end - p)));
-        if (lt == nullptr) {
+        const char* lt = scanTo(p, end, '<');
+        if (lt == end) {
             break;
         }
         p = lt + 1;
-        const std::size_t room = std::min<std::size_t>(static_cast<std::size_t>(end - p), kMaxTagLength + 1);
-        const auto* gt = static_cast<const char*>(std::memchr(p, '>', room));
-        if (gt == nullptr || *p == '/') {
+        if (p == end || *p == '/') {
             continue;
         }
-        const int f = fieldOfName(p, static_cast<std::size_t>(gt - p));
-        if (f >= 0 && open[f] == nullptr) {
-            open[f] = lt;
-            ++found;
+        const char* limit = p + std::min<std::ptrdiff_t>(end - p, kMaxTagLength + 1);
+        const char* gt = scanTo(p, limit, '>');
+        if (gt == limit) {
+            continue;
+        }
+        const auto len = static_cast<std::size_t>(gt - p);
+        int f = -1;
+        if (expected < kFieldCount && kTags[expected].size() == len && isName(p, expected)) {
+            f = expected;
+        } else {
+            f = fieldOfName(p, len);
+        }
+        if (f < 0 || open[f] != nullptr) {
+            continue;
+        }
+        open[f] = lt;
+        ++found;
+        expected = f + 1;
+        const char* valueStart = gt + 1;
+        const char* next = scanTo(valueStart, end, '<');
+        if (static_cast<std::size_t>(end - next) >= len + 3 && next[1] == '/' && next[len + 2] == '>' &&
+            isName(next + 2, f)) {
+            quickEnd[f] = next;
+            p = next + len + 3;
+        } else {
+            p = valueStart;
         }
     }
 
@@ -615,6 +730,9 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
     auto value = [&](int f) -> QByteArrayView {
         const std::string_view tag = kTags[f];
         const char* valueStart = open[f] + tag.size() + 2;
+        if (quickEnd[f] != nullptr) {
+            return QByteArrayView(valueStart, quickEnd[f] - valueStart);
+        }
         closeBuf[0] = '<';
         closeBuf[1] = '/';
         std::memcpy(closeBuf + 2, tag.data(), tag.size());
@@ -630,6 +748,10 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
         scratch = removeAllNoCase(QByteArrayView(open[f], valueEnd - open[f]), openTag);
         scratch = removeAllNoCase(scratch, closeTag);
         return scratch;
+    };
+
+    auto text = [cache](int slot, QByteArrayView v) {
+        return cache != nullptr ? cache->Text(slot, v) : FromAnsi(v);
     };
 
     auto event = std::make_shared<clsEvent>();
@@ -654,11 +776,11 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
             case fDueDate: e.setDueDate(parseDateTime(v)); break;
             case fDueTime: e.setDueTime(parseDateTime(v)); break;
             case fLayer: e.setLayer(toInt16(v)); break;
-            case fSharedLayerName: e.SharedLayerName = FromAnsi(v); break;
-            case fEmail: e.Email = FromAnsi(v); break;
+            case fSharedLayerName: e.SharedLayerName = text(0, v); break;
+            case fEmail: e.Email = text(1, v); break;
             case fMinutesWarning: e.setMinutesWarning(toInt16(v)); break;
             case fMonthNumber: e.setMonthNumber(toInt16(v)); break;
-            case fOwner: e.setOwner(FromAnsi(v)); break;
+            case fOwner: e.setOwner(text(2, v)); break;
             case fPeriod: e.setPeriod(toInt16(v)); break;
             case fRecurrenceType: e.setRecurrenceType(toInt32(v)); break;
             case fRecurring: e.setRecurring(toBoolean(v)); break;
@@ -666,8 +788,8 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
             case fWeekDays: e.setWeekDays(toInt16(v)); break;
             case fSharedEvent: e.SharedEvent = toBoolean(v); break;
             case fExecFile: e.ExecFile = toBoolean(v); break;
-            case fFilename: e.Filename = FromAnsi(v); break;
-            case fWavFile: e.WavFile = FromAnsi(v); break;
+            case fFilename: e.Filename = text(3, v); break;
+            case fWavFile: e.WavFile = text(4, v); break;
             case fPlayWav: e.PlayWav = toBoolean(v); break;
             case fShareWithSpecific: e.ShareWithSpecific = toBoolean(v); break;
             case fShareNames: e.ShareNames = PercentDecode(v); break;

@@ -6,6 +6,8 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <array>
+#include <cstddef>
 #include <string_view>
 
 // The event file's record format, on the Windows-1252 bytes of the file: one
@@ -22,10 +24,30 @@ inline constexpr char kHeader[] = "<?xml version=\"1.0\" encoding=\"iso-8859-1\"
 // Appends the block of one event, without the CR LF that ends it in a file.
 void AppendBlock(QByteArray& out, const clsEvent& event);
 
+// Values that repeat from event to event in one file (owner, layer name, file
+// and sound paths, mail addresses): equal bytes give one shared string
+// instead of a new one per event.
+class TextCache {
+public:
+    QString Text(int slot, QByteArrayView raw);
+    static constexpr int kSlots = 6;
+
+private:
+    struct Entry {
+        QByteArray raw;
+        QString text;
+    };
+    static constexpr std::size_t kEntries = 16;
+    std::array<std::array<Entry, kEntries>, kSlots> m_entries;
+    std::array<std::size_t, kSlots> m_used{};
+    std::array<std::size_t, kSlots> m_next{};
+};
+
 // Builds a new event from the text of one block. A missing tag leaves the
 // field at its default; a field that does not convert is logged under
 // procedure/module and left at its default, the other fields are still read.
-EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module);
+EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module,
+                   TextCache* cache = nullptr);
 
 // Whether hay holds needle (which starts with '<'), ignoring ASCII case.
 bool ContainsNoCase(QByteArrayView hay, std::string_view needle);

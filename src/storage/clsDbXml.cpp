@@ -1,6 +1,7 @@
 #include "storage/clsDbXml.h"
 
 #include "shared/AppPaths.h"
+#include "shared/AtomicFile.h"
 #include "shared/TextCodec.h"
 #include "shared/TextEqual.h"
 #include "shared/cSHAREDSettings.h"
@@ -12,7 +13,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
-#include <QSaveFile>
+
+#include <cstring>
+#include <string_view>
 
 namespace {
 const QString kModule = QStringLiteral("clsDbXml");
@@ -26,9 +29,30 @@ constexpr quint32 kIdCodeCount = 100001;
 
 // Bytes per event block as written, for reserving the output buffer.
 constexpr qsizetype kTypicalBlockSize = 900;
+
+constexpr std::string_view kEndTag = "</EVENT>";
+
+// The first "</EVENT>" (exact case) at or after from, or -1. Looks for its
+// "V", a byte that is rare elsewhere in the file, and checks around it.
+qsizetype findEndTag(const QByteArray& bytes, qsizetype from) {
+    const char* data = bytes.constData();
+    const char* end = data + bytes.size();
+    const char* p = data + from + 3; // "V" is the fourth byte of the tag
+    while (p < end) {
+        const auto* v = static_cast<const char*>(std::memchr(p, 'V', static_cast<std::size_t>(end - p)));
+        if (v == nullptr) {
+            return -1;
+        }
+        const char* start = v - 3;
+        if (end - start >= 8 && std::memcmp(start, kEndTag.data(), kEndTag.size()) == 0) {
+            return start - data;
+        }
+        p = v + 1;
+    }
+    return -1;
+}
 } // namespace
 
-std::function<bool()> clsDbXmlTesting::beforeCommit;
 
 clsDbXml::clsDbXml(cSHAREDSettings& settings, clsLayers* layers)
     : m_settings(settings), m_layers(layers) {}
@@ -74,15 +98,31 @@ void clsDbXml::LoadDBIfChanged(const QString& path) {
     }
 }
 
+const QHash<QString, int>& clsDbXml::idIndex() const {
+    if (!m_indexValid) {
+        m_idCounts.clear();
+        m_idCounts.reserve(m_events.size());
+        for (const EventPtr& event : m_events) {
+            ++m_idCounts[event->IDCode];
+        }
+        m_indexValid = true;
+    }
+    return m_idCounts;
+}
+
 void clsDbXml::append(const EventPtr& event) {
     m_events.append(event);
-    ++m_idCounts[event->IDCode];
+    if (m_indexValid) {
+        ++m_idCounts[event->IDCode];
+    }
 }
 
 void clsDbXml::removeAt(qsizetype index) {
-    const auto it = m_idCounts.find(m_events.at(index)->IDCode);
-    if (it != m_idCounts.end() && --it.value() <= 0) {
-        m_idCounts.erase(it);
+    if (m_indexValid) {
+        const auto it = m_idCounts.find(m_events.at(index)->IDCode);
+        if (it != m_idCounts.end() && --it.value() <= 0) {
+            m_idCounts.erase(it);
+        }
     }
     m_events.removeAt(index);
 }
@@ -90,6 +130,7 @@ void clsDbXml::removeAt(qsizetype index) {
 void clsDbXml::clearList() {
     m_events.clear();
     m_idCounts.clear();
+    m_indexValid = true;
 }
 
 void clsDbXml::adjustLoaded(clsEvent& event, const QString& owner) {
@@ -120,21 +161,22 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
 
     const QString owner = CurrentOwner();
     const QString procedure = QStringLiteral("TransferXMLToObject");
-    static const QByteArrayView kEndTag("</EVENT>");
     m_events.reserve(m_events.size() + bytes.size() / kTypicalBlockSize + 1);
+    m_indexValid = false;
+    EventXmlCodec::TextCache cache;
 
     // Blocks end at "</EVENT>" (exact case); a piece is an event only when
     // it holds "<EVENT>" in any case. Header and trailing text are ignored.
     qsizetype from = 0;
     while (from < bytes.size()) {
-        qsizetype endTag = bytes.indexOf(kEndTag, from);
+        const qsizetype endTag = findEndTag(bytes, from);
         const qsizetype pieceEnd = endTag < 0 ? bytes.size() : endTag;
         const QByteArrayView piece(bytes.constData() + from, pieceEnd - from);
-        from = endTag < 0 ? bytes.size() : endTag + kEndTag.size();
+        from = endTag < 0 ? bytes.size() : endTag + static_cast<qsizetype>(kEndTag.size());
         if (!EventXmlCodec::ContainsNoCase(piece, "<EVENT>")) {
             continue;
         }
-        EventPtr event = EventXmlCodec::ParseBlock(piece, procedure, kModule);
+        EventPtr event = EventXmlCodec::ParseBlock(piece, procedure, kModule, &cache);
         adjustLoaded(*event, owner);
         if (event->Deleted) {
             continue;
@@ -168,10 +210,9 @@ void clsDbXml::SaveDB() {
         Log().AddAction(QStringLiteral("Bad file name or number (52)"), procedure, kModule);
         return;
     }
-    const QFileInfo info(m_fileName);
-    // A file without its owner's write permission is read-only even for a
-    // user whom the system would let write it anyway.
-    if (info.exists() && (!info.isWritable() || !(info.permissions() & QFileDevice::WriteOwner))) {
+    // A file without its owner's write permission counts as read-only even
+    // for a user whom the system would let write it.
+    if (AtomicFile::IsReadOnly(m_fileName)) {
         Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
     } else {
         QByteArray out;
@@ -184,17 +225,14 @@ void clsDbXml::SaveDB() {
                 out.append(TextCodec::kLineEnd);
             }
         }
-        QSaveFile file(m_fileName);
-        if (!file.open(QIODevice::WriteOnly)) {
-            Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
-            Log().AddAction(file.errorString() + QStringLiteral(" (75)"), procedure, kModule);
-        } else if (file.write(out) != out.size()) {
-            Log().AddAction(file.errorString() + QStringLiteral(" (61)"), procedure, kModule);
-            file.cancelWriting();
-        } else if (clsDbXmlTesting::beforeCommit && !clsDbXmlTesting::beforeCommit()) {
-            file.cancelWriting();
-        } else if (!file.commit()) {
-            Log().AddAction(file.errorString() + QStringLiteral(" (75)"), procedure, kModule);
+        const AtomicFile::Result result = AtomicFile::Write(m_fileName, out);
+        if (!result.ok()) {
+            if (result.status == AtomicFile::Status::AccessDenied) {
+                Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
+            }
+            Log().AddAction(result.description + QStringLiteral(" (") +
+                                QString::number(result.errorNumber) + QLatin1Char(')'),
+                            procedure, kModule);
         }
     }
     if (m_publisher) {
@@ -217,7 +255,7 @@ EventPtr clsDbXml::ReadEvent(const QString& idCode) const {
 }
 
 int32_t clsDbXml::FindRecordIndex(const QString& idCode) const {
-    if (!m_idCounts.contains(idCode)) {
+    if (!idIndex().contains(idCode)) {
         return -1;
     }
     for (qsizetype i = 0; i < m_events.size(); ++i) {
@@ -235,16 +273,23 @@ QString clsDbXml::RandomIDCode() const {
 }
 
 QString clsDbXml::NewIDCode() const {
-    if (static_cast<quint32>(m_idCounts.size()) >= kIdCodeCount + 1) {
-        // Every code is taken (the empty code counts as one key too).
-        Log().AddAction(QStringLiteral("No free ID code"), QStringLiteral("NewIDCode"), kModule);
-        return {};
+    const QHash<QString, int>& index = idIndex();
+    // Random draws find a free code at once unless the list is nearly full;
+    // then the codes are tried in order, so the search always ends.
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        QString code = RandomIDCode();
+        if (!index.contains(code)) {
+            return code;
+        }
     }
-    QString code;
-    do {
-        code = RandomIDCode();
-    } while (m_idCounts.contains(code));
-    return code;
+    for (quint32 n = 0; n < kIdCodeCount; ++n) {
+        QString code = QStringLiteral("%1").arg(n, 6, 10, QLatin1Char('0'));
+        if (!index.contains(code)) {
+            return code;
+        }
+    }
+    Log().AddAction(QStringLiteral("No free ID code"), QStringLiteral("NewIDCode"), kModule);
+    return {};
 }
 
 void clsDbXml::StoreRecord(const EventPtr& event, bool asNew) {

@@ -109,8 +109,11 @@ private:
     QList<EventPtr> m_events;
     // How many listed events carry each ID code, so a fresh code is checked
     // for uniqueness without walking the list (IDs change only through
-    // StoreRecord while an event is listed).
-    QHash<QString, int> m_idCounts;
+    // StoreRecord while an event is listed). Built on first need after a
+    // load, so loads that are only read never pay for it.
+    const QHash<QString, int>& idIndex() const;
+    mutable QHash<QString, int> m_idCounts;
+    mutable bool m_indexValid = true;
     QString m_fileName;
     qint64 m_stamp = 0;             // ms since the epoch; 0 = file absent
     QStringList m_sharedFiles;      // merged set: files in list order
@@ -119,10 +122,3 @@ private:
     bool m_networked = false;
     std::function<void(clsDbXml&)> m_publisher;
 };
-
-namespace clsDbXmlTesting {
-// Called by SaveDB after the new file is written in full and before it takes
-// the old one's place; returning false abandons the save there, as a crash
-// would. Empty outside tests.
-extern std::function<bool()> beforeCommit;
-} // namespace clsDbXmlTesting

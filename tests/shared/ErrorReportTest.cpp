@@ -51,8 +51,9 @@ TEST(ErrorReportText, FullReportLayout) {
     EXPECT_EQ(lines[2], QStringLiteral("It crashed"));
     EXPECT_EQ(lines[3], QStringLiteral("log line"));
     EXPECT_EQ(lines[4], kDashes);
-    EXPECT_EQ(lines[5], QStringLiteral(
-                            "If the 'submit report' button doesn't work on your system, open an email"));
+    EXPECT_EQ(
+        lines[5],
+        QStringLiteral("If the 'submit report' button doesn't work on your system, open an email"));
     EXPECT_EQ(lines[6], QStringLiteral("to '") + AppInfo::BugReportAddress() +
                             QStringLiteral("' and paste the following text into it."));
     EXPECT_EQ(lines[7], QStringLiteral("Submitting a bug report helps improve the software."));
@@ -87,7 +88,8 @@ TEST(ShowError, ErrObjBuildsTheErrorText) {
     cSHAREDShowError::ShowErrObj(53, QStringLiteral("File not found"), QStringLiteral("frmMain"),
                                  QStringLiteral("Save"), QStringLiteral("more"));
     cSHAREDShowError::ShowErr(QStringLiteral("plain"));
-    EXPECT_EQ(reports.texts(), (QStringList{"Error 53 - File not found in frmMain of Save", "plain"}));
+    EXPECT_EQ(reports.texts(),
+              (QStringList{"Error 53 - File not found in frmMain of Save", "plain"}));
     EXPECT_EQ(reports.secondTexts(), (QStringList{"more", ""}));
 }
 
@@ -194,20 +196,23 @@ TEST_F(ErrorReportWindowTest, ViewReportWritesFullLogAndOpensIt) {
     const QString path = fSHAREDErrorRpt::FullLogPath();
     ASSERT_EQ(opened, QList<QUrl>{QUrl::fromLocalFile(path)});
     const QString report = TextCodec::FromWindows1252(ReadFileBytes(path));
-    EXPECT_EQ(report, ErrorReportText::FullReport(QStringLiteral("Bad thing"),
-                                                  QStringLiteral("my words"),
-                                                  QStringLiteral("No log file")));
+    EXPECT_EQ(report,
+              ErrorReportText::FullReport(QStringLiteral("Bad thing"), QStringLiteral("my words"),
+                                          QStringLiteral("No log file")));
 }
 
 TEST_F(ErrorReportWindowTest, SubmitOpensTheMailLink) {
     window.ShowError(QStringLiteral("Bad thing"));
     click("cmdShowComments");
-    QTest::keyClicks(child<QPlainTextEdit>("txtUserMessage"), QStringLiteral("50% &?#"));
+    auto* comments = child<QPlainTextEdit>("txtUserMessage");
+    QTest::keyClicks(comments, QStringLiteral("50% &?#"));
+    QTest::keyClick(comments, Qt::Key_Return);
+    QTest::keyClicks(comments, QStringLiteral("ok"));
     click("cmdEmail");
     ASSERT_EQ(opened.size(), 1);
     EXPECT_EQ(opened[0].scheme(), QStringLiteral("mailto"));
     const QString sent = opened[0].toString(QUrl::FullyEncoded);
-    EXPECT_TRUE(sent.contains(QStringLiteral("User:%2050%25%20%26%3F%23%0D%0ABad%20thing")))
+    EXPECT_TRUE(sent.contains(QStringLiteral("User:%2050%25%20%26%3F%23%0D%0Aok%0D%0ABad%20thing")))
         << sent.toStdString();
 }
 

@@ -6,12 +6,12 @@
 #include "support/TestSupport.h"
 
 #include <QAbstractButton>
-#include <QPushButton>
 #include <QCalendarWidget>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 
 #include <gtest/gtest.h>
 
@@ -106,9 +106,9 @@ TEST(QtUserDialogs, DatePickerStartsAtTheGivenDayAndReturnsTheChosenOne) {
         calendar->setSelectedDate(QDate(2009, 4, 1));
         picker->accept();
     });
-    EXPECT_EQ(dialogs.PickDate(QStringLiteral("Enter start date for this event"),
-                               D("2009-03-05 14:00")),
-              std::optional<DateValue>(D("2009-04-01")));
+    EXPECT_EQ(
+        dialogs.PickDate(QStringLiteral("Enter start date for this event"), D("2009-03-05 14:00")),
+        std::optional<DateValue>(D("2009-04-01")));
 
     WhenModalAppears([](QWidget* w) { qobject_cast<QDialog*>(w)->reject(); });
     EXPECT_FALSE(dialogs.PickDate(QStringLiteral("x"), D("2009-03-05")).has_value());

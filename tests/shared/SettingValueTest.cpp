@@ -17,6 +17,10 @@ struct Conversion {
     bool zero;
 };
 
+void PrintTo(const Conversion& c, std::ostream* os) {
+    *os << c.name;
+}
+
 class SettingValueConversion : public ::testing::TestWithParam<Conversion> {};
 
 TEST_P(SettingValueConversion, GivesWhatReadersExpect) {
@@ -46,8 +50,7 @@ INSTANTIATE_TEST_SUITE_P(
         Conversion{"text_true_any_case", SettingValue(" tRuE "), " tRuE ", true, 0, 0, false},
         Conversion{"text_word", SettingValue("C:\\Data"), "C:\\Data", false, 0, 0, false},
         Conversion{"blank_text", SettingValue("  "), "  ", false, 0, 0, true},
-        Conversion{"text_fraction_rounds_half_even", SettingValue("2.5"), "2.5", true, 2, 2,
-                   false},
+        Conversion{"text_fraction_rounds_half_even", SettingValue("2.5"), "2.5", true, 2, 2, false},
         Conversion{"beyond_16_bits", SettingValue(70000), "70000", true, 70000, 0, false},
         Conversion{"beyond_32_bits_text", SettingValue("9999999999"), "9999999999", true, 0, 0,
                    false}),

@@ -30,7 +30,8 @@ TEST(ScriptedDialogs, AnswersInOrderAndRecordsEveryBox) {
     UserDialogs& ui = d;
 
     EXPECT_TRUE(ui.AskYesNo("Delete?"));
-    EXPECT_EQ(ui.InputBox("Enter a todo item:", "Enter a task"), std::optional<QString>("Buy milk"));
+    EXPECT_EQ(ui.InputBox("Enter a todo item:", "Enter a task"),
+              std::optional<QString>("Buy milk"));
     EXPECT_TRUE(ui.AskRetryCancel("Disk full"));
     EXPECT_EQ(ui.PickDate("Enter start date for this event", D("2009-01-01")), D("2009-03-05"));
     ui.Message("Done");

@@ -13,7 +13,6 @@
 #include <csignal>
 #include <sys/resource.h>
 
-
 namespace {
 
 class SettingsFileTest : public ::testing::Test {
@@ -168,8 +167,8 @@ TEST(Settings, TextTrueAndFalseComeBackAsBooleans) {
         const char* stored;
         SettingValue expected;
     } cases[] = {
-        {" true ", SettingValue(true)}, {"TRUE", SettingValue(true)},
-        {"False", SettingValue(false)}, {" WAHR", SettingValue(true)},
+        {" true ", SettingValue(true)},   {"TRUE", SettingValue(true)},
+        {"False", SettingValue(false)},   {" WAHR", SettingValue(true)},
         {"falsch ", SettingValue(false)}, {"truth", SettingValue("truth")},
         {"-1", SettingValue("-1")},
     };
@@ -259,8 +258,8 @@ TEST(SettingsSets, DeletingByValueCompactsTheSet) {
         t.AddToSet("Recent", v);
     }
     t.DeleteFromSetByValue("recent", "TWO");
-    EXPECT_EQ(Entries(t), (QStringList{"RECENT_INDEX=3", "RECENT_1=one", "RECENT_2=three",
-                                       "RECENT_3=four"}));
+    EXPECT_EQ(Entries(t),
+              (QStringList{"RECENT_INDEX=3", "RECENT_1=one", "RECENT_2=three", "RECENT_3=four"}));
     t.DeleteFromSetByValue("recent", "four"); // the last member
     EXPECT_EQ(Entries(t), (QStringList{"RECENT_INDEX=2", "RECENT_1=one", "RECENT_2=three"}));
     t.DeleteFromSetByValue("recent", "absent");
@@ -434,7 +433,8 @@ TEST_F(SettingsSaveFailureTest, FullDiskCancelKeepsTheOldFile) {
 TEST_F(SettingsSaveFailureTest, OtherErrorGoesToTheErrorReport) {
     access.failures = {AtomicFile::Status::OtherError};
     EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("57 - Device I/O error in SaveSettings")});
+    EXPECT_EQ(reports.texts(),
+              QStringList{QStringLiteral("57 - Device I/O error in SaveSettings")});
     EXPECT_EQ(reports.secondTexts(), QStringList{QString()});
     EXPECT_EQ(dialogs.count(), 0);
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
@@ -471,6 +471,15 @@ TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
               QStringList{QStringLiteral("Tvo.ini")});
 }
 
+TEST(SettingsSave, MissingFolderIsReportedWithPathNotFound) {
+    TempHome home;
+    RecordedErrorReports reports;
+    cSHAREDSettings s;
+    s.sSet("A", 1);
+    EXPECT_FALSE(s.SaveSettings(home.file(QStringLiteral("gone/Tvo.ini"))));
+    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("76 - Path not found in SaveSettings")});
+}
+
 TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {
     TempHome home;
     ScriptedFileAccess access;
@@ -482,7 +491,8 @@ TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {
 }
 
 TEST(SettingsSave, DriveOfAPath) {
-    EXPECT_EQ(DriveOfPath(QStringLiteral("C:\\Program Files\\Tarvo\\Tvo.ini")), QStringLiteral("C"));
+    EXPECT_EQ(DriveOfPath(QStringLiteral("C:\\Program Files\\Tarvo\\Tvo.ini")),
+              QStringLiteral("C"));
     EXPECT_EQ(DriveOfPath(QStringLiteral("d:/data/Tvo.ini")), QStringLiteral("d"));
     EXPECT_FALSE(DriveOfPath(QDir::tempPath() + QStringLiteral("/Tvo.ini")).isEmpty());
 }

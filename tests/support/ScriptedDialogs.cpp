@@ -8,13 +8,20 @@ namespace {
 
 const char* KindName(ScriptedDialogs::Kind kind) {
     switch (kind) {
-    case ScriptedDialogs::Kind::Message: return "message";
-    case ScriptedDialogs::Kind::YesNo: return "Yes/No question";
-    case ScriptedDialogs::Kind::RetryCancel: return "Retry/Cancel question";
-    case ScriptedDialogs::Kind::Input: return "input box";
-    case ScriptedDialogs::Kind::OpenFile: return "file chooser";
-    case ScriptedDialogs::Kind::Folder: return "folder chooser";
-    case ScriptedDialogs::Kind::Date: return "date picker";
+    case ScriptedDialogs::Kind::Message:
+        return "message";
+    case ScriptedDialogs::Kind::YesNo:
+        return "Yes/No question";
+    case ScriptedDialogs::Kind::RetryCancel:
+        return "Retry/Cancel question";
+    case ScriptedDialogs::Kind::Input:
+        return "input box";
+    case ScriptedDialogs::Kind::OpenFile:
+        return "file chooser";
+    case ScriptedDialogs::Kind::Folder:
+        return "folder chooser";
+    case ScriptedDialogs::Kind::Date:
+        return "date picker";
     }
     return "box";
 }

@@ -28,10 +28,10 @@ public:
     // One box as it was shown.
     struct Shown {
         Kind kind;
-        QString text;    // message, question or prompt
-        QString title;   // as passed (empty = application title)
-        QString extra;   // input default, file filter, or the date picker's start day
-        QString folder;  // a chooser's start folder
+        QString text;   // message, question or prompt
+        QString title;  // as passed (empty = application title)
+        QString extra;  // input default, file filter, or the date picker's start day
+        QString folder; // a chooser's start folder
         Icon icon = Icon::None;
         bool defaultYes = false;
     };

@@ -34,4 +34,6 @@ DatePickerDialog::DatePickerDialog(const QString& prompt, const QDate& initial, 
     layout->addWidget(buttons);
 }
 
-QDate DatePickerDialog::selectedDate() const { return m_calendar->selectedDate(); }
+QDate DatePickerDialog::selectedDate() const {
+    return m_calendar->selectedDate();
+}

@@ -12,11 +12,16 @@ namespace {
 
 QMessageBox::Icon BoxIcon(UserDialogs::Icon icon) {
     switch (icon) {
-    case UserDialogs::Icon::None: return QMessageBox::NoIcon;
-    case UserDialogs::Icon::Information: return QMessageBox::Information;
-    case UserDialogs::Icon::Warning: return QMessageBox::Warning;
-    case UserDialogs::Icon::Critical: return QMessageBox::Critical;
-    case UserDialogs::Icon::Question: return QMessageBox::Question;
+    case UserDialogs::Icon::None:
+        return QMessageBox::NoIcon;
+    case UserDialogs::Icon::Information:
+        return QMessageBox::Information;
+    case UserDialogs::Icon::Warning:
+        return QMessageBox::Warning;
+    case UserDialogs::Icon::Critical:
+        return QMessageBox::Critical;
+    case UserDialogs::Icon::Question:
+        return QMessageBox::Question;
     }
     return QMessageBox::NoIcon;
 }
@@ -72,8 +77,8 @@ std::optional<QString> QtUserDialogs::InputBox(const QString& prompt, const QStr
 std::optional<QString> QtUserDialogs::ChooseOpenFile(const QString& title,
                                                      const QString& startFolder,
                                                      const QString& filter) {
-    const QString chosen = QFileDialog::getOpenFileName(m_parent, TitleOr(title), startFolder,
-                                                        QtFileFilter(filter));
+    const QString chosen =
+        QFileDialog::getOpenFileName(m_parent, TitleOr(title), startFolder, QtFileFilter(filter));
     if (chosen.isEmpty()) {
         return std::nullopt;
     }
@@ -82,8 +87,7 @@ std::optional<QString> QtUserDialogs::ChooseOpenFile(const QString& title,
 
 std::optional<QString> QtUserDialogs::ChooseFolder(const QString& title,
                                                    const QString& startFolder) {
-    const QString chosen =
-        QFileDialog::getExistingDirectory(m_parent, TitleOr(title), startFolder);
+    const QString chosen = QFileDialog::getExistingDirectory(m_parent, TitleOr(title), startFolder);
     if (chosen.isEmpty()) {
         return std::nullopt;
     }

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "shared/DateValue.h"
+
+#include <QLocale>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <optional>
+
+// Shows dates the way the user's system writes them: learns the order of day,
+// month and year and the separator from the system's short-date text of one
+// probe date, 25 December 2001, and builds the format strings from it.
+//
+// Format strings use the traditional letters: YYYY / YY year, MMM month name,
+// MM month number, DD day, HH:MM hours and minutes; other characters are
+// written as they are.
+class cSharedDateSubs {
+public:
+    // probeText: the short-date text of 25 December 2001 to learn from; empty
+    // asks locale. locale also gives the month names and the thousands
+    // separator. Runs the initialisation at once.
+    explicit cSharedDateSubs(const QString& probeText = {}, const QLocale& locale = QLocale());
+
+    bool TranslateMonthNames = false;
+    QStringList ShortMonthNames;       // the locale's abbreviated month names, upper-cased
+    QStringList EnglishMonthNames;     // "JAN" ... "DEC"
+    QStringList FullEnglishMonthNames; // "January" ... "December"
+    bool CommaThousandSeparator = false;
+    bool RemoveSeconds = false;
+    // Positions 1-3 of year, month and day in the short date.
+    int16_t SysDateYearField = 0;
+    int16_t SysDateMonthField = 0;
+    int16_t SysDateDayField = 0;
+    QString TrueStr;
+    QString FalseStr;
+    QString DateFormatString;             // e.g. "DD/MM/YYYY"
+    QString FullDateFormatString;         // e.g. "DD/MMM/YYYY"
+    QString FullDateFormatPlusTimeString; // FullDateFormatString + " HH:MM"
+    QString DateSeparator;
+
+    // With FullDateFormatString.
+    QString FormatDate(DateValue date);
+    // Also with FullDateFormatString, so no time is shown: the callers rely on
+    // this, and FullDateFormatPlusTimeString is not used here.
+    QString FormatDatePlusTime(DateValue date);
+    // The short-date format string (DateFormatString).
+    QString LocalDateFormat();
+    // With DateFormatString.
+    QString ShortFormatDate(DateValue date);
+    // Reads a date typed in the short-date order with any of the separators
+    // "/", "." or "-"; a two-digit year below 30 is 20xx, otherwise 19xx.
+    // std::nullopt when the text is not such a date.
+    std::optional<DateValue> ConvertMyDateVar(const QString& text);
+
+    // Runs the initialisation when it has not run yet.
+    void Initialise();
+
+    // The system's short-date text of 25 December 2001 for locale.
+    static QString SystemProbeText(const QLocale& locale = QLocale());
+    // date written with a format string of the letters above; month names
+    // from locale.
+    static QString FormatWith(DateValue date, const QString& format, const QLocale& locale);
+
+private:
+    QString fDateSeparator() const;
+    QString fLocalDateFormatString();
+    QString fLocalFullDateFormat() const;
+    QString format(DateValue date, const QString& formatString, const char* procedure);
+
+    QString m_probe;
+    QLocale m_locale;
+    bool m_initialised = false;
+};

@@ -1,0 +1,146 @@
+#include "shared/cSharedDateSubs.h"
+
+#include "shared/cSharedLogging.h"
+#include "support/TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace {
+
+// What the system's way of writing 25 December 2001 teaches.
+struct Probe {
+    const char* name;
+    const char* probe;
+    const char* format;
+    const char* fullFormat;
+    const char* separator;
+    int yearField;
+    int monthField;
+    int dayField;
+    const char* shortSample; // ShortFormatDate of 2009-03-05
+    const char* fullSample;  // FormatDate of 2009-03-05
+};
+
+void PrintTo(const Probe& p, std::ostream* os) {
+    *os << p.probe;
+}
+
+class DateProbe : public ::testing::TestWithParam<Probe> {};
+
+TEST_P(DateProbe, GivesFormatsFieldsAndSeparator) {
+    const Probe& p = GetParam();
+    cSharedDateSubs subs(QString::fromUtf8(p.probe),
+                         QLocale(QLocale::English, QLocale::UnitedStates));
+    EXPECT_EQ(subs.DateFormatString, QString::fromUtf8(p.format));
+    EXPECT_EQ(subs.LocalDateFormat(), QString::fromUtf8(p.format));
+    EXPECT_EQ(subs.FullDateFormatString, QString::fromUtf8(p.fullFormat));
+    EXPECT_EQ(subs.FullDateFormatPlusTimeString, QString::fromUtf8(p.fullFormat) + " HH:MM");
+    EXPECT_EQ(subs.DateSeparator, QString::fromUtf8(p.separator));
+    EXPECT_EQ(subs.SysDateYearField, p.yearField);
+    EXPECT_EQ(subs.SysDateMonthField, p.monthField);
+    EXPECT_EQ(subs.SysDateDayField, p.dayField);
+    EXPECT_EQ(subs.ShortFormatDate(D("2009-03-05 17:45")), QString::fromUtf8(p.shortSample));
+    EXPECT_EQ(subs.FormatDate(D("2009-03-05")), QString::fromUtf8(p.fullSample));
+    // Reading a date back in the same order gives the same day.
+    EXPECT_EQ(subs.ConvertMyDateVar(QString::fromUtf8(p.shortSample)),
+              std::optional<DateValue>(D("2009-03-05")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Systems, DateProbe,
+    ::testing::Values(Probe{"day_first", "25/12/2001", "DD/MM/YYYY", "DD/MMM/YYYY", "/", 3, 2, 1,
+                            "05/03/2009", "05/Mar/2009"},
+                      Probe{"month_first_two_digit_year", "12/25/01", "MM/DD/YY", "DD/MMM/YYYY",
+                            "/", 3, 1, 2, "03/05/09", "05/Mar/2009"},
+                      Probe{"dots", "25.12.2001", "DD.MM.YYYY", "DD.MMM.YYYY", ".", 3, 2, 1,
+                            "05.03.2009", "05.Mar.2009"},
+                      Probe{"iso_dashes", "2001-12-25", "YYYY-MM-DD", "DD-MMM-YYYY", "-", 1, 2, 3,
+                            "2009-03-05", "05-Mar-2009"},
+                      Probe{"year_first_slashes", "2001/12/25", "YYYY/MM/DD", "DD/MMM/YYYY", "/", 1,
+                            2, 3, "2009/03/05", "05/Mar/2009"},
+                      Probe{"two_digit_year_first", "01/12/25", "YY/MM/DD", "DD/MMM/YYYY", "/", 1,
+                            2, 3, "09/03/05", "05/Mar/2009"},
+                      Probe{"single_digits_month_first", "12/25/2001", "MM/DD/YYYY", "DD/MMM/YYYY",
+                            "/", 3, 1, 2, "03/05/2009", "05/Mar/2009"},
+                      Probe{"no_separator_known", "25 12 2001", "DD/MM/YYYY", "DD/MMM/YYYY", "/", 3,
+                            2, 1, "05/03/2009", "05/Mar/2009"}),
+    [](const ::testing::TestParamInfo<Probe>& info) { return std::string(info.param.name); });
+
+TEST(DateSubs, YearFirstWithoutMonthBeforeDayLeavesTheFormatEmpty) {
+    // Year first, day before month, the month not found where expected.
+    cSharedDateSubs subs(QStringLiteral("2001/25/12"), QLocale(QLocale::English));
+    EXPECT_EQ(subs.SysDateYearField, 1);
+    EXPECT_TRUE(subs.DateFormatString.isEmpty());
+    EXPECT_EQ(subs.SysDateMonthField, 0);
+    EXPECT_EQ(subs.ShortFormatDate(D("2009-03-05")), QString());
+}
+
+TEST(DateSubs, FormatDatePlusTimeShowsNoTime) {
+    cSharedDateSubs subs(QStringLiteral("25/12/2001"), QLocale(QLocale::English));
+    const DateValue moment = D("2009-03-05 17:45");
+    EXPECT_EQ(subs.FormatDatePlusTime(moment), subs.FormatDate(moment));
+    EXPECT_EQ(subs.FormatDatePlusTime(moment), QStringLiteral("05/Mar/2009"));
+    // The unused plus-time format does know the time.
+    EXPECT_EQ(cSharedDateSubs::FormatWith(moment, subs.FullDateFormatPlusTimeString,
+                                          QLocale(QLocale::English)),
+              QStringLiteral("05/Mar/2009 17:45"));
+}
+
+TEST(DateSubs, MonthNamesAndThousandsFollowTheLocale) {
+    cSharedDateSubs english(QStringLiteral("12/25/01"),
+                            QLocale(QLocale::English, QLocale::UnitedStates));
+    EXPECT_FALSE(english.TranslateMonthNames);
+    EXPECT_FALSE(english.CommaThousandSeparator);
+    EXPECT_EQ(english.EnglishMonthNames.size(), 12);
+    EXPECT_EQ(english.EnglishMonthNames.first(), QStringLiteral("JAN"));
+    EXPECT_EQ(english.EnglishMonthNames.last(), QStringLiteral("DEC"));
+    EXPECT_EQ(english.FullEnglishMonthNames.at(8), QStringLiteral("September"));
+    EXPECT_EQ(english.ShortMonthNames, english.EnglishMonthNames);
+    EXPECT_EQ(english.TrueStr, QStringLiteral("True"));
+    EXPECT_EQ(english.FalseStr, QStringLiteral("False"));
+
+    const QLocale german(QLocale::German, QLocale::Germany);
+    cSharedDateSubs subs(QString(), german);
+    EXPECT_TRUE(subs.TranslateMonthNames);
+    EXPECT_TRUE(subs.CommaThousandSeparator);
+    EXPECT_EQ(subs.DateFormatString, QStringLiteral("DD.MM.YY"));
+    EXPECT_EQ(subs.ShortMonthNames.at(2), german.monthName(3, QLocale::ShortFormat).toUpper());
+    EXPECT_EQ(subs.FormatDate(D("2009-03-05")), QStringLiteral("05.") +
+                                                    german.monthName(3, QLocale::ShortFormat) +
+                                                    QStringLiteral(".2009"));
+}
+
+TEST(DateSubs, InitialisationLogsItsFindings) {
+    cSharedDateSubs subs(QStringLiteral("25.12.2001"), QLocale(QLocale::English));
+    const QStringList actions = Log().pendingActions();
+    const QStringList expected{"Date format: DD.MM.YYYY", "Full date format: DD.MMM.YYYY",
+                               "Full date format plus time: DD.MMM.YYYY HH:MM", "Date separator: .",
+                               "True string: True False string: False"};
+    ASSERT_GE(actions.size(), expected.size());
+    EXPECT_EQ(actions.mid(actions.size() - expected.size()), expected);
+}
+
+TEST(DateSubs, DatesBeyondTheCalendarGiveEmptyTextAndALogLine) {
+    cSharedDateSubs subs(QStringLiteral("25/12/2001"), QLocale(QLocale::English));
+    for (const DateValue bad : {std::numeric_limits<double>::quiet_NaN(), 1e12, -1e12}) {
+        EXPECT_EQ(subs.FormatDate(bad), QString());
+    }
+    EXPECT_EQ(
+        Log().CurrentAction(),
+        QStringLiteral("Invalid procedure call or argument (5) in FormatDate of module cDateSubs"));
+}
+
+TEST(DateSubs, ConvertMyDateVarRefusesWhatIsNoDate) {
+    cSharedDateSubs subs(QStringLiteral("25/12/2001"), QLocale(QLocale::English));
+    EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("31-12-29")),
+              std::optional<DateValue>(D("2029-12-31")));
+    EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("1.1.30")),
+              std::optional<DateValue>(D("1930-01-01")));
+    for (const char* bad : {"", "31/02/2009", "a/b/c", "1/2", "1/2/3/4"}) {
+        EXPECT_FALSE(subs.ConvertMyDateVar(QString::fromUtf8(bad)).has_value()) << bad;
+    }
+}
+
+} // namespace

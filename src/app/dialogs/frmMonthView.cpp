@@ -24,6 +24,8 @@
 #include <QPlainTextEdit>
 #include <QPrinter>
 #include <QPushButton>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -44,6 +46,22 @@ QPushButton* MakeButton(QWidget* parent, const char* name, const QString& captio
         button->setToolTip(tip);
     }
     return button;
+}
+
+// A day box's text: the day number (in bold) on the first line, then one
+// line per event, each line ended by a line break.
+void FillBox(QPlainTextEdit* box, int day, const QStringList& lines) {
+    box->clear();
+    QTextCursor cursor(box->document());
+    QTextCharFormat number;
+    number.setFontWeight(QFont::Bold);
+    cursor.insertText(QString::number(day), number);
+    QString rest = QStringLiteral("\n");
+    for (const QString& line : lines) {
+        rest += line + QLatin1Char('\n');
+    }
+    cursor.insertText(rest, QTextCharFormat());
+    box->moveCursor(QTextCursor::Start);
 }
 
 } // namespace
@@ -211,7 +229,7 @@ void frmMonthView::SetupBoxes(DateValue firstOfMonth) {
                                              : system.color(QPalette::Base));
         colours.setColor(QPalette::Text, system.color(QPalette::Text));
         box->setPalette(colours);
-        box->setPlainText(QString::number(day) + QLatin1Char('\n'));
+        FillBox(box, day, {});
     }
 }
 
@@ -242,11 +260,7 @@ void frmMonthView::LoadMonth(int layer) {
             if (lines.isEmpty()) {
                 continue;
             }
-            QString text = QString::number(day) + QLatin1Char('\n');
-            for (const QString& line : lines) {
-                text += line + QLatin1Char('\n');
-            }
-            Calbox(m_calendar->BoxOfDay(day))->setPlainText(text);
+            FillBox(Calbox(m_calendar->BoxOfDay(day)), day, lines);
         }
     } catch (const RuntimeError& e) {
         LogRuntimeError(e, QStringLiteral("LoadMonth"), kModule);
@@ -378,7 +392,7 @@ void frmMonthView::drawCalendarPage(QPainter& painter, const QRect& area, const 
     QFont headingFont(QStringLiteral("Sans Serif"), 16, QFont::Bold);
     QFont dayNameFont(QStringLiteral("Sans Serif"), 10, QFont::Bold);
     QFont numberFont(QStringLiteral("Sans Serif"), 10, QFont::Bold);
-    QFont lineFont(QStringLiteral("Sans Serif"), 7);
+    QFont lineFont(QStringLiteral("Sans Serif"), 8);
 
     painter.setFont(headingFont);
     const int headingHeight = QFontMetrics(headingFont, painter.device()).height();
@@ -423,14 +437,20 @@ void frmMonthView::drawCalendarPage(QPainter& painter, const QRect& area, const 
         painter.drawText(cell, Qt::AlignLeft | Qt::AlignTop, QString::number(day));
         painter.setFont(lineFont);
         int y = cell.top() + numberHeight;
-        for (const QString& line : month.Lines(day)) {
-            if (y + lineMetrics.height() > cell.bottom() + 1) {
-                break;
-            }
+        const QStringList lines = month.Lines(day);
+        // Lines that do not fit give way to a count of what is left out.
+        const int room = std::max(0, (cell.bottom() + 1 - y) / lineMetrics.height());
+        const qsizetype shown = lines.size() <= room ? lines.size() : std::max(0, room - 1);
+        for (qsizetype i = 0; i < shown; ++i) {
             painter.drawText(QRect(cell.left(), y, cell.width(), lineMetrics.height()),
                              Qt::AlignLeft | Qt::AlignTop,
-                             lineMetrics.elidedText(line, Qt::ElideRight, cell.width()));
+                             lineMetrics.elidedText(lines[i], Qt::ElideRight, cell.width()));
             y += lineMetrics.height();
+        }
+        if (shown < lines.size() && room > 0) {
+            painter.drawText(QRect(cell.left(), y, cell.width(), lineMetrics.height()),
+                             Qt::AlignLeft | Qt::AlignTop,
+                             QStringLiteral("+%1 more").arg(lines.size() - shown));
         }
         painter.restore();
     }

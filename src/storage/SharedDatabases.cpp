@@ -11,7 +11,8 @@
 #include <QSaveFile>
 
 SharedDatabases::SharedDatabases(cSHAREDSettings& settings, clsLayers& layers)
-    : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers), m_publish(settings, &layers) {
+    : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers),
+      m_publish(settings, &layers) {
     m_sharedSet.setNetworked(true);
 }
 
@@ -42,7 +43,8 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
     // what follows is published under this name.
     m_publish.WipeRecordsByOwner(owner);
     for (const EventPtr& event : local.Events()) {
-        if ((event->SharedEvent || event->Layer() == clsLayers::kShared) && TextEqual(event->Owner(), owner)) {
+        if ((event->SharedEvent || event->Layer() == clsLayers::kShared) &&
+            TextEqual(event->Owner(), owner)) {
             event->SharedLayerName = m_layers.Layer(event->Layer());
             m_publish.StoreRecord(event);
         }
@@ -51,7 +53,9 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
     ReloadSharedSet();
 }
 
-void SharedDatabases::ReloadSharedSet() { m_sharedSet.LoadMultiple(UserListFile()); }
+void SharedDatabases::ReloadSharedSet() {
+    m_sharedSet.LoadMultiple(UserListFile());
+}
 
 QStringList SharedDatabases::ReadUserList(const QString& listPath) {
     QFile file(listPath);
@@ -59,8 +63,8 @@ QStringList SharedDatabases::ReadUserList(const QString& listPath) {
         return {};
     }
     if (!file.open(QIODevice::ReadOnly)) {
-        Log().AddAction(file.errorString() + QStringLiteral(" (75)"), QStringLiteral("ReadUserList"),
-                        QStringLiteral("SharedDatabases"));
+        Log().AddAction(file.errorString() + QStringLiteral(" (75)"),
+                        QStringLiteral("ReadUserList"), QStringLiteral("SharedDatabases"));
         return {};
     }
     QStringList names;
@@ -81,8 +85,8 @@ bool SharedDatabases::WriteUserList(const QString& listPath, const QStringList& 
     }
     QSaveFile file(listPath);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        Log().AddAction(file.errorString() + QStringLiteral(" (75)"), QStringLiteral("WriteUserList"),
-                        QStringLiteral("SharedDatabases"));
+        Log().AddAction(file.errorString() + QStringLiteral(" (75)"),
+                        QStringLiteral("WriteUserList"), QStringLiteral("SharedDatabases"));
         return false;
     }
     return true;

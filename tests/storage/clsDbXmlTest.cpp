@@ -91,7 +91,8 @@ TEST_F(DbXml, CodesStayUniqueAcrossManyStoresDeletedRecordsIncluded) {
 }
 
 TEST_F(DbXml, ABlockWithoutCodeGetsOneWhenStored) {
-    ASSERT_TRUE(WriteFileBytes(path(), Header() + "<TVO2><EVENT><Desc>x</Desc></EVENT></TVO2>\r\n"));
+    ASSERT_TRUE(
+        WriteFileBytes(path(), Header() + "<TVO2><EVENT><Desc>x</Desc></EVENT></TVO2>\r\n"));
     db.LoadDB(path());
     ASSERT_EQ(db.RecordCount(), 1);
     const EventPtr e = db.Events().first();
@@ -268,7 +269,8 @@ TEST_F(DbXml, AnUnreadableFileGivesNoRecordsAndIsLoggedUnderTheOldLabels) {
     ASSERT_TRUE(QDir().mkpath(path())); // a folder where the file should be
     db.LoadDB(path());
     EXPECT_EQ(db.RecordCount(), 0);
-    EXPECT_TRUE(NewLogLines().join('\n').contains(QStringLiteral("in LoadAllEvents of module clsDB2")));
+    EXPECT_TRUE(
+        NewLogLines().join('\n').contains(QStringLiteral("in LoadAllEvents of module clsDB2")));
 }
 
 } // namespace

@@ -69,6 +69,7 @@ void FillBox(QPlainTextEdit* box, int day, const QStringList& lines) {
 frmMonthView::frmMonthView(AppContext& context, QWidget* parent)
     : QDialog(parent), m_context(context) {
     setObjectName(QStringLiteral("frmMonthView"));
+    m_calendar = std::make_unique<MonthCalendar>(YearOf(TodayDate()), MonthOf(TodayDate()));
     buildWindow();
     Form_Load();
 }

@@ -14,7 +14,9 @@ void MonthViewEvents::Load(const QString& eventsFile) {
     m_local.setNetworked(Networked());
     m_local.LoadDB(eventsFile);
     const QString folder =
-        m_settings.sGet(QStringLiteral("SharedDatapath"), SettingValue(QString())).toText().trimmed();
+        m_settings.sGet(QStringLiteral("SharedDatapath"), SettingValue(QString()))
+            .toText()
+            .trimmed();
     if (folder.isEmpty()) {
         m_shared.LoadMultiple(QString());
         return;

@@ -34,8 +34,12 @@ TaskListFile::TaskListFile(QString dataFolder) : m_folder(std::move(dataFolder))
     }
 }
 
-QString TaskListFile::XmlPath() const { return FileIn(m_folder, kXmlName); }
-QString TaskListFile::LegacyPath() const { return FileIn(m_folder, kLegacyName); }
+QString TaskListFile::XmlPath() const {
+    return FileIn(m_folder, kXmlName);
+}
+QString TaskListFile::LegacyPath() const {
+    return FileIn(m_folder, kLegacyName);
+}
 
 QStringList TaskListFile::Load() {
     const QString xml = XmlPath();

@@ -1,8 +1,8 @@
 // The month view offscreen with a fixed clock: grid, colours, navigation,
 // filters, shared events, the plain-text list and both printouts.
+#include "app/dialogs/frmMonthView.h"
 #include "app/AppContext.h"
 #include "app/dialogs/PrintSetup.h"
-#include "app/dialogs/frmMonthView.h"
 #include "shared/cSHAREDSettings.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
@@ -27,7 +27,8 @@ namespace {
 // Text of a PDF, through pdftotext.
 QString PdfText(const QString& pdf) {
     QProcess process;
-    process.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+    process.start(QStringLiteral("pdftotext"),
+                  {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
     if (!process.waitForFinished(20000)) {
         return {};
     }
@@ -36,7 +37,9 @@ QString PdfText(const QString& pdf) {
 
 class MonthView : public ::testing::Test {
 protected:
-    MonthView() : layers(settings), events(settings, &layers), expired(settings, &layers), shared(settings, layers) {
+    MonthView()
+        : layers(settings), events(settings, &layers), expired(settings, &layers),
+          shared(settings, layers) {
         settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
         settings.sSet(QStringLiteral("DataPath"), SettingValue(home.path()));
         layers.setLayer(2, QStringLiteral("Work"));
@@ -45,8 +48,9 @@ protected:
 
     AppContext& context() {
         if (!ctx) {
-            ctx = std::make_unique<AppContext>(AppContext{settings, home.file(QStringLiteral("Tvo.ini")), layers, events,
-                                                          expired, shared, dialogs, opener, player});
+            ctx = std::make_unique<AppContext>(
+                AppContext{settings, home.file(QStringLiteral("Tvo.ini")), layers, events, expired,
+                           shared, dialogs, opener, player});
         }
         return *ctx;
     }
@@ -79,7 +83,9 @@ protected:
 
     // Day box of a day of the shown month.
     QString dayBox(int day) const { return view->BoxText(view->Calendar().BoxOfDay(day)); }
-    QString dateLabel() const { return view->findChild<QLabel*>(QStringLiteral("lblDate"))->text(); }
+    QString dateLabel() const {
+        return view->findChild<QLabel*>(QStringLiteral("lblDate"))->text();
+    }
     void click(const char* name) {
         QTest::mouseClick(view->findChild<QPushButton*>(QString::fromLatin1(name)), Qt::LeftButton);
     }
@@ -123,7 +129,8 @@ TEST_F(MonthView, ControlsCaptionsAndTips) {
     }
     const char* const days[] = {"SUN", "MON", "TUE", "WED", "THU", "FRI", "SAT"};
     for (int i = 0; i < 7; ++i) {
-        EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("lblDay%1").arg(i))->text(), QString::fromLatin1(days[i]));
+        EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("lblDay%1").arg(i))->text(),
+                  QString::fromLatin1(days[i]));
     }
     auto* combo = view->findChild<QComboBox*>(QStringLiteral("cmbLayers"));
     ASSERT_EQ(combo->count(), 21);
@@ -142,7 +149,8 @@ TEST_F(MonthView, FebruaryStartingOnSundayFillsTheFirstFourRows) {
         for (int box = 0; box < 42; ++box) {
             const QString text = view->BoxText(box);
             if (box <= lastBox) {
-                EXPECT_EQ(text, QString::number(box + 1) + QLatin1Char('\n')) << year << " box " << box;
+                EXPECT_EQ(text, QString::number(box + 1) + QLatin1Char('\n'))
+                    << year << " box " << box;
             } else {
                 EXPECT_TRUE(text.isEmpty()) << year << " box " << box;
             }
@@ -177,8 +185,9 @@ TEST_F(MonthView, NavigationWrapsMonthsAndYears) {
         const char* button;
         const char* label;
     } steps[] = {
-        {"cmd_prevmonth", "December 2008"}, {"cmd_nextmonth", "January 2009"}, {"cmd_prevyear", "January 2008"},
-        {"cmd_nextyear", "January 2009"},   {"cmd_nextyear", "January 2010"},  {"cmd_prevmonth", "December 2009"},
+        {"cmd_prevmonth", "December 2008"}, {"cmd_nextmonth", "January 2009"},
+        {"cmd_prevyear", "January 2008"},   {"cmd_nextyear", "January 2009"},
+        {"cmd_nextyear", "January 2010"},   {"cmd_prevmonth", "December 2009"},
         {"cmd_nextmonth", "January 2010"},  {"cmdNow", "January 2009"},
     };
     for (const auto& s : steps) {
@@ -189,11 +198,12 @@ TEST_F(MonthView, NavigationWrapsMonthsAndYears) {
 
 TEST_F(MonthView, EventsAppearOnTheirDaysAsTheRulesPlaceThem) {
     FixedClock clock(QStringLiteral("2009-01-20 09:00"));
-    auto monthly = addRecurring(QStringLiteral("Rent due on the last day"), QStringLiteral("2009-01-31"),
-                                clsEvent::DayOfMonthType);
+    auto monthly = addRecurring(QStringLiteral("Rent due on the last day"),
+                                QStringLiteral("2009-01-31"), clsEvent::DayOfMonthType);
     monthly->setDayOfMonth(31);
     monthly->setMonthNumber(clsEvent::kEveryMonthType1);
-    addRecurring(QStringLiteral("Water the plants"), QStringLiteral("2008-10-03"), clsEvent::EveryXDays, 1);
+    addRecurring(QStringLiteral("Water the plants"), QStringLiteral("2008-10-03"),
+                 clsEvent::EveryXDays, 1);
     add(QStringLiteral("Dentist appointment"), QStringLiteral("2009-04-07"));
     events.SaveDB();
     const QByteArray before = ReadFileBytes(events.DBFilename());
@@ -299,13 +309,15 @@ TEST_F(MonthView, PrintoutsGoToPdfWithTheirHeadings) {
     view->setPrintSetup(&toCalendar);
     click("cmdPrintCal");
     const QString calendar = PdfText(calendarPdf);
-    EXPECT_TRUE(calendar.contains(QStringLiteral("Calendar for March 2009"))) << calendar.toStdString();
+    EXPECT_TRUE(calendar.contains(QStringLiteral("Calendar for March 2009")))
+        << calendar.toStdString();
     EXPECT_TRUE(calendar.contains(QStringLiteral("Printed 03/10/2009")));
     EXPECT_TRUE(calendar.contains(QStringLiteral("Dentist")));
     EXPECT_EQ(calendar.count(QStringLiteral("Gym")), 5) << "every Monday of March 2009";
     const QStringList log = LoggedTexts();
-    for (const char* line : {"Printing calendar", "From 2009-03-01 to 2009-03-31", "Printed Header",
-                             "Starting print loop", "CurrentDate: 2009-03-31", "Finished printing calendar"}) {
+    for (const char* line :
+         {"Printing calendar", "From 2009-03-01 to 2009-03-31", "Printed Header",
+          "Starting print loop", "CurrentDate: 2009-03-31", "Finished printing calendar"}) {
         EXPECT_TRUE(log.contains(QString::fromLatin1(line))) << line;
     }
 
@@ -330,7 +342,8 @@ TEST_F(MonthView, PrinterNotReadyIsReportedAndNothingPrinted) {
     for (const char* button : {"cmdPrintCal", "cmd_print"}) {
         dialogs.clear();
         click(button);
-        EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("Unable to print. ") + nowhere + QStringLiteral(" not ready")})
+        EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("Unable to print. ") + nowhere +
+                                               QStringLiteral(" not ready")})
             << button;
     }
     EXPECT_FALSE(QFileInfo::exists(nowhere));

@@ -1,6 +1,6 @@
 // The task list window offscreen, with scripted input boxes.
-#include "app/dialogs/PrintSetup.h"
 #include "app/dialogs/frmTasks.h"
+#include "app/dialogs/PrintSetup.h"
 #include "shared/cSHAREDSettings.h"
 #include "storage/TaskListFile.h"
 #include "support/ScriptedDialogs.h"
@@ -25,7 +25,8 @@ protected:
         return *window;
     }
     void click(const char* name) {
-        QTest::mouseClick(window->findChild<QPushButton*>(QString::fromLatin1(name)), Qt::LeftButton);
+        QTest::mouseClick(window->findChild<QPushButton*>(QString::fromLatin1(name)),
+                          Qt::LeftButton);
     }
     QString xml() const { return home.file(QStringLiteral("tasklist.xml")); }
     QStringList onDisk() const { return TaskListFile::Parse(ReadFileBytes(xml())); }
@@ -52,7 +53,8 @@ TEST_F(TaskList, AddAppendsAndSavesEachTime) {
     click("cmd_add");
     EXPECT_EQ(onDisk(), QStringList{QStringLiteral("Buy milk")});
     click("cmd_add");
-    EXPECT_EQ(onDisk(), (QStringList{QStringLiteral("Buy milk"), QStringLiteral("Call <Bob> & Sue")}));
+    EXPECT_EQ(onDisk(),
+              (QStringList{QStringLiteral("Buy milk"), QStringLiteral("Call <Bob> & Sue")}));
     EXPECT_EQ(dialogs.shown().at(0).text, QStringLiteral("Enter a todo item:"));
     EXPECT_EQ(dialogs.shown().at(0).title, QStringLiteral("Enter a task"));
 
@@ -88,18 +90,21 @@ TEST_F(TaskList, ChangeOrDeleteNeedASelection) {
 }
 
 TEST_F(TaskList, ChangeReplacesInPlace) {
-    ASSERT_TRUE(TaskListFile(home.path()).Save({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+    ASSERT_TRUE(TaskListFile(home.path())
+                    .Save({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
     open();
     window->Select(1);
     dialogs.answerText(QStringLiteral("B!"));
     click("cmd_change");
     EXPECT_EQ(dialogs.shown().at(0).title, QStringLiteral("Change Task"));
     EXPECT_EQ(dialogs.shown().at(0).extra, QStringLiteral("b")) << "starts with the task";
-    EXPECT_EQ(onDisk(), (QStringList{QStringLiteral("a"), QStringLiteral("B!"), QStringLiteral("c")}));
+    EXPECT_EQ(onDisk(),
+              (QStringList{QStringLiteral("a"), QStringLiteral("B!"), QStringLiteral("c")}));
 }
 
 TEST_F(TaskList, DeleteKeepsASelectionWhileTasksRemain) {
-    ASSERT_TRUE(TaskListFile(home.path()).Save({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
+    ASSERT_TRUE(TaskListFile(home.path())
+                    .Save({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}));
     open();
     const struct {
         int select;
@@ -117,7 +122,8 @@ TEST_F(TaskList, DeleteKeepsASelectionWhileTasksRemain) {
         EXPECT_EQ(onDisk(), s.left);
         EXPECT_EQ(window->SelectedIndex(), s.selectedAfter);
     }
-    EXPECT_EQ(ReadFileBytes(xml()), TaskListFile::Format({})) << "an empty list is still a whole file";
+    EXPECT_EQ(ReadFileBytes(xml()), TaskListFile::Format({}))
+        << "an empty list is still a whole file";
     EXPECT_EQ(dialogs.count(), 0);
 }
 
@@ -132,7 +138,8 @@ TEST_F(TaskList, LegacyFileIsShownAndConverted) {
 TEST_F(TaskList, PrintsNumberedTasksToPdf) {
     FixedClock clock(QStringLiteral("2009-03-10 09:00"));
     settings.sSet(QStringLiteral("DateStyle"), SettingValue(1));
-    ASSERT_TRUE(TaskListFile(home.path()).Save({QStringLiteral("Buy milk"), QStringLiteral("Fix bike")}));
+    ASSERT_TRUE(
+        TaskListFile(home.path()).Save({QStringLiteral("Buy milk"), QStringLiteral("Fix bike")}));
     open();
     const QString pdf = home.file(QStringLiteral("tasks.pdf"));
     PdfPrintSetup setup(pdf);
@@ -142,8 +149,10 @@ TEST_F(TaskList, PrintsNumberedTasksToPdf) {
     process.start(QStringLiteral("pdftotext"), {pdf, QStringLiteral("-")});
     ASSERT_TRUE(process.waitForFinished(20000));
     const QString text = QString::fromUtf8(process.readAllStandardOutput());
-    for (const char* expected : {"Tarvo task list", "Printed 10/03/2009", "1) Buy milk", "2) Fix bike"}) {
-        EXPECT_TRUE(text.contains(QString::fromLatin1(expected))) << expected << "\n" << text.toStdString();
+    for (const char* expected :
+         {"Tarvo task list", "Printed 10/03/2009", "1) Buy milk", "2) Fix bike"}) {
+        EXPECT_TRUE(text.contains(QString::fromLatin1(expected))) << expected << "\n"
+                                                                  << text.toStdString();
     }
     EXPECT_EQ(dialogs.count(), 0);
 
@@ -151,7 +160,8 @@ TEST_F(TaskList, PrintsNumberedTasksToPdf) {
     PdfPrintSetup broken(nowhere);
     window->setPrintSetup(&broken);
     click("cmd_print");
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Unable to print. ") + nowhere + QStringLiteral(" not ready"));
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("Unable to print. ") + nowhere + QStringLiteral(" not ready"));
 }
 
 } // namespace

@@ -60,11 +60,10 @@ TEST(MonthCalendar, GridPlacesTheFirstByItsWeekday) {
     const struct {
         int year, month, firstBox, lastBox;
     } cases[] = {
-        {2009, 2, 0, 27},  // 1st a Sunday, 28 days
-        {2004, 2, 0, 28},  // 1st a Sunday, leap year
-        {2009, 8, 6, 36},  // 1st a Saturday, 31 days: the sixth row is needed
-        {2009, 3, 0, 30},
-        {2008, 12, 1, 31}, // 1st a Monday
+        {2009, 2, 0, 27},                    // 1st a Sunday, 28 days
+        {2004, 2, 0, 28},                    // 1st a Sunday, leap year
+        {2009, 8, 6, 36},                    // 1st a Saturday, 31 days: the sixth row is needed
+        {2009, 3, 0, 30}, {2008, 12, 1, 31}, // 1st a Monday
     };
     for (const auto& c : cases) {
         const MonthCalendar month(c.year, c.month);
@@ -88,35 +87,41 @@ TEST(MonthCalendar, OccurrencesMatchStepByStepForEveryRule) {
         std::function<EventPtr()> make;
     };
     const Case cases[] = {
-        {"weekdays Mon+Fri", [] {
+        {"weekdays Mon+Fri",
+         [] {
              auto e = Recurring(QStringLiteral("w"), clsEvent::DaysOfWeek, D("2008-06-02"));
              e->setWeekDays(static_cast<int16_t>((1 << 1) | (1 << 5)));
              return e;
          }},
-        {"day 31 monthly", [] {
+        {"day 31 monthly",
+         [] {
              auto e = Recurring(QStringLiteral("m"), clsEvent::DayOfMonthType, D("2009-01-31"));
              e->setDayOfMonth(31);
              e->setMonthNumber(clsEvent::kEveryMonthType1);
              return e;
          }},
-        {"every 1 month from the 31st", [] {
+        {"every 1 month from the 31st",
+         [] {
              auto e = Recurring(QStringLiteral("x"), clsEvent::EveryXMonths, D("2008-01-31"));
              e->setPeriod(1);
              return e;
          }},
-        {"every 2 weeks", [] {
+        {"every 2 weeks",
+         [] {
              auto e = Recurring(QStringLiteral("2w"), clsEvent::Weekly, D("2008-07-01"));
              e->setPeriod(2);
              return e;
          }},
-        {"last Sunday", [] {
+        {"last Sunday",
+         [] {
              auto e = Recurring(QStringLiteral("ls"), clsEvent::NthWeekday, D("2008-05-25"));
              e->setDaynumber(clsEvent::kLastWeekday);
              e->setDayOfWeek(1);
              e->setMonthNumber(clsEvent::kEveryMonthType4);
              return e;
          }},
-        {"every 3 days", [] {
+        {"every 3 days",
+         [] {
              auto e = Recurring(QStringLiteral("3d"), clsEvent::EveryXDays, D("2008-09-09"));
              e->setPeriod(3);
              return e;
@@ -128,7 +133,8 @@ TEST(MonthCalendar, OccurrencesMatchStepByStepForEveryRule) {
             const QList<int> expected = StepwiseDays(*event, year, month);
             MonthCalendar calendar(year, month);
             calendar.AddEvent(*event, MonthCalendar::kAllLayers, false);
-            EXPECT_EQ(DaysOf(calendar, event->Desc()), expected) << c.name << " " << year << "-" << month;
+            EXPECT_EQ(DaysOf(calendar, event->Desc()), expected)
+                << c.name << " " << year << "-" << month;
             EXPECT_FALSE(expected.isEmpty()) << c.name << " " << year << "-" << month;
         }
     }
@@ -148,14 +154,16 @@ TEST(MonthCalendar, DailyEventMonthsBackFillsEveryDay) {
 TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
     const DateValue day = D("2009-03-05");
     auto longOneOff = OneOff(QStringLiteral("Dentist appointment downtown"), day);
-    auto longRecurring = Recurring(QStringLiteral("Weekly team meeting in room 4"), clsEvent::EveryXDays, day);
+    auto longRecurring =
+        Recurring(QStringLiteral("Weekly team meeting in room 4"), clsEvent::EveryXDays, day);
     longRecurring->setPeriod(7);
     longRecurring->setOwner(QStringLiteral("Bob"));
     longOneOff->setOwner(QStringLiteral("Ann"));
 
     MonthCalendar plain(2009, 3);
     plain.AddEvents({longOneOff, longRecurring}, MonthCalendar::kAllLayers, false);
-    EXPECT_EQ(plain.Lines(5), (QStringList{QStringLiteral("Dentist appo"), QStringLiteral("Weekly team meeting in")}));
+    EXPECT_EQ(plain.Lines(5), (QStringList{QStringLiteral("Dentist appo"),
+                                           QStringLiteral("Weekly team meeting in")}));
     EXPECT_EQ(plain.Lines(12), QStringList{QStringLiteral("Weekly team meeting in")});
 
     longRecurring->setDueDate(day);
@@ -178,7 +186,9 @@ TEST(MonthCalendar, LayerFilter) {
         {2, {QStringLiteral("two")}},
         {3, {QStringLiteral("three"), QStringLiteral("flagged")}},
         {0, {QStringLiteral("flagged"), QStringLiteral("zero")}},
-        {20, {QStringLiteral("two"), QStringLiteral("three"), QStringLiteral("flagged"), QStringLiteral("zero")}},
+        {20,
+         {QStringLiteral("two"), QStringLiteral("three"), QStringLiteral("flagged"),
+          QStringLiteral("zero")}},
         {7, {}},
     };
     for (auto it = expected.begin(); it != expected.end(); ++it) {
@@ -200,7 +210,8 @@ TEST(MonthCalendar, RuleThatCannotAdvanceIsListedOnceWithoutHanging) {
 
 TEST(MonthCalendar, EventListText) {
     MonthCalendar month(2009, 2);
-    month.AddEvents({OneOff(QStringLiteral("A"), D("2009-02-01")), OneOff(QStringLiteral("B"), D("2009-02-01")),
+    month.AddEvents({OneOff(QStringLiteral("A"), D("2009-02-01")),
+                     OneOff(QStringLiteral("B"), D("2009-02-01")),
                      OneOff(QStringLiteral("C"), D("2009-02-28"))},
                     MonthCalendar::kAllLayers, false);
     const QStringList lines = month.EventListText().split(QLatin1Char('\n'));

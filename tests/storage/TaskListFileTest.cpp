@@ -13,9 +13,11 @@ const QByteArray kHeader = QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"i
 
 TEST(TaskListFile, BytesOfEmptyAndFilledLists) {
     EXPECT_EQ(TaskListFile::Format({}), kHeader + "<TVO2>\r\n\t<TASK>\r\n\t</TASK>\r\n</TVO2>\r\n");
-    EXPECT_EQ(TaskListFile::Format({QStringLiteral("Buy milk"), QStringLiteral("Call <Bob> & \"Sue\" \u00e9")}),
-              kHeader + "<TVO2>\r\n\t<TASK>\r\n\t\t<DETAILS>Buy milk</DETAILS>\r\n"
-                        "\t\t<DETAILS>Call <Bob> & \"Sue\" \xe9</DETAILS>\r\n\t</TASK>\r\n</TVO2>\r\n");
+    EXPECT_EQ(TaskListFile::Format(
+                  {QStringLiteral("Buy milk"), QStringLiteral("Call <Bob> & \"Sue\" \u00e9")}),
+              kHeader +
+                  "<TVO2>\r\n\t<TASK>\r\n\t\t<DETAILS>Buy milk</DETAILS>\r\n"
+                  "\t\t<DETAILS>Call <Bob> & \"Sue\" \xe9</DETAILS>\r\n\t</TASK>\r\n</TVO2>\r\n");
 }
 
 TEST(TaskListFile, SavedListReadsBackInOrderWithMarkupKept) {
@@ -36,10 +38,13 @@ TEST(TaskListFile, ParseTakesDetailsInsideTaskElementsOnly) {
     } cases[] = {
         {"empty file", QByteArray(), {}},
         {"no TASK element", "<TVO2>\r\n<DETAILS>stray</DETAILS>\r\n</TVO2>\r\n", {}},
-        {"two TASK elements", "<TASK>\r\n<DETAILS>a</DETAILS>\r\n</TASK><DETAILS>out</DETAILS>\r\n"
-                              "<TASK>\n<DETAILS>b</DETAILS>\n</TASK>",
+        {"two TASK elements",
+         "<TASK>\r\n<DETAILS>a</DETAILS>\r\n</TASK><DETAILS>out</DETAILS>\r\n"
+         "<TASK>\n<DETAILS>b</DETAILS>\n</TASK>",
          {QStringLiteral("a"), QStringLiteral("b")}},
-        {"unclosed DETAILS", "<TASK>\r\n\t\t<DETAILS>open end\r\n</TASK>", {QStringLiteral("open end")}},
+        {"unclosed DETAILS",
+         "<TASK>\r\n\t\t<DETAILS>open end\r\n</TASK>",
+         {QStringLiteral("open end")}},
         {"empty task", "<TASK>\r\n<DETAILS></DETAILS>\r\n</TASK>", {QString()}},
     };
     for (const auto& c : cases) {
@@ -49,20 +54,23 @@ TEST(TaskListFile, ParseTakesDetailsInsideTaskElementsOnly) {
 
 TEST(TaskListFile, LegacyFileIsConvertedOnceAndRemoved) {
     TempHome home;
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("tasklist.dat")), "first\r\nsecond <x>\r\n\r\nfourth\r\n"));
+    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("tasklist.dat")),
+                               "first\r\nsecond <x>\r\n\r\nfourth\r\n"));
     TaskListFile file(home.path());
     const QStringList expected{QStringLiteral("first"), QStringLiteral("second <x>"), QString(),
                                QStringLiteral("fourth")};
     EXPECT_EQ(file.Load(), expected);
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("tasklist.dat"))));
-    EXPECT_EQ(ReadFileBytes(home.file(QStringLiteral("tasklist.xml"))), TaskListFile::Format(expected));
+    EXPECT_EQ(ReadFileBytes(home.file(QStringLiteral("tasklist.xml"))),
+              TaskListFile::Format(expected));
     EXPECT_EQ(TaskListFile(home.path()).Load(), expected);
 }
 
 TEST(TaskListFile, XmlWinsWhenBothFilesExist) {
     TempHome home;
     ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("tasklist.dat")), "old\r\n"));
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("TaskList.XML")), TaskListFile::Format({QStringLiteral("new")})));
+    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("TaskList.XML")),
+                               TaskListFile::Format({QStringLiteral("new")})));
     TaskListFile file(home.path());
     EXPECT_EQ(file.Load(), QStringList{QStringLiteral("new")});
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("tasklist.dat")))) << "left alone";

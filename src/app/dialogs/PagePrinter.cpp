@@ -21,10 +21,16 @@ bool PagePrinter::begin() {
     return true;
 }
 
-void PagePrinter::heading(const QString& text) { print(text, m_headingFont); }
-void PagePrinter::line(const QString& text) { print(text, m_bodyFont); }
+void PagePrinter::heading(const QString& text) {
+    print(text, m_headingFont);
+}
+void PagePrinter::line(const QString& text) {
+    print(text, m_bodyFont);
+}
 
-void PagePrinter::gap() { m_y += QFontMetrics(m_bodyFont, &m_device).lineSpacing(); }
+void PagePrinter::gap() {
+    m_y += QFontMetrics(m_bodyFont, &m_device).lineSpacing();
+}
 
 void PagePrinter::newPage() {
     m_device.newPage();

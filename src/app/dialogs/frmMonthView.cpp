@@ -92,13 +92,19 @@ void frmMonthView::buildWindow() {
     dateFont.setPointSizeF(dateFont.pointSizeF() * 1.5);
     dateFont.setBold(true);
     m_date->setFont(dateFont);
-    m_date->setMinimumWidth(QFontMetrics(dateFont).horizontalAdvance(QStringLiteral("September 0000")) + 16);
+    m_date->setMinimumWidth(
+        QFontMetrics(dateFont).horizontalAdvance(QStringLiteral("September 0000")) + 16);
 
-    auto* prevYear = MakeButton(this, "cmd_prevyear", QStringLiteral("<<"), QStringLiteral("Previous Year"));
-    auto* prevMonth = MakeButton(this, "cmd_prevmonth", QStringLiteral("&<"), QStringLiteral("Previous Month"));
-    auto* now = MakeButton(this, "cmdNow", QStringLiteral("< >"), QStringLiteral("Return to current month and year"));
-    auto* nextMonth = MakeButton(this, "cmd_nextmonth", QStringLiteral("&>"), QStringLiteral("Next Month"));
-    auto* nextYear = MakeButton(this, "cmd_nextyear", QStringLiteral(">>"), QStringLiteral("Next Year"));
+    auto* prevYear =
+        MakeButton(this, "cmd_prevyear", QStringLiteral("<<"), QStringLiteral("Previous Year"));
+    auto* prevMonth =
+        MakeButton(this, "cmd_prevmonth", QStringLiteral("&<"), QStringLiteral("Previous Month"));
+    auto* now = MakeButton(this, "cmdNow", QStringLiteral("< >"),
+                           QStringLiteral("Return to current month and year"));
+    auto* nextMonth =
+        MakeButton(this, "cmd_nextmonth", QStringLiteral("&>"), QStringLiteral("Next Month"));
+    auto* nextYear =
+        MakeButton(this, "cmd_nextyear", QStringLiteral(">>"), QStringLiteral("Next Year"));
 
     auto* top = new QHBoxLayout;
     top->addWidget(m_layers);
@@ -239,7 +245,9 @@ void frmMonthView::LoadMonth(int layer) {
         setUpdatesEnabled(false);
         QString eventsFile = m_context.events.DBFilename();
         if (eventsFile.isEmpty()) {
-            QString folder = m_context.settings.sGet(QStringLiteral("DataPath"), SettingValue(QString())).toText();
+            QString folder =
+                m_context.settings.sGet(QStringLiteral("DataPath"), SettingValue(QString()))
+                    .toText();
             if (folder.trimmed().isEmpty()) {
                 folder = AppPaths::HomeFolder();
             }
@@ -275,8 +283,12 @@ void frmMonthView::cmbLayers_Click() {
     }
 }
 
-void frmMonthView::cmd_prevyear_Click() { ShowMonth(m_year - 1, m_month); }
-void frmMonthView::cmd_nextyear_Click() { ShowMonth(m_year + 1, m_month); }
+void frmMonthView::cmd_prevyear_Click() {
+    ShowMonth(m_year - 1, m_month);
+}
+void frmMonthView::cmd_nextyear_Click() {
+    ShowMonth(m_year + 1, m_month);
+}
 
 void frmMonthView::cmd_prevmonth_Click() {
     if (m_month == 1) {
@@ -319,11 +331,17 @@ void frmMonthView::cmdViewEvents_Click() {
     window->show();
 }
 
-void frmMonthView::cmd_exit_Click() { reject(); }
+void frmMonthView::cmd_exit_Click() {
+    reject();
+}
 
-void frmMonthView::cmd_print_Click() { runPrint(false); }
+void frmMonthView::cmd_print_Click() {
+    runPrint(false);
+}
 
-void frmMonthView::cmdPrintCal_Click() { runPrint(true); }
+void frmMonthView::cmdPrintCal_Click() {
+    runPrint(true);
+}
 
 void frmMonthView::runPrint(bool calendar) {
     QPrinter printer;
@@ -341,14 +359,15 @@ void frmMonthView::runPrint(bool calendar) {
 }
 
 QString frmMonthView::printedDate() const {
-    return PrintedDateText(TodayDate(),
-                           m_context.settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt());
+    return PrintedDateText(
+        TodayDate(), m_context.settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt());
 }
 
 bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
     PagePrinter out(device);
     if (!out.begin()) {
-        Log().AddAction(QStringLiteral("Printer not ready"), QStringLiteral("cmd_print_Click"), kModule);
+        Log().AddAction(QStringLiteral("Printer not ready"), QStringLiteral("cmd_print_Click"),
+                        kModule);
         return false;
     }
     const QLocale locale;
@@ -360,9 +379,9 @@ bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
         if (lines.isEmpty()) {
             continue;
         }
-        const QString dayText = locale.toString(ToQDate(m_calendar->FirstDay() + day - 1),
-                                                QStringLiteral("ddd")) +
-                                QLatin1Char(' ') + QString::number(day);
+        const QString dayText =
+            locale.toString(ToQDate(m_calendar->FirstDay() + day - 1), QStringLiteral("ddd")) +
+            QLatin1Char(' ') + QString::number(day);
         for (qsizetype i = 0; i < lines.size(); ++i) {
             out.line((i == 0 ? dayText : QString()) + QLatin1Char('\t') + lines[i]);
         }
@@ -373,11 +392,12 @@ bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
 
 bool frmMonthView::PrintCalendar(QPagedPaintDevice& device) {
     Log().LogEvent(QStringLiteral("Printing calendar"));
-    Log().LogEvent(QStringLiteral("From ") + FormatYMD(m_calendar->FirstDay()) + QStringLiteral(" to ") +
-                   FormatYMD(m_calendar->LastDay()));
+    Log().LogEvent(QStringLiteral("From ") + FormatYMD(m_calendar->FirstDay()) +
+                   QStringLiteral(" to ") + FormatYMD(m_calendar->LastDay()));
     QPainter painter;
     if (!painter.begin(&device)) {
-        Log().AddAction(QStringLiteral("Printer not ready"), QStringLiteral("cmdPrintCal_Click"), kModule);
+        Log().AddAction(QStringLiteral("Printer not ready"), QStringLiteral("cmdPrintCal_Click"),
+                        kModule);
         return false;
     }
     const QString heading = QStringLiteral("Calendar for ") + m_calendar->MonthTitle() +
@@ -430,8 +450,9 @@ void frmMonthView::drawCalendarPage(QPainter& painter, const QRect& area, const 
     for (int day = 1; day <= month.DayCount(); ++day) {
         Log().LogEvent(QStringLiteral("CurrentDate: ") + FormatYMD(month.FirstDay() + day - 1));
         const int box = firstBox + day - 1;
-        const QRect cell(area.left() + (box % 7) * columnWidth + pad, gridTop + (box / 7) * rowHeight + pad,
-                         columnWidth - 2 * pad, rowHeight - 2 * pad);
+        const QRect cell(area.left() + (box % 7) * columnWidth + pad,
+                         gridTop + (box / 7) * rowHeight + pad, columnWidth - 2 * pad,
+                         rowHeight - 2 * pad);
         painter.save();
         painter.setClipRect(cell);
         painter.setFont(numberFont);

@@ -77,13 +77,21 @@ frmTasks::frmTasks(cSHAREDSettings& settings, UserDialogs& dialogs, QWidget* par
 
 frmTasks::~frmTasks() = default;
 
-void frmTasks::Form_Load() { LoadTasks(); }
+void frmTasks::Form_Load() {
+    LoadTasks();
+}
 
-void frmTasks::LoadTasks() { m_model->setStringList(m_file.Load()); }
+void frmTasks::LoadTasks() {
+    m_model->setStringList(m_file.Load());
+}
 
-void frmTasks::SaveTasks() { m_file.Save(m_model->stringList()); }
+void frmTasks::SaveTasks() {
+    m_file.Save(m_model->stringList());
+}
 
-QStringList frmTasks::Tasks() const { return m_model->stringList(); }
+QStringList frmTasks::Tasks() const {
+    return m_model->stringList();
+}
 
 int frmTasks::SelectedIndex() const {
     const QModelIndexList rows = m_list->selectionModel()->selectedIndexes();
@@ -158,13 +166,15 @@ void frmTasks::cmd_print_Click() {
 bool frmTasks::PrintTasks(QPagedPaintDevice& device) {
     PagePrinter out(device);
     if (!out.begin()) {
-        Log().AddAction(QStringLiteral("Printer not ready"), QStringLiteral("cmd_print_Click"), kModule);
+        Log().AddAction(QStringLiteral("Printer not ready"), QStringLiteral("cmd_print_Click"),
+                        kModule);
         return false;
     }
     out.heading(QStringLiteral("Tarvo task list"));
-    out.line(QStringLiteral("Printed ") +
-             PrintedDateText(TodayDate(),
-                             m_settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt()));
+    out.line(
+        QStringLiteral("Printed ") +
+        PrintedDateText(TodayDate(),
+                        m_settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt()));
     out.gap();
     const QStringList tasks = m_model->stringList();
     for (qsizetype i = 0; i < tasks.size(); ++i) {
@@ -174,7 +184,9 @@ bool frmTasks::PrintTasks(QPagedPaintDevice& device) {
     return true;
 }
 
-void frmTasks::Cmd_exit_Click() { accept(); }
+void frmTasks::Cmd_exit_Click() {
+    accept();
+}
 
 void ShowTaskList(AppContext& context, QWidget* parent) {
     frmTasks tasks(context.settings, context.dialogs, parent);

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QFont>
+#include <QPainter>
+#include <QString>
+
+class QPagedPaintDevice;
+class QPrinter;
+
+// Prints a heading and lines of text down the pages of a printer (or a PDF
+// writer), starting a new page when one is full. Tabs expand; a line too
+// long for the page wraps at word boundaries.
+class PagePrinter {
+public:
+    explicit PagePrinter(QPagedPaintDevice& device);
+
+    // false when the device cannot be painted on (printer not ready, PDF file
+    // not writable); nothing is printed then.
+    bool begin();
+    void heading(const QString& text);
+    void line(const QString& text);
+    // Vertical gap of about one line.
+    void gap();
+    void newPage();
+    // Finishes the last page.
+    void end();
+
+    QPainter& painter() { return m_painter; }
+
+private:
+    void print(const QString& text, const QFont& font);
+
+    QPagedPaintDevice& m_device;
+    QPainter m_painter;
+    QFont m_bodyFont;
+    QFont m_headingFont;
+    int m_y = 0;
+};
+
+// "Unable to print. " + name + " not ready", naming the printer (or the PDF
+// file when printing to one).
+QString PrinterNotReadyText(const QPrinter& printer);
+
+// A printout's date: "DD/MM/YYYY" when the setting "DateStyle" is 1,
+// "MM/DD/YYYY" otherwise.
+QString PrintedDateText(double day, int dateStyle);

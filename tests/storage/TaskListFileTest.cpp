@@ -1,0 +1,87 @@
+// The task list file: its exact bytes, raw texts, and the one-time move from
+// the old plain-text file.
+#include "storage/TaskListFile.h"
+#include "support/TestSupport.h"
+
+#include <QFileInfo>
+
+namespace {
+
+const QByteArray kHeader = QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\r\n");
+
+} // namespace
+
+TEST(TaskListFile, BytesOfEmptyAndFilledLists) {
+    EXPECT_EQ(TaskListFile::Format({}), kHeader + "<TVO2>\r\n\t<TASK>\r\n\t</TASK>\r\n</TVO2>\r\n");
+    EXPECT_EQ(TaskListFile::Format(
+                  {QStringLiteral("Buy milk"), QStringLiteral("Call <Bob> & \"Sue\" \u00e9")}),
+              kHeader +
+                  "<TVO2>\r\n\t<TASK>\r\n\t\t<DETAILS>Buy milk</DETAILS>\r\n"
+                  "\t\t<DETAILS>Call <Bob> & \"Sue\" \xe9</DETAILS>\r\n\t</TASK>\r\n</TVO2>\r\n");
+}
+
+TEST(TaskListFile, SavedListReadsBackInOrderWithMarkupKept) {
+    TempHome home;
+    TaskListFile file(home.path());
+    const QStringList tasks{QStringLiteral("Buy milk"), QStringLiteral("a < b && c > d"),
+                            QStringLiteral("  padded  "), QStringLiteral("caf\u00e9")};
+    ASSERT_TRUE(file.Save(tasks));
+    EXPECT_EQ(file.XmlPath(), home.file(QStringLiteral("tasklist.xml")));
+    EXPECT_EQ(file.Load(), tasks);
+}
+
+TEST(TaskListFile, ParseTakesDetailsInsideTaskElementsOnly) {
+    const struct {
+        const char* name;
+        QByteArray bytes;
+        QStringList tasks;
+    } cases[] = {
+        {"empty file", QByteArray(), {}},
+        {"no TASK element", "<TVO2>\r\n<DETAILS>stray</DETAILS>\r\n</TVO2>\r\n", {}},
+        {"two TASK elements",
+         "<TASK>\r\n<DETAILS>a</DETAILS>\r\n</TASK><DETAILS>out</DETAILS>\r\n"
+         "<TASK>\n<DETAILS>b</DETAILS>\n</TASK>",
+         {QStringLiteral("a"), QStringLiteral("b")}},
+        {"unclosed DETAILS",
+         "<TASK>\r\n\t\t<DETAILS>open end\r\n</TASK>",
+         {QStringLiteral("open end")}},
+        {"empty task", "<TASK>\r\n<DETAILS></DETAILS>\r\n</TASK>", {QString()}},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(TaskListFile::Parse(c.bytes), c.tasks) << c.name;
+    }
+}
+
+TEST(TaskListFile, LegacyFileIsConvertedOnceAndRemoved) {
+    TempHome home;
+    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("tasklist.dat")),
+                               "first\r\nsecond <x>\r\n\r\nfourth\r\n"));
+    TaskListFile file(home.path());
+    const QStringList expected{QStringLiteral("first"), QStringLiteral("second <x>"), QString(),
+                               QStringLiteral("fourth")};
+    EXPECT_EQ(file.Load(), expected);
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("tasklist.dat"))));
+    EXPECT_EQ(ReadFileBytes(home.file(QStringLiteral("tasklist.xml"))),
+              TaskListFile::Format(expected));
+    EXPECT_EQ(TaskListFile(home.path()).Load(), expected);
+}
+
+TEST(TaskListFile, XmlWinsWhenBothFilesExist) {
+    TempHome home;
+    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("tasklist.dat")), "old\r\n"));
+    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("TaskList.XML")),
+                               TaskListFile::Format({QStringLiteral("new")})));
+    TaskListFile file(home.path());
+    EXPECT_EQ(file.Load(), QStringList{QStringLiteral("new")});
+    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("tasklist.dat")))) << "left alone";
+}
+
+TEST(TaskListFile, ReadOnlyFileKeepsItsTasks) {
+    TempHome home;
+    TaskListFile file(home.path());
+    ASSERT_TRUE(file.Save({QStringLiteral("keep me")}));
+    QFile(file.XmlPath()).setPermissions(QFileDevice::ReadOwner);
+    EXPECT_FALSE(file.Save({QStringLiteral("lost")}));
+    EXPECT_EQ(file.Load(), QStringList{QStringLiteral("keep me")});
+    QFile(file.XmlPath()).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}

@@ -4,6 +4,7 @@
 #include "app/QuitOnSignal.h"
 #include "app/SingleInstance.h"
 #include "app/StartUp.h"
+#include "app/dialogs/frmOptions.h"
 #include "app/frmMain.h"
 #include "shared/AppInfo.h"
 #include "shared/AppPaths.h"
@@ -11,6 +12,7 @@
 #include "shared/Clock.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "shared/ui/ErrorReportWindowSink.h"
 #include "shared/ui/QtFileOpener.h"
 #include "shared/ui/QtSoundPlayer.h"
 #include "shared/ui/QtUserDialogs.h"
@@ -39,6 +41,7 @@ int Main(QApplication& app) {
         return 0;
     }
 
+    ErrorReportWindowSink errorReports; // errors the user must see open the report window
     QtUserDialogs dialogs;
     cSHAREDSettings settings(&dialogs);
     clsLayers layers(settings);
@@ -57,13 +60,14 @@ int Main(QApplication& app) {
                        opener,
                        player};
 
-    StartUp startUp(context, [](AppContext& c) { return ShowFirstTimeOptions(c); });
+    StartUp startUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
     if (!startUp.Run()) {
         return 0;
     }
 
     Log().LogEvent(QStringLiteral("Loading main form"));
     frmMain window(context);
+    dialogs.setParentWidget(&window);
     window.FormLoad(startUp.SilentStart());
     QuitOnSignal([&window] { window.Quit(); });
     const int code = app.exec();

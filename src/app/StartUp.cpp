@@ -29,9 +29,6 @@ bool StartUp::Run() {
 
     if (settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText() ==
         QLatin1String("Not Set")) {
-        Log().LogEvent(QStringLiteral("Reminder options not set. First time setup."));
-        m_app.dialogs.Message(
-            QStringLiteral("Reminder options not set. Please type in requested information."));
         if (!m_firstTimeOptions || !m_firstTimeOptions(m_app)) {
             Log().LogEvent(QStringLiteral("First time setup cancelled"));
             return false;

@@ -10,7 +10,8 @@
 // files, the databases, the automatic backup. The main window comes after.
 class StartUp {
 public:
-    // firstTimeOptions shows the options for a first start; false = cancelled.
+    // firstTimeOptions runs the first-time setup (its log line, the message and
+    // the options window) when no owner is set; false = cancelled.
     StartUp(AppContext& app, std::function<bool(AppContext&)> firstTimeOptions);
 
     // The settings and categories (steps 2 to 4).

@@ -96,7 +96,8 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
     buildToolbar();
     buildMenus();
     buildTray();
-    resize(900, 560);
+    FillCategories();
+    resize(1180, 640);
 }
 
 frmMain::~frmMain() = default;

@@ -2,6 +2,10 @@
 // commands, search, backups, help. The rules they apply live in
 // EventCommands; this file wires them to the window and the dialogs.
 #include "app/EventListModel.h"
+#include "app/dialogs/EventEditFlow.h"
+#include "app/dialogs/frmEditLayers.h"
+#include "app/dialogs/frmOptions.h"
+#include "app/dialogs/frmShareWith.h"
 #include "app/frmMain.h"
 #include "events/clsReminder.h"
 #include "shared/AppInfo.h"
@@ -176,4 +180,87 @@ void frmMain::ReloadDatabases() {
     FillCategories();
     FillEvents();
     emit optionsReloaded();
+}
+
+void frmMain::AddEvent() {
+    m_refreshTimer.stop();
+    const EventPtr added = EventEditFlow::AddNewEvent(m_app, this);
+    m_refreshTimer.start(RefreshTick::kIntervalMs);
+    if (added) {
+        FillEvents();
+        SelectRow(m_model->FindRow(added->IDCode));
+    }
+}
+
+void frmMain::EditSelectedEvent() {
+    // The list must not be rebuilt under the user while the editor is open.
+    m_refreshTimer.stop();
+    const int row = SelectedRow();
+    if (row >= 0) {
+        const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+        const bool expired = target.marker == EventCommands::kExpiredMarker;
+        const EventPtr e = m_model->event(row);
+        if (guard(EventCommands::EditRefusal(target)) && e &&
+            EventEditFlow::EditEvent(m_app, expired ? m_app.expired : m_app.events, e, this)) {
+            FillEvents();
+            m_list->clearSelection();
+            SelectRow(m_model->FindRow(target.idCode, expired ? EventListModel::Source::Expired
+                                                              : EventListModel::Source::Local));
+        }
+    }
+    m_refreshTimer.start(RefreshTick::kIntervalMs);
+}
+
+void frmMain::EditLayers() {
+    frmEditLayers editor(m_app, this);
+    editor.exec();
+    if (editor.Accepted()) {
+        FillCategories();
+        FillEvents();
+    }
+}
+
+void frmMain::EditOptions() {
+    m_refreshTimer.stop();
+    frmOptions options(m_app, this);
+    options.exec();
+    if (!options.Cancelled()) {
+        ReloadDatabases();
+    }
+    m_refreshTimer.start(RefreshTick::kIntervalMs);
+}
+
+void frmMain::Tasklist() {
+    // TODO-INTEGRATE task list
+}
+
+void frmMain::MonthView() {
+    // TODO-INTEGRATE month view
+}
+
+void frmMain::ShareWith() {
+    const int row = SelectedRow();
+    if (row < 0) {
+        return;
+    }
+    const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+    if (!guard(EventCommands::EditRefusal(target))) {
+        return;
+    }
+    if (target.marker == EventCommands::kExpiredMarker) {
+        m_app.dialogs.Message(QStringLiteral("Expired events can't be shared"));
+        return;
+    }
+    const EventPtr e = m_app.events.ReadEvent(target.idCode);
+    if (!e) {
+        return;
+    }
+    frmShareWith dialog(*e, SharedDatabases::ReadUserList(m_app.shared.UserListFile()), this);
+    if (dialog.exec() != QDialog::Accepted) {
+        return;
+    }
+    dialog.ApplyTo(*e);
+    m_app.events.SaveDB(); // publishes the shared events in networked mode
+    FillEvents();
+    SelectRow(m_model->FindRow(target.idCode));
 }

@@ -1,0 +1,47 @@
+#include "app/dialogs/EventEditFlow.h"
+
+#include "app/AppContext.h"
+#include "app/dialogs/frmEvent.h"
+#include "shared/cSHAREDSettings.h"
+#include "storage/SharedDatabases.h"
+#include "storage/clsDbXml.h"
+
+namespace EventEditFlow {
+
+void StoreSavedEvent(AppContext& context, clsDbXml& db, const EventPtr& event) {
+    event->CalcNextDueDate();
+    db.StoreRecord(event);
+    db.SaveDB();
+    if (&db == &context.events && !db.Publishing() &&
+        context.settings.sGet(QStringLiteral("Networked"), false).toBool()) {
+        context.shared.PublishSharedEvents(db);
+    }
+}
+
+EventPtr AddNewEvent(AppContext& context, QWidget* parent) {
+    auto event = std::make_shared<clsEvent>();
+    frmEvent editor(context, *event, false, parent);
+    editor.exec();
+    if (!editor.Saved()) {
+        return nullptr;
+    }
+    StoreSavedEvent(context, context.events, event);
+    return event;
+}
+
+bool EditEvent(AppContext& context, clsDbXml& db, const EventPtr& event, QWidget* parent) {
+    if (!event) {
+        return false;
+    }
+    clsEvent copy = *event;
+    frmEvent editor(context, copy, true, parent);
+    editor.exec();
+    if (!editor.Saved()) {
+        return false;
+    }
+    *event = copy;
+    StoreSavedEvent(context, db, event);
+    return true;
+}
+
+} // namespace EventEditFlow

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QDialog>
+#include <QString>
+#include <QUrl>
+
+#include <functional>
+
+class QCheckBox;
+class QGroupBox;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QRadioButton;
+struct AppContext;
+
+// The options window: the user's choices (data folder, alarm sound,
+// single-user or networked use with an ID and a shared folder, date order,
+// start-up and backup switches), read from and written to the settings store
+// directly. Also the first-time setup shown before any database is loaded.
+//
+// After exec(): Cancelled() is false when the user saved. The settings file
+// has then been written and the owner change applied to the databases; the
+// caller reloads its databases and list (Saved signal, or !Cancelled()).
+class frmOptions : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmOptions(AppContext& context, QWidget* parent = nullptr);
+    ~frmOptions() override;
+
+    bool Cancelled() const { return m_cancelled; }
+
+    // Start-up when the owner is still "Not Set": logs, tells the user, and
+    // shows the window until an owner is stored. False when the user
+    // cancelled: the program then ends. Databases with no file name yet are
+    // left alone by the owner change.
+    static bool RunFirstTimeSetup(AppContext& context, QWidget* parent = nullptr);
+
+    // Where "TVO Home Page" goes, and how (tests replace the opener).
+    static QUrl HomePage();
+    void setUrlOpener(std::function<bool(const QUrl&)> opener) { m_openUrl = std::move(opener); }
+
+    // The user list file for the shared folder typed in the window.
+    QString SharedIniPath() const;
+    void ReadSharedIni();
+    void WriteSharedIni();
+
+    void cmdSave_Click();
+    void cmdAbort_Click();
+    void cmdAddUser_Click();
+    void cmdDel_Click();
+    void cmdReload_Click();
+    void cmdDatapath_Click();
+    void cmdPickWav_Click();
+    void cmdHomePage_Click();
+    void UpdateNetworkFrame();
+
+signals:
+    // Emitted by a successful save, before the window hides.
+    void Saved();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildControls();
+    void Form_Load();
+    // The owner change of a save; see the .cpp for the order.
+    void ApplyOwnerChange(const QString& newOwner, bool networked);
+
+    AppContext& m_context;
+    bool m_cancelled = true;
+    std::function<bool(const QUrl&)> m_openUrl;
+
+    QLineEdit* txtDatapath = nullptr;
+    QPushButton* cmdDatapath = nullptr;
+    QLineEdit* txtAlarmWav = nullptr;
+    QPushButton* cmdPickWav = nullptr;
+    QCheckBox* chkNoSound = nullptr;
+    QRadioButton* optSingle = nullptr;
+    QRadioButton* optNetworked = nullptr;
+    QGroupBox* FrameNetwork = nullptr;
+    QLineEdit* txtSharedDBPath = nullptr;
+    QLineEdit* txtOwner = nullptr;
+    QPushButton* cmdAddUser = nullptr;
+    QListWidget* lstUsers = nullptr;
+    QPushButton* cmdDel = nullptr;
+    QPushButton* cmdReload = nullptr;
+    QRadioButton* optEuroDate = nullptr;
+    QRadioButton* optUSDate = nullptr;
+    QCheckBox* chkSilentStart = nullptr;
+    QCheckBox* chkNoAutoBackups = nullptr;
+    QCheckBox* chkDisableAutoUpdate = nullptr;
+    QCheckBox* chkPruneOld = nullptr;
+    QPushButton* cmdHomePage = nullptr;
+    QPushButton* cmdSave = nullptr;
+    QPushButton* cmdAbort = nullptr;
+};

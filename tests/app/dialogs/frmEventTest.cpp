@@ -1,0 +1,383 @@
+// The event editor offscreen, driven by its controls' names.
+#include "app/dialogs/frmEvent.h"
+#include "events/clsEvent.h"
+#include <QDir>
+
+#include "DialogsFixture.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <QTest>
+
+#include <memory>
+
+namespace {
+
+class EventEditor : public ::testing::Test, protected DialogsFixture {
+protected:
+    EventEditor() { settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred")); }
+
+    frmEvent& open(bool editing = false) {
+        window = std::make_unique<frmEvent>(context, event, editing);
+        return *window;
+    }
+
+    QLineEdit* box(const char* name) const { return Control<QLineEdit>(window.get(), name); }
+    QCheckBox* check(const char* name) const { return Control<QCheckBox>(window.get(), name); }
+    QListWidget* list(const char* name) const { return Control<QListWidget>(window.get(), name); }
+    QLabel* label(const char* name) const { return Control<QLabel>(window.get(), name); }
+    void tab(int index) const { Control<QTabWidget>(window.get(), "TabStrip1")->setCurrentIndex(index); }
+    void save() const { Control<QPushButton>(window.get(), "cmdSave")->click(); }
+    void describe(const QString& text) const {
+        Control<QPlainTextEdit>(window.get(), "txtDesc")->setPlainText(text);
+    }
+
+    FixedClock clock{QStringLiteral("2009-03-05 10:00")};
+    clsEvent event;
+    std::unique_ptr<frmEvent> window;
+};
+
+TEST_F(EventEditor, OpensWithItsCaptionsListsAndDefaults) {
+    frmEvent& w = open();
+    EXPECT_EQ(w.windowTitle(), QStringLiteral("TVO - Add/Edit event"));
+    auto* tabs = Control<QTabWidget>(&w, "TabStrip1");
+    ASSERT_EQ(tabs->count(), 6);
+    const QStringList captions = {QStringLiteral("Day of week"),    QStringLiteral("Monthly"),
+                                  QStringLiteral("Every X Months"), QStringLiteral("Weekly"),
+                                  QStringLiteral("Day X of Month"), QStringLiteral("Every X days")};
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(tabs->tabText(i), captions[i]);
+        EXPECT_EQ(tabs->widget(i)->objectName(), QStringLiteral("fraEvent%1").arg(i));
+    }
+    EXPECT_EQ(tabs->tabToolTip(4), QStringLiteral("Day X in month"));
+    EXPECT_EQ(tabs->currentIndex(), 0);
+    EXPECT_EQ(w.RecurrenceType(), 0);
+
+    const QListWidget* months = list("lstMonthNames");
+    ASSERT_EQ(months->count(), 13);
+    EXPECT_EQ(months->item(0)->text(), QStringLiteral("January"));
+    EXPECT_EQ(months->item(12)->text(), QStringLiteral("Every Month"));
+    EXPECT_EQ(months->currentRow(), 2) << "the current month";
+    EXPECT_EQ(box("txtDayOfMonth")->text(), QStringLiteral("5")) << "today's day";
+    EXPECT_EQ(list("lstMonths")->item(0)->text(), QStringLiteral("Every Month"));
+    EXPECT_EQ(list("lstMonths")->item(12)->text(), QStringLiteral("December"));
+    EXPECT_EQ(list("lstDayNumber")->item(4)->text(), QStringLiteral("Last"));
+    EXPECT_EQ(list("lstDayName")->item(0)->text(), QStringLiteral("Sunday"));
+    EXPECT_EQ(check("chkDay1")->text(), QStringLiteral("Monday"));
+    EXPECT_EQ(check("chkDay7")->text(), QStringLiteral("Sunday"));
+
+    auto* layers = Control<QComboBox>(&w, "cmbLayers");
+    ASSERT_EQ(layers->count(), 21);
+    EXPECT_EQ(layers->itemText(0), QStringLiteral("Shared"));
+    EXPECT_EQ(layers->currentIndex(), 1);
+
+    EXPECT_EQ(box("txtTime")->text(), QStringLiteral("HH:MM"));
+    EXPECT_EQ(box("txtTime")->toolTip(), QStringLiteral("Event time. Please use 24-hour format, eg. 11pm is 23:00"));
+    EXPECT_EQ(box("txtMinutesWarning")->text(), QStringLiteral("30"));
+    EXPECT_EQ(box("txtFrequency")->text(), QStringLiteral("00"));
+    for (const char* name : {"lblMonthlyStartDate", "lblWeeklyStartDate", "lblDailyStartDate"}) {
+        EXPECT_EQ(label(name)->text(), QStringLiteral("DD/MM/YYYY")) << name;
+    }
+    EXPECT_TRUE(check("chkEmailTo")->isHidden());
+    EXPECT_TRUE(box("txtEmailAlert")->isHidden());
+    EXPECT_TRUE(Control<QGroupBox>(&w, "FrameShared")->isHidden()) << "single-user mode";
+    EXPECT_TRUE(Control<QRadioButton>(&w, "optRepeat")->isChecked());
+}
+
+TEST_F(EventEditor, MonthFirstDateStyleShowsItsFormat) {
+    settings.sSet(QStringLiteral("DateStyle"), 2);
+    frmEvent& w = open();
+    EXPECT_EQ(w.DateFormat(), QStringLiteral("MM/DD/YYYY"));
+    EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("MM/DD/YYYY"));
+}
+
+TEST_F(EventEditor, TimeEntryChecks) {
+    const struct {
+        const char* typed;
+        bool saved;
+        const char* shown;
+    } cases[] = {
+        {"9:30", false, "9:30"},   {"09;30", true, "09:30"},  {"24:00", false, "24:00"},
+        {"12:60", false, "12:60"}, {" 09:30 ", true, "09:30"}, {"23:59", true, "23:59"},
+    };
+    for (const auto& c : cases) {
+        dialogs.clear();
+        event = clsEvent();
+        frmEvent& w = open();
+        describe(QStringLiteral("Call"));
+        check("chkTimed")->click();
+        box("txtTime")->setText(QString::fromLatin1(c.typed));
+        save();
+        EXPECT_EQ(w.Saved(), c.saved) << c.typed;
+        EXPECT_EQ(box("txtTime")->text(), QString::fromLatin1(c.shown)) << c.typed;
+        if (c.saved) {
+            EXPECT_EQ(dialogs.count(), 0) << c.typed;
+            EXPECT_EQ(FormatHM(event.DueTime()), QString::fromLatin1(c.shown)) << c.typed;
+        } else {
+            EXPECT_EQ(dialogs.texts(),
+                      QStringList{QStringLiteral("Please specify a time in the range of 00:00 to 23:59")})
+                << c.typed;
+            EXPECT_FALSE(event.AlarmSet()) << "nothing after the failed check was written";
+        }
+    }
+}
+
+TEST_F(EventEditor, WarningOfSixtyMinutesIsTheMost) {
+    for (const auto& [minutes, ok] : {std::pair{"60", true}, std::pair{"61", false}}) {
+        dialogs.clear();
+        frmEvent& w = open();
+        check("chkTimed")->click();
+        box("txtTime")->setText(QStringLiteral("08:00"));
+        box("txtMinutesWarning")->setText(QString::fromLatin1(minutes));
+        save();
+        EXPECT_EQ(w.Saved(), ok) << minutes;
+        EXPECT_EQ(dialogs.lastText(), ok ? QString() : QStringLiteral("Maximum warning is 60 minutes"));
+    }
+}
+
+TEST_F(EventEditor, EveryMonthIsThirteenOnTheMonthlyTabAndZeroOnTheDayXTab) {
+    open();
+    tab(clsEvent::DayOfMonthType);
+    list("lstMonthNames")->setCurrentRow(12);
+    save();
+    ASSERT_TRUE(window->Saved());
+    EXPECT_EQ(event.RecurrenceType(), clsEvent::DayOfMonthType);
+    EXPECT_EQ(event.MonthNumber(), 13);
+
+    event = clsEvent();
+    open();
+    tab(clsEvent::NthWeekday);
+    list("lstMonths")->setCurrentRow(0);
+    list("lstDayNumber")->setCurrentRow(1);
+    list("lstDayName")->setCurrentRow(4);
+    save();
+    ASSERT_TRUE(window->Saved());
+    EXPECT_EQ(event.RecurrenceType(), clsEvent::NthWeekday);
+    EXPECT_EQ(event.MonthNumber(), 0);
+    EXPECT_EQ(event.Daynumber(), 2);
+    EXPECT_EQ(event.DayOfWeek(), 5) << "Thursday, counted from Sunday";
+}
+
+TEST_F(EventEditor, MondayAndSundayMakeOneHundredThirty) {
+    open();
+    check("chkDay1")->click();
+    check("chkDay7")->click();
+    save();
+    ASSERT_TRUE(window->Saved());
+    EXPECT_EQ(event.RecurrenceType(), clsEvent::DaysOfWeek);
+    EXPECT_EQ(event.WeekDays(), 130);
+}
+
+TEST_F(EventEditor, EveryXDaysNeedsAPickedStartDate) {
+    open();
+    tab(clsEvent::EveryXDays);
+    box("txtDailyPeriod")->setText(QStringLiteral("10"));
+    save();
+    EXPECT_FALSE(window->Saved());
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Please enter a valid starting date"));
+
+    dialogs.answerDate(D("2009-04-01"));
+    QTest::mouseClick(label("lblDailyStartDate"), Qt::LeftButton);
+    ASSERT_EQ(dialogs.shown().last().kind, ScriptedDialogs::Kind::Date);
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Enter start date for this event"));
+    EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("01/04/2009"));
+    save();
+    ASSERT_TRUE(window->Saved());
+    EXPECT_EQ(event.Period(), 10);
+    EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-04-01"));
+}
+
+TEST_F(EventEditor, NewShowOnceEventIsNotRecurringAndStartsToday) {
+    open();
+    describe(QStringLiteral("Pay the plumber"));
+    Control<QRadioButton>(window.get(), "optShowOnce")->click();
+    save();
+    ASSERT_TRUE(window->Saved());
+    EXPECT_FALSE(event.Recurring());
+    EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-03-05"));
+    EXPECT_EQ(event.Desc(), QStringLiteral("Pay the plumber"));
+    EXPECT_EQ(event.Owner(), QStringLiteral("Fred"));
+    EXPECT_EQ(event.Layer(), 1);
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(EventEditor, AbortLeavesTheEventAsItWas) {
+    event.setDesc(QStringLiteral("Keep me"));
+    open(true);
+    describe(QStringLiteral("Changed"));
+    Control<QPushButton>(window.get(), "cmdAbort")->click();
+    EXPECT_FALSE(window->Saved());
+    EXPECT_EQ(event.Desc(), QStringLiteral("Keep me"));
+}
+
+// An event with every field set, for each recurrence type, shown and saved
+// unchanged, comes back the same (StartDate is today for the types that do
+// not pick one).
+TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
+    settings.sSet(QStringLiteral("Networked"), true);
+    const QString sharedFolder = home.file(QStringLiteral("shared"));
+    ASSERT_TRUE(QDir().mkpath(sharedFolder));
+    settings.sSet(QStringLiteral("SharedDatapath"), sharedFolder);
+    ASSERT_TRUE(SharedDatabases::WriteUserList(sharedFolder + QStringLiteral("/TVOShared.ini"),
+                                               {QStringLiteral("Bob"), QStringLiteral("Jim"), QStringLiteral("Ann")}));
+    const QString wav = home.file(QStringLiteral("bell.wav"));
+    ASSERT_TRUE(WriteFileBytes(wav, "RIFF"));
+
+    for (int type = 0; type <= 5; ++type) {
+        clsEvent original;
+        original.IDCode = QStringLiteral("123456");
+        original.setDesc(QStringLiteral("Line one\nLine two"));
+        original.setLayer(7);
+        original.setAlarmSet(true);
+        original.setDueTime(TimeSerial(18, 45));
+        original.setMinutesWarning(20);
+        original.setAlarmTime(TimeSerial(18, 25));
+        original.setDaysWarning(4);
+        original.setRecurring(type % 2 == 0);
+        original.PlayWav = true;
+        original.WavFile = wav;
+        original.ExecFile = true;
+        original.Filename = QStringLiteral("/data/notes.txt");
+        original.Email = QStringLiteral("fred@example.org");
+        original.SharedEvent = true;
+        original.ShareWithSpecific = true;
+        original.ShareNames = QStringLiteral("Bob\r\nAnn\r\n");
+        original.setOwner(QStringLiteral("Fred"));
+        original.setRecurrenceType(type);
+        original.setWeekDays(type == 0 ? 2 + 8 + 64 : 0);
+        original.setDayOfMonth(type == 1 ? 31 : 0);
+        original.setMonthNumber(type == 1 ? 13 : type == 4 ? 11 : 0);
+        original.setDaynumber(type == 4 ? 5 : 0);
+        original.setDayOfWeek(type == 4 ? 3 : 0);
+        original.setPeriod(type == 2 || type == 3 || type == 5 ? 6 : 0);
+        original.setStartDate(type == 2 || type == 3 || type == 5 ? D("2008-11-30") : D("2009-03-05"));
+        original.setDueDate(D("2009-05-31"));
+
+        event = original;
+        dialogs.clear();
+        open(true);
+        EXPECT_EQ(Control<QTabWidget>(window.get(), "TabStrip1")->currentIndex(), type);
+        EXPECT_TRUE(window->findChild<QGroupBox*>(QStringLiteral("FrameShared"))->isVisibleTo(window.get()));
+        save();
+        ASSERT_TRUE(window->Saved()) << "type " << type << ": " << dialogs.lastText().toStdString();
+
+        EXPECT_EQ(event.Desc(), original.Desc()) << type;
+        EXPECT_EQ(event.Layer(), original.Layer()) << type;
+        EXPECT_EQ(event.AlarmSet(), original.AlarmSet()) << type;
+        EXPECT_DOUBLE_EQ(event.DueTime(), original.DueTime()) << type;
+        EXPECT_EQ(event.MinutesWarning(), original.MinutesWarning()) << type;
+        EXPECT_NEAR(event.AlarmTime(), original.AlarmTime(), 1e-9) << type;
+        EXPECT_EQ(event.DaysWarning(), original.DaysWarning()) << type;
+        EXPECT_EQ(event.Recurring(), original.Recurring()) << type;
+        EXPECT_EQ(event.PlayWav, original.PlayWav) << type;
+        EXPECT_EQ(event.WavFile, original.WavFile) << type;
+        EXPECT_EQ(event.ExecFile, original.ExecFile) << type;
+        EXPECT_EQ(event.Filename, original.Filename) << type;
+        EXPECT_EQ(event.Email, original.Email) << type;
+        EXPECT_EQ(event.SharedEvent, original.SharedEvent) << type;
+        EXPECT_EQ(event.ShareWithSpecific, original.ShareWithSpecific) << type;
+        EXPECT_EQ(event.ShareNames, QStringLiteral("Bob\r\nAnn\r\n")) << type;
+        EXPECT_EQ(event.Owner(), original.Owner()) << type;
+        EXPECT_EQ(event.RecurrenceType(), original.RecurrenceType()) << type;
+        EXPECT_EQ(event.WeekDays(), original.WeekDays()) << type;
+        EXPECT_EQ(event.DayOfMonth(), original.DayOfMonth()) << type;
+        EXPECT_EQ(event.MonthNumber(), original.MonthNumber()) << type;
+        EXPECT_EQ(event.Daynumber(), original.Daynumber()) << type;
+        EXPECT_EQ(event.DayOfWeek(), original.DayOfWeek()) << type;
+        EXPECT_EQ(event.Period(), original.Period()) << type;
+        EXPECT_DOUBLE_EQ(event.StartDate(), original.StartDate()) << type;
+        EXPECT_EQ(event.IDCode, original.IDCode) << type;
+        EXPECT_DOUBLE_EQ(event.DueDate(), original.DueDate()) << "the caller computes the due date";
+    }
+}
+
+TEST_F(EventEditor, DependentControlsFollowTheirBoxes) {
+    open();
+    EXPECT_FALSE(box("txtTime")->isEnabled());
+    EXPECT_FALSE(box("txtMinutesWarning")->isEnabled());
+    EXPECT_FALSE(label("lblEventTime")->isEnabled());
+    EXPECT_FALSE(Control<QPushButton>(window.get(), "cmdPickFile")->isEnabled());
+    EXPECT_FALSE(check("chkFrequency")->isEnabled());
+    EXPECT_TRUE(label("lblAlarmAdvice")->text().isEmpty());
+
+    check("chkTimed")->click();
+    check("chkRunFile")->click();
+    EXPECT_TRUE(box("txtTime")->isEnabled());
+    EXPECT_TRUE(label("lblMinWarning")->isEnabled());
+    EXPECT_TRUE(Control<QPushButton>(window.get(), "cmdPickFile")->isEnabled());
+    EXPECT_TRUE(label("lblMinutes")->isEnabled());
+
+    box("txtTime")->setText(QStringLiteral("23:00"));
+    EXPECT_EQ(label("lblAlarmAdvice")->text(), QStringLiteral("(Alarm will sound at 10:30pm)"));
+    box("txtMinutesWarning")->setText(QStringLiteral("5"));
+    EXPECT_EQ(label("lblAlarmAdvice")->text(), QStringLiteral("(Alarm will sound at 10:55pm)"));
+}
+
+TEST_F(EventEditor, PickersFillTheirLabels) {
+    open();
+    dialogs.answerText(QStringLiteral("/sounds/gong.wav"));
+    check("chkMakeNoise")->click();
+    ASSERT_EQ(dialogs.count(), 1) << "ticking Sound with no file asks for one";
+    EXPECT_EQ(dialogs.shown().last().kind, ScriptedDialogs::Kind::OpenFile);
+    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("WAV files (*.wav)|*.wav"));
+    EXPECT_EQ(label("lblWavFile")->text(), QStringLiteral("/sounds/gong.wav"));
+
+    check("chkRunFile")->click();
+    dialogs.answerText(QStringLiteral("/data/plan.txt"));
+    Control<QPushButton>(window.get(), "cmdPickFile")->click();
+    EXPECT_EQ(label("lblExecFile")->text(), QStringLiteral("/data/plan.txt"));
+
+    Control<QPushButton>(window.get(), "cmdPickFile")->click(); // cancelled
+    EXPECT_EQ(label("lblExecFile")->text(), QStringLiteral("/data/plan.txt"));
+}
+
+TEST_F(EventEditor, SharingFrameInNetworkedMode) {
+    settings.sSet(QStringLiteral("Networked"), true);
+    const QString folder = home.file(QStringLiteral("net"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    settings.sSet(QStringLiteral("SharedDatapath"), folder);
+    ASSERT_TRUE(WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Bob\r\n\r\n  Jim \r\nAnn\r\n"));
+    open();
+    EXPECT_FALSE(Control<QGroupBox>(window.get(), "FrameShared")->isHidden());
+    QListWidget* users = list("lstUsers");
+    ASSERT_EQ(users->count(), 3);
+    EXPECT_EQ(users->item(1)->text(), QStringLiteral("Jim"));
+    EXPECT_EQ(users->toolTip(), QStringLiteral("Available users"));
+
+    EXPECT_FALSE(check("chkSpecificShare")->isEnabled());
+    check("chkShared")->click();
+    EXPECT_TRUE(check("chkSpecificShare")->isEnabled());
+    check("chkSpecificShare")->click();
+    users->item(2)->setSelected(true);
+    users->item(0)->setSelected(true);
+    save();
+    ASSERT_TRUE(window->Saved());
+    EXPECT_EQ(event.ShareNames, QStringLiteral("Bob\r\nAnn\r\n")) << "in list order";
+    EXPECT_TRUE(event.ShareWithSpecific);
+}
+
+TEST_F(EventEditor, EmailBoxOffersTheLastAddress) {
+    settings.sSet(QStringLiteral("DefaultEmail"), QStringLiteral("me@example.org"));
+    open();
+    check("chkEmailTo")->click();
+    EXPECT_EQ(box("txtEmailAlert")->text(), QStringLiteral("me@example.org"));
+}
+
+TEST_F(EventEditor, BadNumberShowsTheDataFieldsError) {
+    open();
+    box("txtDaysWarning")->setText(QStringLiteral("a week"));
+    save();
+    EXPECT_FALSE(window->Saved());
+    ASSERT_EQ(dialogs.count(), 1);
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("An error occurred.  Please check the data fields."));
+    EXPECT_EQ(dialogs.shown().last().title, QStringLiteral("Error"));
+}
+
+} // namespace

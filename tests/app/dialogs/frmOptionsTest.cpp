@@ -1,0 +1,391 @@
+// The options window and clsOptions2 offscreen, on a throw-away home folder.
+#include "app/dialogs/clsOptions2.h"
+#include "app/dialogs/frmOptions.h"
+#include "shared/AppPaths.h"
+#include "support/ModalHelper.h"
+
+#include "DialogsFixture.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QGroupBox>
+#include <QListWidget>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSignalSpy>
+
+#include <memory>
+
+namespace {
+
+class OptionsWindow : public ::testing::Test, protected DialogsFixture {
+protected:
+    frmOptions& open() {
+        window = std::make_unique<frmOptions>(context);
+        window->setUrlOpener([this](const QUrl& url) {
+            openedUrls << url;
+            return true;
+        });
+        return *window;
+    }
+
+    QLineEdit* box(const char* name) const { return Control<QLineEdit>(window.get(), name); }
+    QCheckBox* check(const char* name) const { return Control<QCheckBox>(window.get(), name); }
+    QAbstractButton* button(const char* name) const { return Control<QAbstractButton>(window.get(), name); }
+    QListWidget* users() const { return Control<QListWidget>(window.get(), "lstUsers"); }
+    QStringList userNames() const {
+        QStringList names;
+        for (int i = 0; i < users()->count(); ++i) {
+            names << users()->item(i)->text();
+        }
+        return names;
+    }
+
+    // A shared folder with a user list.
+    QString sharedFolder(const QByteArray& list = {}) const {
+        const QString folder = home.file(QStringLiteral("net"));
+        EXPECT_TRUE(QDir().mkpath(folder));
+        if (!list.isNull()) {
+            EXPECT_TRUE(WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), list));
+        }
+        return folder;
+    }
+
+    // A sound file that exists, so that saving gives no sound message.
+    QString existingWav() const {
+        const QString wav = home.file(QStringLiteral("alarm.wav"));
+        EXPECT_TRUE(WriteFileBytes(wav, "RIFF"));
+        return wav;
+    }
+
+    QList<QUrl> openedUrls;
+    std::unique_ptr<frmOptions> window;
+};
+
+TEST_F(OptionsWindow, EmptyStoreShowsTheDefaults) {
+    frmOptions& w = open();
+    EXPECT_EQ(w.windowTitle(), QStringLiteral("Reminder Options"));
+    EXPECT_EQ(box("txtOwner")->text(), QStringLiteral("Not Set"));
+    EXPECT_TRUE(Control<QRadioButton>(&w, "optEuroDate")->isChecked());
+    EXPECT_TRUE(Control<QRadioButton>(&w, "optSingle")->isChecked());
+    EXPECT_FALSE(Control<QGroupBox>(&w, "FrameNetwork")->isEnabled());
+    EXPECT_EQ(box("txtDatapath")->text(), AppPaths::HomeFolder());
+    EXPECT_EQ(box("txtAlarmWav")->text(), AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav")));
+    EXPECT_TRUE(check("chkDisableAutoUpdate")->isChecked());
+    EXPECT_EQ(check("chkDisableAutoUpdate")->text(), QStringLiteral("Disable automatic check for new versions of TVO"));
+    EXPECT_FALSE(check("chkNoSound")->isChecked());
+    EXPECT_FALSE(check("chkSilentStart")->isChecked());
+    EXPECT_FALSE(check("chkNoAutoBackups")->isChecked());
+    EXPECT_TRUE(box("txtSharedDBPath")->text().startsWith(home.path()))
+        << "the local event file's folder: " << box("txtSharedDBPath")->text().toStdString();
+    EXPECT_TRUE(box("txtSharedDBPath")->text().endsWith(QLatin1Char('/')));
+    EXPECT_TRUE(w.Cancelled());
+}
+
+TEST_F(OptionsWindow, StoredValuesAreShownAndTheUserListRead) {
+    const QString folder = sharedFolder("Fred\r\nBob\r\n");
+    settings.sSet(QStringLiteral("SharedDataPath"), folder);
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred"));
+    settings.sSet(QStringLiteral("DateStyle"), 2);
+    settings.sSet(QStringLiteral("Networked"), true);
+    settings.sSet(QStringLiteral("NoSounds"), true);
+    settings.sSet(QStringLiteral("DisableAutoUpdateCheck"), false);
+    frmOptions& w = open();
+    EXPECT_EQ(box("txtSharedDBPath")->text(), folder + QLatin1Char('/'));
+    EXPECT_EQ(box("txtOwner")->text(), QStringLiteral("Fred"));
+    EXPECT_TRUE(Control<QRadioButton>(&w, "optUSDate")->isChecked());
+    EXPECT_TRUE(Control<QRadioButton>(&w, "optNetworked")->isChecked());
+    EXPECT_TRUE(Control<QGroupBox>(&w, "FrameNetwork")->isEnabled());
+    EXPECT_EQ(userNames(), (QStringList{QStringLiteral("Fred"), QStringLiteral("Bob")}));
+    EXPECT_TRUE(check("chkNoSound")->isChecked());
+    EXPECT_FALSE(check("chkDisableAutoUpdate")->isChecked());
+
+    button("optSingle")->click();
+    EXPECT_FALSE(Control<QGroupBox>(&w, "FrameNetwork")->isEnabled());
+}
+
+TEST_F(OptionsWindow, BlankIdIsRefusedAndNothingIsWritten) {
+    existingWav();
+    open();
+    box("txtOwner")->setText(QStringLiteral("  "));
+    check("chkSilentStart")->click();
+    button("cmdSave")->click();
+    EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("You must specify a user ID")});
+    EXPECT_TRUE(window->Cancelled());
+    EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("SilentStart")));
+    EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("Owner")));
+    EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
+}
+
+TEST_F(OptionsWindow, AddingAnIdReplacesTheSameNameInAnyCase) {
+    const QString folder = sharedFolder("Fred\r\nBob\r\n");
+    settings.sSet(QStringLiteral("SharedDataPath"), folder);
+    settings.sSet(QStringLiteral("Networked"), true);
+    open();
+    box("txtOwner")->setText(QStringLiteral("fred"));
+    button("cmdAddUser")->click();
+    EXPECT_EQ(userNames(), (QStringList{QStringLiteral("Bob"), QStringLiteral("fred")}));
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Bob\r\nfred\r\n"));
+    EXPECT_EQ(dialogs.count(), 0);
+}
+
+TEST_F(OptionsWindow, AddingNeedsAnIdAndAFolderAndASafeName) {
+    settings.sSet(QStringLiteral("Networked"), true);
+    open();
+    box("txtOwner")->setText(QStringLiteral(" "));
+    button("cmdAddUser")->click();
+    box("txtOwner")->setText(QStringLiteral("Fred"));
+    box("txtSharedDBPath")->setText(QStringLiteral(""));
+    button("cmdAddUser")->click();
+    box("txtSharedDBPath")->setText(sharedFolder());
+    box("txtOwner")->setText(QStringLiteral("../Fred"));
+    button("cmdAddUser")->click();
+    ASSERT_EQ(dialogs.count(), 3);
+    EXPECT_EQ(dialogs.texts().at(0), QStringLiteral("You need to enter an ID before you can add it"));
+    EXPECT_EQ(dialogs.texts().at(1),
+              QStringLiteral("You need to supply the shared data path before you can add users to it."));
+    EXPECT_TRUE(dialogs.texts().at(2).contains(QStringLiteral("cannot be used")));
+    EXPECT_FALSE(QFileInfo::exists(sharedFolder() + QStringLiteral("/TVOShared.ini")));
+}
+
+TEST_F(OptionsWindow, DeleteAsksFirstAndRewritesTheList) {
+    const QString folder = sharedFolder("Ann\r\nBob\r\nCid\r\n");
+    settings.sSet(QStringLiteral("SharedDataPath"), folder);
+    settings.sSet(QStringLiteral("Networked"), true);
+    open();
+    button("cmdDel")->click();
+    EXPECT_EQ(dialogs.count(), 0) << "nothing selected, nothing asked";
+
+    users()->item(0)->setSelected(true);
+    users()->item(2)->setSelected(true);
+    dialogs.answerNo();
+    button("cmdDel")->click();
+    EXPECT_EQ(users()->count(), 3);
+    dialogs.answerYes();
+    button("cmdDel")->click();
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Are you sure you want to remove these users?"));
+    EXPECT_EQ(userNames(), QStringList{QStringLiteral("Bob")});
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Bob\r\n"));
+}
+
+TEST_F(OptionsWindow, ReloadReadsTheListOfTheTypedFolder) {
+    settings.sSet(QStringLiteral("Networked"), true);
+    open();
+    EXPECT_EQ(users()->count(), 0) << "no list file: an empty list";
+    box("txtSharedDBPath")->setText(sharedFolder("Zed\r\n"));
+    button("cmdReload")->click();
+    EXPECT_EQ(userNames(), QStringList{QStringLiteral("Zed")});
+}
+
+TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
+    const QString wav = existingWav();
+    const QString data = home.file(QStringLiteral("data"));
+    frmOptions& w = open();
+    QSignalSpy saved(&w, &frmOptions::Saved);
+    box("txtDatapath")->setText(data + QLatin1Char('/'));
+    box("txtAlarmWav")->setText(wav);
+    button("optUSDate")->click();
+    check("chkSilentStart")->click();
+    check("chkNoAutoBackups")->click();
+    check("chkDisableAutoUpdate")->click();
+    button("cmdSave")->click();
+
+    EXPECT_EQ(dialogs.count(), 0);
+    EXPECT_FALSE(w.Cancelled());
+    EXPECT_EQ(saved.count(), 1);
+    cSHAREDSettings reread;
+    reread.LoadSettings(context.settingsFile);
+    EXPECT_EQ(reread.sGet(QStringLiteral("Datapath")).toText(), data) << "stored without the separator";
+    EXPECT_EQ(reread.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
+    EXPECT_EQ(reread.sGet(QStringLiteral("DateStyle")).toInt(), 2);
+    EXPECT_FALSE(reread.sGet(QStringLiteral("Networked")).toBool());
+    EXPECT_EQ(reread.sGet(QStringLiteral("WavFile")).toText(), wav);
+    EXPECT_FALSE(reread.sGet(QStringLiteral("NoSounds")).toBool());
+    EXPECT_TRUE(reread.sGet(QStringLiteral("SilentStart")).toBool());
+    EXPECT_TRUE(reread.sGet(QStringLiteral("NoAutoBackups")).toBool());
+    EXPECT_FALSE(reread.sGet(QStringLiteral("DisableAutoUpdateCheck")).toBool());
+}
+
+TEST_F(OptionsWindow, DataPathWithBackslashLosesItsLastSeparatorOnly) {
+    existingWav();
+    open();
+    box("txtDatapath")->setText(QStringLiteral("C:\\Data\\"));
+    button("cmdSave")->click();
+    EXPECT_EQ(settings.sGet(QStringLiteral("DataPath")).toText(), QStringLiteral("C:\\Data"));
+}
+
+TEST_F(OptionsWindow, MissingSoundFileTurnsSoundsOffUnlessAlreadyOff) {
+    open();
+    box("txtAlarmWav")->setText(home.file(QStringLiteral("nothing.wav")));
+    button("cmdSave")->click();
+    EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("Cannot find specified WAV file. Sounds disabled.")});
+    EXPECT_TRUE(settings.sGet(QStringLiteral("NoSounds")).toBool());
+
+    dialogs.clear();
+    open();
+    EXPECT_TRUE(check("chkNoSound")->isChecked());
+    button("cmdSave")->click();
+    EXPECT_EQ(dialogs.count(), 0);
+}
+
+TEST_F(OptionsWindow, SwitchingToSingleUserStoresSingleAndTakesOverTheEvents) {
+    existingWav();
+    const QString folder = sharedFolder("Fred\r\n");
+    settings.sSet(QStringLiteral("SharedDataPath"), folder);
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred"));
+    settings.sSet(QStringLiteral("Networked"), true);
+    auto mine = std::make_shared<clsEvent>();
+    mine->setOwner(QStringLiteral("Fred"));
+    mine->setDesc(QStringLiteral("mine"));
+    events.StoreRecord(mine);
+    shared.AttachTo(events);
+
+    open();
+    button("optSingle")->click();
+    button("cmdSave")->click();
+    EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
+    EXPECT_FALSE(settings.sGet(QStringLiteral("Networked")).toBool());
+    EXPECT_EQ(mine->Owner(), QStringLiteral("Single"));
+    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
+    EXPECT_FALSE(events.Publishing()) << "single-user mode publishes nothing";
+    EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/Shared_Single.xml")));
+}
+
+TEST_F(OptionsWindow, NewNetworkIdRenamesWipesTheOldSharedFileAndPublishes) {
+    existingWav();
+    const QString folder = sharedFolder("Fred\r\n");
+    settings.sSet(QStringLiteral("SharedDataPath"), folder);
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred"));
+    settings.sSet(QStringLiteral("Networked"), true);
+    auto sharedOne = std::make_shared<clsEvent>();
+    sharedOne->setOwner(QStringLiteral("Fred"));
+    sharedOne->setDesc(QStringLiteral("team"));
+    sharedOne->SharedEvent = true;
+    events.StoreRecord(sharedOne);
+    auto old = std::make_shared<clsEvent>();
+    old->setOwner(QStringLiteral("Fred"));
+    expired.StoreRecord(old);
+    shared.PublishSharedEvents(events);
+    ASSERT_TRUE(QFileInfo::exists(folder + QStringLiteral("/Shared_Fred.xml")));
+
+    open();
+    box("txtOwner")->setText(QStringLiteral("Frederick"));
+    button("cmdSave")->click();
+    ASSERT_EQ(dialogs.count(), 0) << dialogs.lastText().toStdString();
+    EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Frederick"));
+    EXPECT_EQ(settings.sGet(QStringLiteral("SharedDataPath")).toText(), folder + QLatin1Char('/'));
+    EXPECT_EQ(sharedOne->Owner(), QStringLiteral("Frederick"));
+    EXPECT_EQ(old->Owner(), QStringLiteral("Frederick")) << "expired events too";
+
+    clsDbXml oldFile(settings, &layers);
+    oldFile.LoadDB(folder + QStringLiteral("/Shared_Fred.xml"));
+    EXPECT_TRUE(oldFile.Events().isEmpty()) << "the old name's shared file is emptied";
+    clsDbXml newFile(settings, &layers);
+    newFile.LoadDB(folder + QStringLiteral("/Shared_Frederick.xml"));
+    ASSERT_EQ(newFile.Events().size(), 1);
+    EXPECT_EQ(newFile.Events().first()->Desc(), QStringLiteral("team"));
+    EXPECT_TRUE(events.Publishing());
+}
+
+TEST_F(OptionsWindow, UnsafeNetworkIdIsRefusedWithNothingStored) {
+    existingWav();
+    settings.sSet(QStringLiteral("SharedDataPath"), sharedFolder());
+    open();
+    button("optNetworked")->click();
+    box("txtOwner")->setText(QStringLiteral("..\\..\\Fred"));
+    button("cmdSave")->click();
+    ASSERT_EQ(dialogs.count(), 1);
+    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("shared folder"))) << dialogs.lastText().toStdString();
+    EXPECT_TRUE(window->Cancelled());
+    EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("Owner")));
+    EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
+}
+
+TEST_F(OptionsWindow, CancelAndTheCloseBoxStoreNothing) {
+    open();
+    check("chkSilentStart")->click();
+    button("cmdAbort")->click();
+    EXPECT_TRUE(window->Cancelled());
+    EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("SilentStart")));
+
+    open();
+    window->show();
+    window->close();
+    EXPECT_TRUE(window->Cancelled());
+    EXPECT_EQ(settings.SettingsCount(), 0);
+}
+
+TEST_F(OptionsWindow, BrowseButtonsUseTheChoosers) {
+    open();
+    dialogs.answerText(QStringLiteral("/srv/tarvo"));
+    button("cmdDatapath")->click();
+    EXPECT_EQ(dialogs.shown().last().kind, ScriptedDialogs::Kind::Folder);
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Select the storage path for your data files"));
+    EXPECT_EQ(box("txtDatapath")->text(), QStringLiteral("/srv/tarvo"));
+
+    dialogs.answerText(QStringLiteral("/srv/bell.wav"));
+    button("cmdPickWav")->click();
+    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("WAV files (*.wav)|*.wav"));
+    EXPECT_EQ(box("txtAlarmWav")->text(), QStringLiteral("/srv/bell.wav"));
+
+    button("cmdPickWav")->click(); // cancelled
+    EXPECT_EQ(box("txtAlarmWav")->text(), QStringLiteral("/srv/bell.wav"));
+
+    button("cmdHomePage")->click();
+    EXPECT_EQ(openedUrls, QList<QUrl>{frmOptions::HomePage()});
+}
+
+TEST_F(OptionsWindow, FirstTimeSetupBeforeAnyDatabaseIsLoaded) {
+    events.SetDBFilename({});
+    expired.SetDBFilename({});
+    existingWav();
+    WhenModalAppears([](QWidget* options) {
+        options->findChild<QAbstractButton*>(QStringLiteral("cmdSave"))->click();
+    });
+    EXPECT_TRUE(frmOptions::RunFirstTimeSetup(context));
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral("Reminder options not set. Please type in requested information.")});
+    EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
+    EXPECT_TRUE(QFileInfo::exists(context.settingsFile));
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
+}
+
+TEST_F(OptionsWindow, CancelledFirstTimeSetupEndsTheProgram) {
+    WhenModalAppears([](QWidget* options) {
+        options->findChild<QAbstractButton*>(QStringLiteral("cmdAbort"))->click();
+    });
+    EXPECT_FALSE(frmOptions::RunFirstTimeSetup(context));
+    EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
+}
+
+TEST(Options2, LoadsDefaultsAndSavesTheSubset) {
+    TempHome home;
+    cSHAREDSettings settings;
+    const QString file = home.file(QStringLiteral("Tvo.ini"));
+    clsOptions2 options(settings, file, home.file(QStringLiteral("data/Events.xml")));
+    options.LoadOptions();
+    EXPECT_EQ(options.Owner(), QStringLiteral("Not Set"));
+    EXPECT_EQ(options.DateStyle(), 1);
+    EXPECT_FALSE(options.Networked());
+    EXPECT_FALSE(options.NoSounds());
+    EXPECT_EQ(options.Datapath(), AppPaths::HomeFolder());
+    EXPECT_EQ(options.WavFile(), AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav")));
+    EXPECT_EQ(options.SharedDBFilename(), home.file(QStringLiteral("data/Shared_Not Set.xml")));
+
+    options.setOwner(QStringLiteral("Ann"));
+    options.setSharedDBFilename(QStringLiteral("/net/Shared_Ann.xml"));
+    options.setNetworked(true);
+    options.setDateStyle(2);
+    ASSERT_TRUE(options.SaveOptions());
+
+    cSHAREDSettings other;
+    clsOptions2 again(other, file);
+    again.LoadOptions();
+    EXPECT_EQ(again.Owner(), QStringLiteral("Ann"));
+    EXPECT_TRUE(again.Networked());
+    EXPECT_EQ(again.DateStyle(), 2);
+    EXPECT_EQ(other.sGet(QStringLiteral("SharedDatapath")).toText(), QStringLiteral("/net/"));
+    EXPECT_EQ(again.SharedDBFilename(), QStringLiteral("/net/Shared_Ann.xml"));
+}
+
+} // namespace

@@ -23,10 +23,10 @@ namespace {
 
 using Col = EventListModel::Column;
 
-struct EventSpec {
-    EventSpec(QString d, QString dueDate = {}, QString who = QStringLiteral("Ann"),
-              int16_t layerNo = 1, bool isShared = false, bool withSpecific = false,
-              QString shareNames = {})
+struct NewEvent {
+    NewEvent(QString d, QString dueDate = {}, QString who = QStringLiteral("Ann"),
+             int16_t layerNo = 1, bool isShared = false, bool withSpecific = false,
+             QString shareNames = {})
         : desc(std::move(d)), due(std::move(dueDate)), owner(std::move(who)), layer(layerNo),
           shared(isShared), specific(withSpecific), names(std::move(shareNames)) {}
     QString desc;
@@ -48,7 +48,7 @@ protected:
         m_logStart = LoggedTexts().size();
     }
 
-    static EventPtr Make(const EventSpec& s) {
+    static EventPtr Make(const NewEvent& s) {
         auto e = std::make_shared<clsEvent>();
         e->setDesc(s.desc);
         e->setDueDate(D(s.due));
@@ -60,14 +60,14 @@ protected:
         e->ShareNames = s.names;
         return e;
     }
-    EventPtr Add(clsDbXml& db, const EventSpec& s) {
+    EventPtr Add(clsDbXml& db, const NewEvent& s) {
         EventPtr e = Make(s);
         db.StoreRecord(e);
         return e;
     }
 
     // Makes "Bob" a networked user whose shared file holds these events.
-    void ShareFromBob(const QList<EventSpec>& specs) {
+    void ShareFromBob(const QList<NewEvent>& list) {
         const QString folder = home.file(QStringLiteral("shared"));
         QDir().mkpath(folder);
         settings.sSet(QStringLiteral("Networked"), SettingValue(true));
@@ -79,7 +79,7 @@ protected:
         clsDbXml bob(bobSettings);
         bob.SetDBFilename(
             QDir(folder).filePath(SharedDatabases::SharedFileName(QStringLiteral("Bob"))));
-        for (const EventSpec& s : specs) {
+        for (const NewEvent& s : list) {
             bob.StoreRecord(Make(s));
         }
         bob.SaveDB();
@@ -116,7 +116,7 @@ protected:
 
 TEST_F(EventList, CellTextsOfOneRow) {
     const struct {
-        EventSpec spec;
+        NewEvent event;
         std::optional<int> dateStyle;
         QStringList cells; // Left, Day, Date, Year, Event, Layer, Owner, Type, Shared With
     } cases[] = {
@@ -155,13 +155,13 @@ TEST_F(EventList, CellTextsOfOneRow) {
          {"0000", "Thu", "03/05", "2009", "Not shared", "Layer 1", "", "", ""}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.spec.desc.toStdString());
+        SCOPED_TRACE(c.event.desc.toStdString());
         if (c.dateStyle) {
             settings.sSet(QStringLiteral("DateStyle"), SettingValue(*c.dateStyle));
         } else {
             settings.DeleteSettingByName(QStringLiteral("DateStyle"));
         }
-        const EventPtr e = Make(c.spec);
+        const EventPtr e = Make(c.event);
         model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
         ASSERT_EQ(model.rowCount(), 1);
         EXPECT_EQ(Column(0).size(), 1);
@@ -173,13 +173,13 @@ TEST_F(EventList, CellTextsOfOneRow) {
         EXPECT_EQ(cells, c.cells);
         EXPECT_EQ(model.IDCode(0), e->IDCode);
         EXPECT_EQ(model.event(0), e);
-        EXPECT_EQ(e->Layer(), c.spec.layer) << "listing an event does not change it";
+        EXPECT_EQ(e->Layer(), c.event.layer) << "listing an event does not change it";
     }
 }
 
 TEST_F(EventList, MarkersAndEventCellColours) {
     const struct {
-        EventSpec spec;
+        NewEvent event;
         int daysLeft;
         const char* marker;
         QColor colour;
@@ -193,10 +193,10 @@ TEST_F(EventList, MarkersAndEventCellColours) {
         {{"other user expired", "", "Bob"}, -2, "E", QColor(255, 0, 0)},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.spec.desc.toStdString());
-        EventSpec spec = c.spec;
-        spec.due = QStringLiteral("2009-03-05");
-        const EventPtr e = Make(spec);
+        SCOPED_TRACE(c.event.desc.toStdString());
+        NewEvent event = c.event;
+        event.due = QStringLiteral("2009-03-05");
+        const EventPtr e = Make(event);
         e->setDaysLeft(c.daysLeft);
         model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
         EXPECT_EQ(model.marker(0), QString::fromLatin1(c.marker));
@@ -258,8 +258,8 @@ TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
 }
 
 TEST_F(EventList, PastSharedEventIsMovedToItsNextDate) {
-    EventSpec spec{"Bob's fortnightly", "2009-02-01", "Bob", 1, true};
-    const EventPtr e = Make(spec);
+    NewEvent event{"Bob's fortnightly", "2009-02-01", "Bob", 1, true};
+    const EventPtr e = Make(event);
     e->setRecurring(true);
     e->setRecurrenceType(clsEvent::EveryXDays);
     e->setPeriod(14);

@@ -39,8 +39,9 @@ QListWidget* makeList(QWidget* parent, const QString& name, const QStringList& i
     auto* list = new QListWidget(parent);
     list->setObjectName(name);
     list->addItems(items);
+    // Whole rows only: a sliver of a further row looks like a drawing fault.
     const int row = list->sizeHintForRow(0) > 0 ? list->sizeHintForRow(0) : list->fontMetrics().height() + 2;
-    list->setFixedHeight(row * rows + 2 * list->frameWidth() + 2);
+    list->setFixedHeight(row * rows + 2 * list->frameWidth());
     int width = 0;
     for (const QString& item : items) {
         width = std::max(width, list->fontMetrics().horizontalAdvance(item));
@@ -204,6 +205,8 @@ void frmEvent::buildControls() {
         // Weekdays down the first column, the weekend in the second.
         daysGrid->addWidget(box, i <= 5 ? i - 1 : i - 6, i <= 5 ? 0 : 1);
     }
+    daysGrid->setColumnMinimumWidth(0, 140);
+    daysGrid->setColumnStretch(2, 1);
     fraEvent.append(frame);
 
     // 1: day of month.
@@ -351,6 +354,7 @@ void frmEvent::buildControls() {
     actions->addWidget(chkEmailTo, 2, 0);
     actions->addWidget(txtEmailAlert, 2, 1, 1, 5);
     actions->setColumnStretch(2, 1);
+    actions->setRowStretch(3, 1);
 
     // Sharing (networked mode only).
     FrameShared = new QGroupBox(S("Sharing"), this);

@@ -213,6 +213,7 @@ void frmOptions::buildControls() {
     layout->addWidget(FrameNetwork);
     layout->addLayout(lowerRow);
     layout->addLayout(buttons);
+    setMinimumWidth(640);
 
     const QList<QWidget*> order = {txtDatapath,      cmdDatapath,    txtAlarmWav,    cmdPickWav,    chkNoSound,
                                    optSingle,        optNetworked,   txtSharedDBPath, txtOwner,     cmdAddUser,

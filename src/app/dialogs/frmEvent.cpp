@@ -94,7 +94,10 @@ QLabel* frmEvent::makeDateLabel(const QString& name) {
     label->setCursor(Qt::PointingHandCursor);
     label->setFocusPolicy(Qt::StrongFocus);
     label->setToolTip(QString::fromLatin1(kDatePrompt));
-    label->setFrameShape(QFrame::StyledPanel);
+    // A framed, underlined text that shows when it has the keyboard focus
+    // (Space or Enter then opens the date picker).
+    label->setStyleSheet(QStringLiteral("QLabel { border: 1px solid palette(mid); padding: 1px 4px; }"
+                                        "QLabel:focus { border: 1px solid palette(highlight); }"));
     label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QStringLiteral("MM/DD/YYYY")) + 16);
     QFont font = label->font();
     font.setUnderline(true);

@@ -188,6 +188,10 @@ TEST_F(EventEditor, EveryXDaysNeedsAPickedStartDate) {
     ASSERT_EQ(dialogs.shown().last().kind, ScriptedDialogs::Kind::Date);
     EXPECT_EQ(dialogs.lastText(), QStringLiteral("Enter start date for this event"));
     EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("01/04/2009"));
+    dialogs.answerCancel();
+    QTest::keyClick(label("lblDailyStartDate"), Qt::Key_Space);
+    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("2009-04-01")) << "the picker starts at the shown date";
+    EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("01/04/2009")) << "cancel keeps it";
     save();
     ASSERT_TRUE(window->Saved());
     EXPECT_EQ(event.Period(), 10);

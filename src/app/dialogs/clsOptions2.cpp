@@ -13,7 +13,7 @@ QString clsOptions2::FolderPart(const QString& path) {
 }
 
 QString clsOptions2::WithSeparator(const QString& path) {
-    if (path.isEmpty() || path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1Char('\\'))) {
+    if (path.trimmed().isEmpty() || path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1Char('\\'))) {
         return path;
     }
     const bool backslashes = path.contains(QLatin1Char('\\')) && !path.contains(QLatin1Char('/'));

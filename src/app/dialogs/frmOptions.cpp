@@ -377,6 +377,13 @@ void frmOptions::cmdSave_Click() {
             m_context.dialogs.Message(problem, {}, UserDialogs::Icon::Warning);
             return;
         }
+        // Without a folder the shared file would land wherever the program
+        // happens to run.
+        if (txtSharedDBPath->text().trimmed().isEmpty()) {
+            m_context.dialogs.Message(S("Networked use needs the path to the shared data folder."), {},
+                                      UserDialogs::Icon::Warning);
+            return;
+        }
     }
 
     settings.sSet(QStringLiteral("DisableAutoUpdateCheck"), chkDisableAutoUpdate->isChecked());

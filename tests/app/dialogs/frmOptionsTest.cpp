@@ -287,7 +287,7 @@ TEST_F(OptionsWindow, NewNetworkIdRenamesWipesTheOldSharedFileAndPublishes) {
     EXPECT_TRUE(events.Publishing());
 }
 
-TEST_F(OptionsWindow, UnsafeNetworkIdIsRefusedWithNothingStored) {
+TEST_F(OptionsWindow, UnsafeNetworkIdOrNoSharedFolderIsRefusedWithNothingStored) {
     existingWav();
     settings.sSet(QStringLiteral("SharedDataPath"), sharedFolder());
     open();
@@ -299,6 +299,13 @@ TEST_F(OptionsWindow, UnsafeNetworkIdIsRefusedWithNothingStored) {
     EXPECT_TRUE(window->Cancelled());
     EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("Owner")));
     EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
+
+    dialogs.clear();
+    box("txtOwner")->setText(QStringLiteral("Fred"));
+    box("txtSharedDBPath")->setText(QStringLiteral(" "));
+    button("cmdSave")->click();
+    EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("Networked use needs the path to the shared data folder.")});
+    EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("Owner")));
 }
 
 TEST_F(OptionsWindow, CancelAndTheCloseBoxStoreNothing) {

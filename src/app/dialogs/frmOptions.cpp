@@ -506,7 +506,9 @@ void frmOptions::closeEvent(QCloseEvent* event) {
     QDialog::closeEvent(event);
 }
 
-bool ShowFirstTimeOptions(AppContext& context, QWidget* parent) {
+bool frmOptions::RunFirstTimeSetup(AppContext& context, QWidget* parent) {
+    Log().LogEvent(QStringLiteral("Reminder options not set. First time setup."));
+    context.dialogs.Message(S("Reminder options not set. Please type in requested information."));
     while (context.settings.sGet(QStringLiteral("Owner"), kNotSet).toText() == kNotSet) {
         frmOptions window(context, parent);
         window.exec();

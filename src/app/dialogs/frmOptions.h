@@ -30,6 +30,13 @@ public:
 
     bool Cancelled() const { return m_cancelled; }
 
+    // Start-up's first-time setup, while the owner is still "Not Set": logs
+    // it, tells the user, and shows the window until an owner is stored.
+    // False when the user cancelled; the program then ends. Runs before any
+    // database is loaded: databases without a file name are left alone by
+    // the owner change.
+    static bool RunFirstTimeSetup(AppContext& context, QWidget* parent = nullptr);
+
     // Where "TVO Home Page" goes, and how (tests replace the opener).
     static QUrl HomePage();
     void setUrlOpener(std::function<bool(const QUrl&)> opener) { m_openUrl = std::move(opener); }
@@ -90,10 +97,3 @@ private:
     QPushButton* cmdSave = nullptr;
     QPushButton* cmdAbort = nullptr;
 };
-
-// First-time setup at start-up, while the owner is still "Not Set" (the
-// caller has logged it and told the user): shows the options window until an
-// owner is stored. False when the user cancelled; the program then ends.
-// Runs before any database is loaded: databases without a file name are left
-// alone by the owner change.
-bool ShowFirstTimeOptions(AppContext& context, QWidget* parent = nullptr);

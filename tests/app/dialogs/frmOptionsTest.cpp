@@ -360,8 +360,10 @@ TEST_F(OptionsWindow, FirstTimeSetupBeforeAnyDatabaseIsLoaded) {
     WhenModalAppears([](QWidget* options) {
         options->findChild<QAbstractButton*>(QStringLiteral("cmdSave"))->click();
     });
-    EXPECT_TRUE(ShowFirstTimeOptions(context));
-    EXPECT_EQ(dialogs.count(), 0);
+    EXPECT_TRUE(frmOptions::RunFirstTimeSetup(context));
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral(
+                  "Reminder options not set. Please type in requested information.")});
     EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
     EXPECT_TRUE(QFileInfo::exists(context.settingsFile));
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
@@ -371,7 +373,7 @@ TEST_F(OptionsWindow, CancelledFirstTimeSetupEndsTheProgram) {
     WhenModalAppears([](QWidget* options) {
         options->findChild<QAbstractButton*>(QStringLiteral("cmdAbort"))->click();
     });
-    EXPECT_FALSE(ShowFirstTimeOptions(context));
+    EXPECT_FALSE(frmOptions::RunFirstTimeSetup(context));
     EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
 }
 

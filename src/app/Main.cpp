@@ -1,9 +1,24 @@
 #include "app/Main.h"
 
+#include "app/AppContext.h"
+#include "app/QuitOnSignal.h"
+#include "app/SingleInstance.h"
+#include "app/StartUp.h"
+#include "app/dialogs/frmOptions.h"
+#include "app/frmMain.h"
 #include "shared/AppInfo.h"
 #include "shared/AppPaths.h"
+#include "shared/AppResources.h"
 #include "shared/Clock.h"
+#include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "shared/ui/ErrorReportWindowSink.h"
+#include "shared/ui/QtFileOpener.h"
+#include "shared/ui/QtSoundPlayer.h"
+#include "shared/ui/QtUserDialogs.h"
+#include "storage/SharedDatabases.h"
+#include "storage/clsDbXml.h"
+#include "storage/clsLayers.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -12,23 +27,50 @@
 int Main(QApplication& app) {
     QApplication::setApplicationName(AppInfo::Title());
     QApplication::setApplicationVersion(AppInfo::VersionText());
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/tarvo.png")));
+    AppResources::Init();
+    QApplication::setWindowIcon(QIcon(QString::fromLatin1(AppResources::kIcon)));
+    QApplication::setQuitOnLastWindowClosed(false); // the tray keeps the program alive
 
-    QTextStream err(stderr);
     if (!Clock::initFromEnvironment()) {
-        err << "Ignoring " << Clock::kEnvironmentVariable << "=\""
-            << qEnvironmentVariable(Clock::kEnvironmentVariable)
-            << "\": expected \"YYYY-MM-DD HH:MM\".\n";
+        QTextStream(stderr) << "Ignoring " << Clock::kEnvironmentVariable
+                            << ": expected \"YYYY-MM-DD HH:MM\".\n";
     }
 
-    // Each run begins a fresh log.
-    Log().LogEvent(QStringLiteral("TVO Startup"), true);
+    // One copy per user and home folder: a second one wakes the first and ends.
+    if (SingleInstance::HandOver(QStringLiteral("SHOW"))) {
+        return 0;
+    }
 
-    QTextStream out(stdout);
-    out << AppInfo::Title() << ' ' << AppInfo::VersionText() << ": start-up reached the log ("
-        << Log().CurrentLogFilename() << ").\n"
-        << "There is no main window yet; the program ends here.\n";
+    ErrorReportWindowSink errorReports; // errors the user must see open the report window
+    QtUserDialogs dialogs;
+    cSHAREDSettings settings(&dialogs);
+    clsLayers layers(settings);
+    clsDbXml events(settings, &layers);
+    clsDbXml expired(settings, &layers);
+    SharedDatabases shared(settings, layers);
+    QtFileOpener opener;
+    QtSoundPlayer player;
+    AppContext context{settings,
+                       AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Tvo.ini")),
+                       layers,
+                       events,
+                       expired,
+                       shared,
+                       dialogs,
+                       opener,
+                       player};
+
+    StartUp startUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
+    if (!startUp.Run()) {
+        return 0;
+    }
+
+    Log().LogEvent(QStringLiteral("Loading main form"));
+    frmMain window(context);
+    dialogs.setParentWidget(&window);
+    window.FormLoad(startUp.SilentStart());
+    QuitOnSignal([&window] { window.Quit(); });
+    const int code = app.exec();
     Log().WriteActionsToLog();
-    Q_UNUSED(app);
-    return 0;
+    return code;
 }

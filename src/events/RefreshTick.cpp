@@ -29,3 +29,5 @@ void RefreshTick::TimerRefresh_Timer() {
         m_hooks.setTimerEnabled(true);
     }
 }
+
+void RefreshTick::markDaySeen() { m_day = static_cast<int16_t>(DayOf(Now())); }

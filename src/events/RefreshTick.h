@@ -24,6 +24,11 @@ public:
 
     void TimerRefresh_Timer();
 
+    // Records today as seen, for when the day's reminders were just shown
+    // another way (the main window's start-up), so the next tick does not
+    // show them a second time.
+    void markDaySeen();
+
     // Day of the month seen at the last tick (0 before the first one).
     int16_t storedDay() const { return m_day; }
 

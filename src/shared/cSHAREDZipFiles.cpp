@@ -117,8 +117,7 @@ bool cSHAREDZipFiles::MakeZipFile() {
         return false;
     }
     for (const QString& path : std::as_const(present)) {
-        zip_source_t* source =
-            zip_source_file(archive, QFile::encodeName(path).constData(), 0, -1);
+        zip_source_t* source = zip_source_file(archive, QFile::encodeName(path).constData(), 0, -1);
         const QByteArray name = entryName(path).toUtf8();
         if (source == nullptr ||
             zip_file_add(archive, name.constData(), source, ZIP_FL_ENC_UTF_8) < 0) {
@@ -137,8 +136,8 @@ bool cSHAREDZipFiles::MakeZipFile() {
         zip_discard(archive);
         return false;
     }
-    m_lastMessage = QString::number(present.size()) + QStringLiteral(" files zipped to ") +
-                    m_zipFileName;
+    m_lastMessage =
+        QString::number(present.size()) + QStringLiteral(" files zipped to ") + m_zipFileName;
     if (!missing.isEmpty()) {
         m_lastMessage += QStringLiteral("; not found: ") + missing.join(QStringLiteral(", "));
     }

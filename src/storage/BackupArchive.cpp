@@ -27,7 +27,8 @@ QStringList BackupFileList(const BackupSources& sources) {
 }
 
 QString BackupArchivePath(const QString& kind, DateValue today) {
-    const QString folder = AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Autobackups"));
+    const QString folder =
+        AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Autobackups"));
     const QString weekday = QLocale().dayName(ToQDate(today).dayOfWeek(), QLocale::ShortFormat);
     return AppPaths::JoinPath(folder, weekday + QLatin1Char(' ') + kind + QStringLiteral(".zip"));
 }

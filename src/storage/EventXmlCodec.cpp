@@ -14,6 +14,7 @@
 #include <cstring>
 #include <limits>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace EventXmlCodec {
@@ -60,19 +61,23 @@ enum Field : int {
 // Written as "DayNumber"; the reader has always asked for "Daynumber", which
 // only works because tags are matched without regard to case.
 constexpr std::array<std::string_view, kFieldCount> kTags = {
-    "IDCode",      "AlarmSet",       "AlarmTime",   "DayNumber",       "DayOfMonth",
-    "DayOfWeek",   "DaysLeft",       "DaysWarning", "Deleted",         "MailSent",
-    "Desc",        "DueDate",        "DueTime",     "Layer",           "SharedLayerName",
-    "Email",       "MinutesWarning", "MonthNumber", "Owner",           "Period",
-    "RecurrenceType", "Recurring",   "StartDate",   "WeekDays",        "SharedEvent",
-    "ExecFile",    "Filename",       "WavFile",     "PlayWav",         "ShareWithSpecific",
+    "IDCode",         "AlarmSet",       "AlarmTime",   "DayNumber", "DayOfMonth",
+    "DayOfWeek",      "DaysLeft",       "DaysWarning", "Deleted",   "MailSent",
+    "Desc",           "DueDate",        "DueTime",     "Layer",     "SharedLayerName",
+    "Email",          "MinutesWarning", "MonthNumber", "Owner",     "Period",
+    "RecurrenceType", "Recurring",      "StartDate",   "WeekDays",  "SharedEvent",
+    "ExecFile",       "Filename",       "WavFile",     "PlayWav",   "ShareWithSpecific",
     "ShareNames"};
 
 constexpr std::size_t kMaxTagLength = 17; // "ShareWithSpecific"
 
-// "\t\t<Tag>" and "</Tag>\r\n" for the writer.
+// "\t\t<Tag>" and "</Tag>\r\n" for the writer; the longer of the two is
+// the tag and five more bytes.
+constexpr std::size_t kTagTextCapacity = kMaxTagLength + 8;
+static_assert(kTagTextCapacity >= kMaxTagLength + 5);
+
 struct TagText {
-    std::array<char, kMaxTagLength + 4> text{};
+    std::array<char, kTagTextCapacity> text{};
     std::size_t size = 0;
 };
 
@@ -95,7 +100,9 @@ struct TagTexts {
 
 const TagTexts kTagTexts;
 
-inline char lowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
+inline char lowerAscii(char c) {
+    return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+}
 
 // Field names in lower case. Names are letters only, and for a letter L a
 // byte b is L in either case exactly when (b | 0x20) equals lower-case L.
@@ -110,13 +117,10 @@ struct LowerTags {
     }
 };
 
-const LowerTags& lowerTags() {
-    static const LowerTags tags;
-    return tags;
-}
+const LowerTags kLowerTags;
 
 inline bool isName(const char* p, int f) {
-    const char* lower = lowerTags().names[f].data();
+    const char* lower = kLowerTags.names[f].data();
     const std::size_t n = kTags[f].size();
     for (std::size_t i = 0; i < n; ++i) {
         if (static_cast<char>(p[i] | 0x20) != lower[i]) {
@@ -159,7 +163,8 @@ int fieldOfName(const char* name, std::size_t len) {
 // [from, end); nullptr when none.
 const char* findTagNoCase(const char* from, const char* end, std::string_view needle) {
     while (from < end) {
-        const auto* lt = static_cast<const char*>(std::memchr(from, '<', static_cast<std::size_t>(end - from)));
+        const auto* lt =
+            static_cast<const char*>(std::memchr(from, '<', static_cast<std::size_t>(end - from)));
         if (lt == nullptr || static_cast<std::size_t>(end - lt) < needle.size()) {
             return nullptr;
         }
@@ -249,10 +254,13 @@ constexpr Civil civilFromDays(qint64 z) {
     return {y + (m <= 2 ? 1 : 0), m, d};
 }
 
-bool isLeap(qint64 y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
+bool isLeap(qint64 y) {
+    return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
+}
 
 unsigned daysInMonth(qint64 y, unsigned m) {
-    static constexpr std::array<unsigned, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    static constexpr std::array<unsigned, 12> kDays = {31, 28, 31, 30, 31, 30,
+                                                       31, 31, 30, 31, 30, 31};
     return m == 2 && isLeap(y) ? 29 : kDays[m - 1];
 }
 
@@ -312,7 +320,9 @@ char* writeFast(char* buf, DateValue v, bool withTime) {
     return buf + 16;
 }
 
-inline bool isDigit(char c) { return c >= '0' && c <= '9'; }
+inline bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // "YYYY-MM-DD" or "YYYY-MM-DD HH:MM" exactly, as the writer writes them.
 std::optional<DateValue> parseWrittenDate(QByteArrayView t) {
@@ -374,7 +384,9 @@ DateValue parseDateTime(QByteArrayView t) {
 // Numbers: blanks around allowed, fractions rounded half to even, as the
 // locale's integer conversion does.
 
-inline bool isBlank(char c) { return c == ' ' || c == '\t'; }
+inline bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
 
 qint64 parseInteger(QByteArrayView t, qint64 min, qint64 max) {
     const char* p = t.data();
@@ -425,7 +437,9 @@ int32_t toInt32(QByteArrayView t) {
         parseInteger(t, std::numeric_limits<int32_t>::min(), std::numeric_limits<int32_t>::max()));
 }
 
-inline bool toBoolean(QByteArrayView t) { return t.size() == 2 && t[0] == '-' && t[1] == '1'; }
+inline bool toBoolean(QByteArrayView t) {
+    return t.size() == 2 && t[0] == '-' && t[1] == '1';
+}
 
 // ---------------------------------------------------------------------------
 // Writing: into a buffer sized beforehand for the block's longest form, so
@@ -433,19 +447,23 @@ inline bool toBoolean(QByteArrayView t) { return t.size() == 2 && t[0] == '-' &&
 
 constexpr std::string_view kBlockStart = "<TVO2>\r\n\t<EVENT>\r\n";
 constexpr std::string_view kBlockEnd = "\t</EVENT>\r\n</TVO2>";
-constexpr std::size_t kMaxNumber = 12;   // "-2147483648"
-constexpr std::size_t kMaxDate = 24;     // the slow path's widest form
+constexpr std::size_t kMaxNumber = 12; // "-2147483648"
+constexpr std::size_t kMaxDate = 24;   // the slow path's widest form
 constexpr int kNumberFields = 13;
 constexpr int kDateFields = 5;
 constexpr int kBoolFields = 10;
+constexpr std::size_t kSlack = kTagTextCapacity; // see put(char*, TagText)
 
 inline char* put(char* p, std::string_view s) {
     std::memcpy(p, s.data(), s.size());
     return p + s.size();
 }
 
+// Copies the whole fixed-size array (a constant-size copy the compiler
+// inlines) and moves on by the text's length; the block's buffer has slack
+// for the bytes beyond it.
 inline char* put(char* p, const TagText& t) {
-    std::memcpy(p, t.text.data(), t.size);
+    std::memcpy(p, t.text.data(), t.text.size());
     return p + t.size;
 }
 
@@ -460,24 +478,50 @@ char* putAnsi(char* p, const QString& text) {
     return p + n;
 }
 
-inline bool keptAsIs(char16_t c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ':' ||
-           c == '.' || c == ',' || c == '?';
+// Letters, digits and ": . , ?" are written as they are.
+constexpr std::array<bool, 128> kKeptAsIs = [] {
+    std::array<bool, 128> keep{};
+    for (int c = 0; c < 128; ++c) {
+        keep[c] = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+                  c == ':' || c == '.' || c == ',' || c == '?';
+    }
+    return keep;
+}();
+
+// How a character is written: ASCII ones by this table (themselves, or "%"
+// and two hex digits), any other as "%" and the hex of its Windows-1252 byte
+// (which may be that of "?"). Four bytes are copied and the pointer moves
+// on by the length.
+struct PercentForm {
+    std::array<char, 4> text{};
+    std::size_t size = 0;
+};
+
+constexpr std::array<PercentForm, 256> makePercentForms(bool keepAscii) {
+    constexpr char kHex[] = "0123456789ABCDEF";
+    std::array<PercentForm, 256> forms{};
+    for (int b = 0; b < 256; ++b) {
+        if (keepAscii && b < 128 && kKeptAsIs[b]) {
+            forms[b].text[0] = static_cast<char>(b);
+            forms[b].size = 1;
+        } else {
+            forms[b].text = {'%', kHex[b >> 4], kHex[b & 0xF], 0};
+            forms[b].size = 3;
+        }
+    }
+    return forms;
 }
 
+constexpr std::array<PercentForm, 256> kAsciiForms = makePercentForms(true);
+constexpr std::array<PercentForm, 256> kEscapedForms = makePercentForms(false);
+
 char* putPercent(char* p, const QString& text) {
-    static constexpr char kHex[] = "0123456789ABCDEF";
     const AnsiTables& t = ansi();
     for (const QChar qc : text) {
         const char16_t c = qc.unicode();
-        if (keptAsIs(c)) {
-            *p++ = static_cast<char>(c);
-            continue;
-        }
-        const unsigned char code = c < 0x80 ? static_cast<unsigned char>(c) : t.fromUnicode[c];
-        *p++ = '%';
-        *p++ = kHex[code >> 4];
-        *p++ = kHex[code & 0xF];
+        const PercentForm& form = c < 0x80 ? kAsciiForms[c] : kEscapedForms[t.fromUnicode[c]];
+        std::memcpy(p, form.text.data(), form.text.size());
+        p += form.size;
     }
     return p;
 }
@@ -557,7 +601,7 @@ void AppendAnsi(QByteArray& out, const QString& text) {
 }
 
 QByteArray PercentEncode(const QString& text) {
-    QByteArray out(text.size() * 3, Qt::Uninitialized);
+    QByteArray out(text.size() * 3 + 1, Qt::Uninitialized); // +1: putPercent copies four bytes
     out.truncate(putPercent(out.data(), text) - out.constData());
     return out;
 }
@@ -611,11 +655,12 @@ void AppendYMDHM(QByteArray& out, DateValue v) {
 }
 
 void AppendBlock(QByteArray& out, const clsEvent& e) {
-    const qsizetype bound = static_cast<qsizetype>(kBlockStart.size() + kBlockEnd.size() + kTagTexts.total +
-                                                   kNumberFields * kMaxNumber + kDateFields * kMaxDate +
-                                                   kBoolFields * 2) +
-                            e.IDCode.size() + e.SharedLayerName.size() + e.Email.size() + e.Owner().size() +
-                            e.Filename.size() + e.WavFile.size() + 3 * (e.Desc().size() + e.ShareNames.size());
+    const qsizetype bound = static_cast<qsizetype>(kBlockStart.size() + kBlockEnd.size() +
+                                                   kTagTexts.total + kNumberFields * kMaxNumber +
+                                                   kDateFields * kMaxDate + kBoolFields * 2) +
+                            e.IDCode.size() + e.SharedLayerName.size() + e.Email.size() +
+                            e.Owner().size() + e.Filename.size() + e.WavFile.size() +
+                            3 * (e.Desc().size() + e.ShareNames.size());
     const qsizetype start = out.size();
     out.resize(start + bound);
     FieldWriter w{put(out.data() + start, kBlockStart)};
@@ -672,7 +717,7 @@ QString TextCache::Text(int slot, QByteArrayView raw) {
 }
 
 EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module,
-                   TextCache* cache) {
+                    TextCache* cache) {
     const char* begin = block.data();
     const char* end = begin + block.size();
 
@@ -714,8 +759,8 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
         expected = f + 1;
         const char* valueStart = gt + 1;
         const char* next = scanTo(valueStart, end, '<');
-        if (static_cast<std::size_t>(end - next) >= len + 3 && next[1] == '/' && next[len + 2] == '>' &&
-            isName(next + 2, f)) {
+        if (static_cast<std::size_t>(end - next) >= len + 3 && next[1] == '/' &&
+            next[len + 2] == '>' && isName(next + 2, f)) {
             quickEnd[f] = next;
             p = next + len + 3;
         } else {
@@ -762,38 +807,101 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
             // a conversion error for numbers and dates.
             const QByteArrayView v = open[f] != nullptr ? value(f) : QByteArrayView();
             switch (f) {
-            case fIDCode: e.IDCode = FromAnsi(v); break;
-            case fAlarmSet: e.setAlarmSet(toBoolean(v)); break;
-            case fAlarmTime: e.setAlarmTime(parseDateTime(v)); break;
-            case fDayNumber: e.setDaynumber(toInt16(v)); break;
-            case fDayOfMonth: e.setDayOfMonth(toInt16(v)); break;
-            case fDayOfWeek: e.setDayOfWeek(toInt16(v)); break;
-            case fDaysLeft: e.setDaysLeft(toInt32(v)); break;
-            case fDaysWarning: e.setDaysWarning(toInt16(v)); break;
-            case fDeleted: e.Deleted = toBoolean(v); break;
-            case fMailSent: e.MailSent = toBoolean(v); break;
-            case fDesc: e.setDesc(PercentDecode(v)); break;
-            case fDueDate: e.setDueDate(parseDateTime(v)); break;
-            case fDueTime: e.setDueTime(parseDateTime(v)); break;
-            case fLayer: e.setLayer(toInt16(v)); break;
-            case fSharedLayerName: e.SharedLayerName = text(0, v); break;
-            case fEmail: e.Email = text(1, v); break;
-            case fMinutesWarning: e.setMinutesWarning(toInt16(v)); break;
-            case fMonthNumber: e.setMonthNumber(toInt16(v)); break;
-            case fOwner: e.setOwner(text(2, v)); break;
-            case fPeriod: e.setPeriod(toInt16(v)); break;
-            case fRecurrenceType: e.setRecurrenceType(toInt32(v)); break;
-            case fRecurring: e.setRecurring(toBoolean(v)); break;
-            case fStartDate: e.setStartDate(parseDateTime(v)); break;
-            case fWeekDays: e.setWeekDays(toInt16(v)); break;
-            case fSharedEvent: e.SharedEvent = toBoolean(v); break;
-            case fExecFile: e.ExecFile = toBoolean(v); break;
-            case fFilename: e.Filename = text(3, v); break;
-            case fWavFile: e.WavFile = text(4, v); break;
-            case fPlayWav: e.PlayWav = toBoolean(v); break;
-            case fShareWithSpecific: e.ShareWithSpecific = toBoolean(v); break;
-            case fShareNames: e.ShareNames = PercentDecode(v); break;
-            default: break;
+            case fIDCode:
+                e.IDCode = FromAnsi(v);
+                break;
+            case fAlarmSet:
+                e.setAlarmSet(toBoolean(v));
+                break;
+            case fAlarmTime:
+                e.setAlarmTime(parseDateTime(v));
+                break;
+            case fDayNumber:
+                e.setDaynumber(toInt16(v));
+                break;
+            case fDayOfMonth:
+                e.setDayOfMonth(toInt16(v));
+                break;
+            case fDayOfWeek:
+                e.setDayOfWeek(toInt16(v));
+                break;
+            case fDaysLeft:
+                e.setDaysLeft(toInt32(v));
+                break;
+            case fDaysWarning:
+                e.setDaysWarning(toInt16(v));
+                break;
+            case fDeleted:
+                e.Deleted = toBoolean(v);
+                break;
+            case fMailSent:
+                e.MailSent = toBoolean(v);
+                break;
+            case fDesc:
+                e.setDesc(PercentDecode(v));
+                break;
+            case fDueDate:
+                e.setDueDate(parseDateTime(v));
+                break;
+            case fDueTime:
+                e.setDueTime(parseDateTime(v));
+                break;
+            case fLayer:
+                e.setLayer(toInt16(v));
+                break;
+            case fSharedLayerName:
+                e.SharedLayerName = text(0, v);
+                break;
+            case fEmail:
+                e.Email = text(1, v);
+                break;
+            case fMinutesWarning:
+                e.setMinutesWarning(toInt16(v));
+                break;
+            case fMonthNumber:
+                e.setMonthNumber(toInt16(v));
+                break;
+            case fOwner:
+                e.setOwner(text(2, v));
+                break;
+            case fPeriod:
+                e.setPeriod(toInt16(v));
+                break;
+            case fRecurrenceType:
+                e.setRecurrenceType(toInt32(v));
+                break;
+            case fRecurring:
+                e.setRecurring(toBoolean(v));
+                break;
+            case fStartDate:
+                e.setStartDate(parseDateTime(v));
+                break;
+            case fWeekDays:
+                e.setWeekDays(toInt16(v));
+                break;
+            case fSharedEvent:
+                e.SharedEvent = toBoolean(v);
+                break;
+            case fExecFile:
+                e.ExecFile = toBoolean(v);
+                break;
+            case fFilename:
+                e.Filename = text(3, v);
+                break;
+            case fWavFile:
+                e.WavFile = text(4, v);
+                break;
+            case fPlayWav:
+                e.PlayWav = toBoolean(v);
+                break;
+            case fShareWithSpecific:
+                e.ShareWithSpecific = toBoolean(v);
+                break;
+            case fShareNames:
+                e.ShareNames = PercentDecode(v);
+                break;
+            default:
+                break;
             }
         } catch (const RuntimeError& error) {
             Log().AddAction(error.logText(), procedure, module);

@@ -47,7 +47,7 @@ private:
 // field at its default; a field that does not convert is logged under
 // procedure/module and left at its default, the other fields are still read.
 EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module,
-                   TextCache* cache = nullptr);
+                    TextCache* cache = nullptr);
 
 // Whether hay holds needle (which starts with '<'), ignoring ASCII case.
 bool ContainsNoCase(QByteArrayView hay, std::string_view needle);

@@ -10,8 +10,11 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <algorithm>
+
 SharedDatabases::SharedDatabases(cSHAREDSettings& settings, clsLayers& layers)
-    : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers), m_publish(settings, &layers) {
+    : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers),
+      m_publish(settings, &layers) {
     m_sharedSet.setNetworked(true);
 }
 
@@ -36,13 +39,33 @@ void SharedDatabases::AttachTo(clsDbXml& local) {
 }
 
 void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
+    if (SharedFolder().trimmed().isEmpty()) {
+        // Without a shared folder the file would land wherever the program
+        // happens to run.
+        Log().AddAction(QStringLiteral("No shared data path set. Shared events not published."),
+                        QStringLiteral("PublishSharedEvents"), QStringLiteral("SharedDatabases"));
+        return;
+    }
     const QString owner = m_publish.CurrentOwner();
+    // The owner name becomes part of a file name in the shared folder; one
+    // that could point elsewhere or that a file name cannot hold is refused
+    // here too, not only in the options.
+    static const QString kRefused = QStringLiteral("\\/:*?\"<>|");
+    if (owner.trimmed().isEmpty() || std::any_of(owner.cbegin(), owner.cend(), [](QChar c) {
+            return kRefused.contains(c) || c < u' ';
+        })) {
+        Log().AddAction(
+            QStringLiteral("Owner name unusable as a file name. Shared events not published."),
+            QStringLiteral("PublishSharedEvents"), QStringLiteral("SharedDatabases"));
+        return;
+    }
     m_publish.SetDBFilename(OwnSharedFile());
     // Loads the file, marks this user's old events deleted and saves, so only
     // what follows is published under this name.
     m_publish.WipeRecordsByOwner(owner);
     for (const EventPtr& event : local.Events()) {
-        if ((event->SharedEvent || event->Layer() == clsLayers::kShared) && TextEqual(event->Owner(), owner)) {
+        if ((event->SharedEvent || event->Layer() == clsLayers::kShared) &&
+            TextEqual(event->Owner(), owner)) {
             event->SharedLayerName = m_layers.Layer(event->Layer());
             m_publish.StoreRecord(event);
         }
@@ -51,7 +74,11 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
     ReloadSharedSet();
 }
 
-void SharedDatabases::ReloadSharedSet() { m_sharedSet.LoadMultiple(UserListFile()); }
+void SharedDatabases::ReloadSharedSet() {
+    // No shared folder: an empty set rather than a list file looked up
+    // wherever the program runs.
+    m_sharedSet.LoadMultiple(SharedFolder().trimmed().isEmpty() ? QString() : UserListFile());
+}
 
 QStringList SharedDatabases::ReadUserList(const QString& listPath) {
     QFile file(listPath);
@@ -59,8 +86,8 @@ QStringList SharedDatabases::ReadUserList(const QString& listPath) {
         return {};
     }
     if (!file.open(QIODevice::ReadOnly)) {
-        Log().AddAction(file.errorString() + QStringLiteral(" (75)"), QStringLiteral("ReadUserList"),
-                        QStringLiteral("SharedDatabases"));
+        Log().AddAction(file.errorString() + QStringLiteral(" (75)"),
+                        QStringLiteral("ReadUserList"), QStringLiteral("SharedDatabases"));
         return {};
     }
     QStringList names;
@@ -81,8 +108,8 @@ bool SharedDatabases::WriteUserList(const QString& listPath, const QStringList& 
     }
     QSaveFile file(listPath);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
-        Log().AddAction(file.errorString() + QStringLiteral(" (75)"), QStringLiteral("WriteUserList"),
-                        QStringLiteral("SharedDatabases"));
+        Log().AddAction(file.errorString() + QStringLiteral(" (75)"),
+                        QStringLiteral("WriteUserList"), QStringLiteral("SharedDatabases"));
         return false;
     }
     return true;

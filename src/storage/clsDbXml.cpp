@@ -35,11 +35,15 @@ constexpr std::string_view kEndTag = "</EVENT>";
 // The first "</EVENT>" (exact case) at or after from, or -1. Looks for its
 // "V", a byte that is rare elsewhere in the file, and checks around it.
 qsizetype findEndTag(const QByteArray& bytes, qsizetype from) {
+    if (bytes.size() - from < static_cast<qsizetype>(kEndTag.size())) {
+        return -1;
+    }
     const char* data = bytes.constData();
     const char* end = data + bytes.size();
     const char* p = data + from + 3; // "V" is the fourth byte of the tag
     while (p < end) {
-        const auto* v = static_cast<const char*>(std::memchr(p, 'V', static_cast<std::size_t>(end - p)));
+        const auto* v =
+            static_cast<const char*>(std::memchr(p, 'V', static_cast<std::size_t>(end - p)));
         if (v == nullptr) {
             return -1;
         }
@@ -53,16 +57,20 @@ qsizetype findEndTag(const QByteArray& bytes, qsizetype from) {
 }
 } // namespace
 
-
 clsDbXml::clsDbXml(cSHAREDSettings& settings, clsLayers* layers)
     : m_settings(settings), m_layers(layers) {}
 
-clsDbXml::~clsDbXml() { clearList(); }
+clsDbXml::~clsDbXml() {
+    clearList();
+}
 
-void clsDbXml::SetDBFilename(const QString& path) { m_fileName = path; }
+void clsDbXml::SetDBFilename(const QString& path) {
+    m_fileName = path;
+}
 
 QString clsDbXml::CurrentOwner() const {
-    return m_settings.sGet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Not Set"))).toText();
+    return m_settings.sGet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Not Set")))
+        .toText();
 }
 
 qint64 clsDbXml::fileStamp(const QString& path) {
@@ -309,7 +317,8 @@ void clsDbXml::StoreRecord(const EventPtr& event, bool asNew) {
 
 void clsDbXml::WipeDiskFile() {
     if (!m_fileName.isEmpty() && QFileInfo::exists(m_fileName) && !QFile::remove(m_fileName)) {
-        Log().AddAction(QStringLiteral("Permission denied (70)"), QStringLiteral("WipeDiskFile"), kModule);
+        Log().AddAction(QStringLiteral("Permission denied (70)"), QStringLiteral("WipeDiskFile"),
+                        kModule);
     }
 }
 

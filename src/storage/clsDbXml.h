@@ -75,7 +75,9 @@ public:
     void setNetworked(bool on) { m_networked = on; }
     // When a publisher is set, SaveDB ends by calling it with this database
     // (the user's shared events are then rewritten; see SharedDatabases).
-    void setPublisher(std::function<void(clsDbXml&)> publisher) { m_publisher = std::move(publisher); }
+    void setPublisher(std::function<void(clsDbXml&)> publisher) {
+        m_publisher = std::move(publisher);
+    }
     bool Publishing() const { return static_cast<bool>(m_publisher); }
     bool IsMergedSet() const { return m_mergedSet; }
     // The files of a merged set, in list order.
@@ -115,9 +117,9 @@ private:
     mutable QHash<QString, int> m_idCounts;
     mutable bool m_indexValid = true;
     QString m_fileName;
-    qint64 m_stamp = 0;             // ms since the epoch; 0 = file absent
-    QStringList m_sharedFiles;      // merged set: files in list order
-    QList<qint64> m_sharedStamps;   // and their stamps when loaded (0 = absent)
+    qint64 m_stamp = 0;           // ms since the epoch; 0 = file absent
+    QStringList m_sharedFiles;    // merged set: files in list order
+    QList<qint64> m_sharedStamps; // and their stamps when loaded (0 = absent)
     bool m_mergedSet = false;
     bool m_networked = false;
     std::function<void(clsDbXml&)> m_publisher;

@@ -7,7 +7,9 @@
 namespace {
 const QString kModule = QStringLiteral("clsLayers");
 
-bool inRange(int index) { return index >= 0 && index < clsLayers::kCount; }
+bool inRange(int index) {
+    return index >= 0 && index < clsLayers::kCount;
+}
 } // namespace
 
 clsLayers::clsLayers(cSHAREDSettings& settings) : m_settings(settings) {
@@ -26,11 +28,14 @@ QString clsLayers::DefaultName(int index) {
     return QStringLiteral("Layer ") + QString::number(index);
 }
 
-QString clsLayers::SettingKey(int index) { return QStringLiteral("Layer") + QString::number(index); }
+QString clsLayers::SettingKey(int index) {
+    return QStringLiteral("Layer") + QString::number(index);
+}
 
 QString clsLayers::Layer(int index) const {
     if (!inRange(index)) {
-        Log().AddAction(QStringLiteral("Subscript out of range (9)"), QStringLiteral("Layer"), kModule);
+        Log().AddAction(QStringLiteral("Subscript out of range (9)"), QStringLiteral("Layer"),
+                        kModule);
         return {};
     }
     return m_names[index];
@@ -38,7 +43,8 @@ QString clsLayers::Layer(int index) const {
 
 void clsLayers::setLayer(int index, const QString& name) {
     if (!inRange(index)) {
-        Log().AddAction(QStringLiteral("Subscript out of range (9)"), QStringLiteral("Layer"), kModule);
+        Log().AddAction(QStringLiteral("Subscript out of range (9)"), QStringLiteral("Layer"),
+                        kModule);
         return;
     }
     m_names[index] = name;

@@ -2,12 +2,14 @@
 
 #include "shared/AppPaths.h"
 #include "shared/AppResources.h"
+#include "shared/AtomicFile.h"
 #include "shared/TextCodec.h"
+#include "shared/TextEqual.h"
+#include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace {
 const QString kModule = QStringLiteral("clsSounds");
@@ -17,7 +19,7 @@ const QString kLineEnd = QString::fromLatin1(TextCodec::kLineEnd);
 // line without a comma.
 bool lineIdMatches(const QString& line, const QString& idCode) {
     const qsizetype comma = line.indexOf(QLatin1Char(','));
-    return comma >= 0 && line.left(comma).trimmed() == idCode.trimmed();
+    return comma >= 0 && TextEqual(line.left(comma), idCode);
 }
 } // namespace
 
@@ -96,12 +98,8 @@ void clsSounds::Delete(const QString& idCode) {
 }
 
 bool clsSounds::save() {
-    QSaveFile file(EventWavsFilename());
-    if (!file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    file.write(TextCodec::ToWindows1252(m_lines.join(kLineEnd)));
-    return file.commit();
+    return AtomicFile::Write(EventWavsFilename(), TextCodec::ToWindows1252(m_lines.join(kLineEnd)))
+        .ok();
 }
 
 bool WriteDefaultAlarmWav(const QString& path) {
@@ -110,12 +108,26 @@ bool WriteDefaultAlarmWav(const QString& path) {
     }
     AppResources::Init();
     QFile source(QString::fromLatin1(AppResources::kAlarmWav));
-    QSaveFile target(path);
-    if (!source.open(QIODevice::ReadOnly) || !target.open(QIODevice::WriteOnly) ||
-        target.write(source.readAll()) != source.size() || !target.commit()) {
-        Log().AddAction(QStringLiteral("Unable to write ") + path,
+    if (!source.open(QIODevice::ReadOnly)) {
+        Log().AddAction(source.errorString() + QStringLiteral(": ") + source.fileName(),
                         QStringLiteral("WriteDefaultAlarmWav"), kModule);
         return false;
     }
-    return true;
+    const AtomicFile::Result result = AtomicFile::Write(path, source.readAll());
+    if (!result.ok()) {
+        Log().AddAction(result.description + QStringLiteral(": ") + path,
+                        QStringLiteral("WriteDefaultAlarmWav"), kModule);
+    }
+    return result.ok();
+}
+
+QString DefaultWavFile(cSHAREDSettings& settings) {
+    const QString homeWav = AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav"));
+    QString wav = settings.sGet(QStringLiteral("WavFile"), SettingValue(homeWav)).toText();
+    if (!QFileInfo::exists(wav)) {
+        wav = homeWav;
+        settings.sSet(QStringLiteral("WavFile"), SettingValue(wav));
+        WriteDefaultAlarmWav(homeWav);
+    }
+    return wav;
 }

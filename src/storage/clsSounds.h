@@ -26,7 +26,7 @@ public:
     // Reads the file into the line list (a missing file is an empty table).
     void Initialise();
     QString EventWavsFilename() const;
-    // 0-based line of idCode (compared trimmed), or -1. Lines without a comma
+    // 0-based line of idCode (blanks and letter case ignored), or -1. Lines without a comma
     // never match.
     int IDCodePresent(const QString& idCode);
 

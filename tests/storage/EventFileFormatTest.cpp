@@ -71,42 +71,41 @@ TEST_F(EventFileFormat, OneEventIsWrittenFieldByFieldInTheFileOrder) {
     e->ShareWithSpecific = true;
     e->ShareNames = QStringLiteral("Bob\r\nCarl\r\n");
 
-    const QByteArray expected = Header() +
-        "<TVO2>\r\n"
-        "\t<EVENT>\r\n"
-        "\t\t<IDCode>012345</IDCode>\r\n"
-        "\t\t<AlarmSet>-1</AlarmSet>\r\n"
-        "\t\t<AlarmTime>1899-12-30 10:15</AlarmTime>\r\n"
-        "\t\t<DayNumber>-2</DayNumber>\r\n"
-        "\t\t<DayOfMonth>31</DayOfMonth>\r\n"
-        "\t\t<DayOfWeek>7</DayOfWeek>\r\n"
-        "\t\t<DaysLeft>-40000</DaysLeft>\r\n"
-        "\t\t<DaysWarning>3</DaysWarning>\r\n"
-        "\t\t<Deleted>0</Deleted>\r\n"
-        "\t\t<MailSent>0</MailSent>\r\n"
-        "\t\t<Desc>Dentist%2010:30,%20room%204</Desc>\r\n"
-        "\t\t<DueDate>2009-03-05</DueDate>\r\n"
-        "\t\t<DueTime>1899-12-30 10:30</DueTime>\r\n"
-        "\t\t<Layer>4</Layer>\r\n"
-        "\t\t<SharedLayerName>Work</SharedLayerName>\r\n"
-        "\t\t<Email>a@b.c;d@e.f</Email>\r\n"
-        "\t\t<MinutesWarning>15</MinutesWarning>\r\n"
-        "\t\t<MonthNumber>13</MonthNumber>\r\n"
-        "\t\t<Owner>Ann</Owner>\r\n"
-        "\t\t<Period>2</Period>\r\n"
-        "\t\t<RecurrenceType>2</RecurrenceType>\r\n"
-        "\t\t<Recurring>-1</Recurring>\r\n"
-        "\t\t<StartDate>2008-01-31</StartDate>\r\n"
-        "\t\t<WeekDays>254</WeekDays>\r\n"
-        "\t\t<SharedEvent>-1</SharedEvent>\r\n"
-        "\t\t<ExecFile>0</ExecFile>\r\n"
-        "\t\t<Filename>C:\\a b\\run.bat</Filename>\r\n"
-        "\t\t<WavFile>/snd/ding.wav</WavFile>\r\n"
-        "\t\t<PlayWav>-1</PlayWav>\r\n"
-        "\t\t<ShareWithSpecific>-1</ShareWithSpecific>\r\n"
-        "\t\t<ShareNames>Bob%0D%0ACarl%0D%0A</ShareNames>\r\n"
-        "\t</EVENT>\r\n"
-        "</TVO2>\r\n";
+    const QByteArray expected = Header() + "<TVO2>\r\n"
+                                           "\t<EVENT>\r\n"
+                                           "\t\t<IDCode>012345</IDCode>\r\n"
+                                           "\t\t<AlarmSet>-1</AlarmSet>\r\n"
+                                           "\t\t<AlarmTime>1899-12-30 10:15</AlarmTime>\r\n"
+                                           "\t\t<DayNumber>-2</DayNumber>\r\n"
+                                           "\t\t<DayOfMonth>31</DayOfMonth>\r\n"
+                                           "\t\t<DayOfWeek>7</DayOfWeek>\r\n"
+                                           "\t\t<DaysLeft>-40000</DaysLeft>\r\n"
+                                           "\t\t<DaysWarning>3</DaysWarning>\r\n"
+                                           "\t\t<Deleted>0</Deleted>\r\n"
+                                           "\t\t<MailSent>0</MailSent>\r\n"
+                                           "\t\t<Desc>Dentist%2010:30,%20room%204</Desc>\r\n"
+                                           "\t\t<DueDate>2009-03-05</DueDate>\r\n"
+                                           "\t\t<DueTime>1899-12-30 10:30</DueTime>\r\n"
+                                           "\t\t<Layer>4</Layer>\r\n"
+                                           "\t\t<SharedLayerName>Work</SharedLayerName>\r\n"
+                                           "\t\t<Email>a@b.c;d@e.f</Email>\r\n"
+                                           "\t\t<MinutesWarning>15</MinutesWarning>\r\n"
+                                           "\t\t<MonthNumber>13</MonthNumber>\r\n"
+                                           "\t\t<Owner>Ann</Owner>\r\n"
+                                           "\t\t<Period>2</Period>\r\n"
+                                           "\t\t<RecurrenceType>2</RecurrenceType>\r\n"
+                                           "\t\t<Recurring>-1</Recurring>\r\n"
+                                           "\t\t<StartDate>2008-01-31</StartDate>\r\n"
+                                           "\t\t<WeekDays>254</WeekDays>\r\n"
+                                           "\t\t<SharedEvent>-1</SharedEvent>\r\n"
+                                           "\t\t<ExecFile>0</ExecFile>\r\n"
+                                           "\t\t<Filename>C:\\a b\\run.bat</Filename>\r\n"
+                                           "\t\t<WavFile>/snd/ding.wav</WavFile>\r\n"
+                                           "\t\t<PlayWav>-1</PlayWav>\r\n"
+                                           "\t\t<ShareWithSpecific>-1</ShareWithSpecific>\r\n"
+                                           "\t\t<ShareNames>Bob%0D%0ACarl%0D%0A</ShareNames>\r\n"
+                                           "\t</EVENT>\r\n"
+                                           "</TVO2>\r\n";
     const QByteArray bytes = SaveBytes({e});
     EXPECT_EQ(bytes, expected);
 
@@ -133,7 +132,8 @@ TEST_F(EventFileFormat, SpecialCharactersSurviveARoundTripByteForByte) {
     auto e = MakeEvent(desc);
     e->IDCode = QStringLiteral("000001");
     const QByteArray bytes = SaveBytes({e});
-    EXPECT_TRUE(bytes.contains("<Desc>Caf%E9%20%3Cb%3E%20%26%20100%25%20done%0D%0Anext%20line</Desc>"));
+    EXPECT_TRUE(
+        bytes.contains("<Desc>Caf%E9%20%3Cb%3E%20%26%20100%25%20done%0D%0Anext%20line</Desc>"));
 
     const QList<EventPtr> back = LoadBytes(bytes);
     ASSERT_EQ(back.size(), 1);
@@ -157,20 +157,19 @@ TEST_F(EventFileFormat, RawTextFieldsAreWrittenUnescapedAndCutAtTheirClosingTag)
 }
 
 TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
-    const QByteArray bytes = Header() + Block(
-        "\t\t<IDCode>111111</IDCode>\r\n"
-        "\t\t<AlarmSet>- 1</AlarmSet>\r\n"
-        "\t\t<Recurring>1</Recurring>\r\n"
-        "\t\t<PlayWav>-1</PlayWav>\r\n"
-        "\t\t<DaysWarning>7x</DaysWarning>\r\n"
-        "\t\t<DayOfMonth>99999</DayOfMonth>\r\n"
-        "\t\t<Desc>Still%20here</Desc>\r\n"
-        "\t\t<DueDate>2009-02-30</DueDate>\r\n"
-        "\t\t<StartDate>2010-06-01 13:30</StartDate>\r\n"
-        "\t\t<Layer> 5 </Layer>\r\n"
-        "\t\t<MonthNumber>2.5</MonthNumber>\r\n"
-        "\t\t<WeekDays>3.5</WeekDays>\r\n"
-        "\t\t<Owner>Bob</Owner>\r\n");
+    const QByteArray bytes = Header() + Block("\t\t<IDCode>111111</IDCode>\r\n"
+                                              "\t\t<AlarmSet>- 1</AlarmSet>\r\n"
+                                              "\t\t<Recurring>1</Recurring>\r\n"
+                                              "\t\t<PlayWav>-1</PlayWav>\r\n"
+                                              "\t\t<DaysWarning>7x</DaysWarning>\r\n"
+                                              "\t\t<DayOfMonth>99999</DayOfMonth>\r\n"
+                                              "\t\t<Desc>Still%20here</Desc>\r\n"
+                                              "\t\t<DueDate>2009-02-30</DueDate>\r\n"
+                                              "\t\t<StartDate>2010-06-01 13:30</StartDate>\r\n"
+                                              "\t\t<Layer> 5 </Layer>\r\n"
+                                              "\t\t<MonthNumber>2.5</MonthNumber>\r\n"
+                                              "\t\t<WeekDays>3.5</WeekDays>\r\n"
+                                              "\t\t<Owner>Bob</Owner>\r\n");
     const QList<EventPtr> back = LoadBytes(bytes);
     ASSERT_EQ(back.size(), 1);
     const clsEvent& e = *back.first();
@@ -188,16 +187,17 @@ TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
     EXPECT_EQ(e.MonthNumber(), 2) << "half rounds to even";
     EXPECT_EQ(e.WeekDays(), 4);
     EXPECT_EQ(e.Owner(), QStringLiteral("Bob"));
-    EXPECT_TRUE(Logged(QStringLiteral("Type mismatch (13) in TransferXMLToObject of module clsDbXml")));
+    EXPECT_TRUE(
+        Logged(QStringLiteral("Type mismatch (13) in TransferXMLToObject of module clsDbXml")));
     EXPECT_TRUE(Logged(QStringLiteral("Overflow (6) in TransferXMLToObject")));
 }
 
 TEST_F(EventFileFormat, TagsAreFoundWithoutRegardToCaseAndBlocksBySplittingAtTheEndTag) {
-    const QByteArray bytes = "garbage before" + Block(
-        "<daynumber>3</DAYNUMBER><DESC>x</desc><Owner>Single</Owner>") +
-        Block("<Desc>gone</Desc><Deleted>-1</Deleted>") +
-        "<tvo2><event><Desc>lower%20case</Desc><Owner></Owner></EVENT>" +
-        "<TVO2><EVENT><Desc>no end tag</Desc>";
+    const QByteArray bytes = "garbage before" +
+                             Block("<daynumber>3</DAYNUMBER><DESC>x</desc><Owner>Single</Owner>") +
+                             Block("<Desc>gone</Desc><Deleted>-1</Deleted>") +
+                             "<tvo2><event><Desc>lower%20case</Desc><Owner></Owner></EVENT>" +
+                             "<TVO2><EVENT><Desc>no end tag</Desc>";
     const QList<EventPtr> back = LoadBytes(bytes);
     ASSERT_EQ(back.size(), 3);
     EXPECT_EQ(back[0]->Daynumber(), 3);
@@ -219,7 +219,9 @@ TEST_F(EventFileFormat, AValueRunsToItsFirstClosingTagWithRepeatedOpeningTagsRem
         {"<Desc>x</DESC >y</Desc>", QStringLiteral("x</DESC >y")},
         {"<Desc></Desc><Desc>second</Desc>", QString()},
         {"<Desc>%41%4g%GG%zz|%4</Desc>", QString::fromLatin1("A\x04\0\0|%4", 7)},
-        {"<Desc>%%41</Desc>", QString::fromLatin1("\0" "1", 2)},
+        {"<Desc>%%41</Desc>", QString::fromLatin1("\0"
+                                                  "1",
+                                                  2)},
         {"<Desc>%e9t%C3%A9</Desc>", QStringLiteral("\u00e9t\u00c3\u00a9")},
     };
     for (const Case& c : cases) {
@@ -234,7 +236,8 @@ TEST_F(EventFileFormat, PercentEncodingKeepsOnlyLettersDigitsAndFourMarks) {
     EXPECT_EQ(EventXmlCodec::PercentEncode(QStringLiteral(" \t\n;/%-_~@")),
               QByteArray("%20%09%0A%3B%2F%25%2D%5F%7E%40"));
     // Windows-1252 codes, upper-case hex; what the code page lacks becomes "?".
-    EXPECT_EQ(EventXmlCodec::PercentEncode(QStringLiteral("\u20ac\u00ff\u0416")), QByteArray("%80%FF%3F"));
+    EXPECT_EQ(EventXmlCodec::PercentEncode(QStringLiteral("\u20ac\u00ff\u0416")),
+              QByteArray("%80%FF%3F"));
 }
 
 TEST_F(EventFileFormat, AnsiTablesAgreeWithTheSystemConversion) {
@@ -256,8 +259,9 @@ TEST_F(EventFileFormat, AnsiTablesAgreeWithTheSystemConversion) {
 }
 
 TEST_F(EventFileFormat, DatesAreWrittenAsTheSharedFormattingWritesThem) {
-    QList<DateValue> values = {0.0, 1.0, -1.25, -0.5, 2.999999999, 39876.75, 2958465.99999,
-                               -657434.0, 0.041666666, 39876.0 + 59.0 / 1440 + 29.9 / 86400};
+    QList<DateValue> values = {
+        0.0,      1.0,           -1.25,     -0.5,        2.999999999,
+        39876.75, 2958465.99999, -657434.0, 0.041666666, 39876.0 + 59.0 / 1440 + 29.9 / 86400};
     QRandomGenerator random(7);
     for (int i = 0; i < 2000; ++i) {
         values.append(-657433.0 + random.bounded(2958465.0 + 657433.0));
@@ -278,7 +282,8 @@ TEST_F(EventFileFormat, TransferFunctionsConvertOneBlock) {
     e->IDCode = QStringLiteral("424242");
     e->setDueDate(D("2020-02-29"));
     const QString block = db.TransferObjectToXML(*e);
-    EXPECT_TRUE(block.startsWith(QStringLiteral("<TVO2>\r\n\t<EVENT>\r\n\t\t<IDCode>424242</IDCode>\r\n")));
+    EXPECT_TRUE(
+        block.startsWith(QStringLiteral("<TVO2>\r\n\t<EVENT>\r\n\t\t<IDCode>424242</IDCode>\r\n")));
     EXPECT_TRUE(block.endsWith(QStringLiteral("\t</EVENT>\r\n</TVO2>")));
     const EventPtr back = db.TransferXMLToObject(block);
     EXPECT_EQ(back->Desc(), e->Desc());

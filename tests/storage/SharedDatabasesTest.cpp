@@ -180,4 +180,30 @@ TEST_F(SharedFolder, AMissingUserListGivesAnEmptySetAndTheMergedSetIsNeverSaved)
     EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
 }
 
+TEST_F(SharedFolder, AnOwnerNameThatCouldLeaveTheFolderPublishesNothing) {
+    for (const QString& owner : {QStringLiteral("../Ann"), QStringLiteral("a\\b"),
+                                 QStringLiteral("x:y"), QStringLiteral("  ")}) {
+        User user(owner, folder, home.path());
+        user.Add(QStringLiteral("layer zero"), 0, false);
+        user.local->SaveDB();
+        EXPECT_EQ(QDir(folder).entryList(QDir::Files), (QStringList{"TVOShared.ini"}))
+            << owner.toStdString();
+        EXPECT_FALSE(QFile::exists(home.file(QStringLiteral("Ann.xml"))));
+    }
+    EXPECT_TRUE(Logged(QStringLiteral("Owner name unusable as a file name.")));
+}
+
+TEST_F(SharedFolder, WithoutASharedFolderNothingIsPublishedOrRead) {
+    User ann(QStringLiteral("Ann"), QString(), home.path());
+    const QString cwd = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder)); // where a relative name would land
+    ann.Add(QStringLiteral("layer zero"), 0, false);
+    ann.local->SaveDB();
+    ann.shared->ReloadSharedSet();
+    QDir::setCurrent(cwd);
+    EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
+    EXPECT_EQ(ann.shared->SharedSet().RecordCount(), 0);
+    EXPECT_TRUE(Logged(QStringLiteral("No shared data path set.")));
+}
+
 } // namespace

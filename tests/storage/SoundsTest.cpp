@@ -1,5 +1,6 @@
 #include "storage/clsSounds.h"
 
+#include "shared/cSHAREDSettings.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
@@ -12,7 +13,9 @@ protected:
     void WriteTable(const QByteArray& bytes) {
         ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("EventWavs.ini")), bytes));
     }
-    QByteArray TableBytes() const { return ReadFileBytes(home.file(QStringLiteral("EventWavs.ini"))); }
+    QByteArray TableBytes() const {
+        return ReadFileBytes(home.file(QStringLiteral("EventWavs.ini")));
+    }
 
     TempHome home;
     clsSounds sounds{home.path()};
@@ -23,7 +26,8 @@ TEST_F(SoundsTest, LooksUpSoundsByIdCode) {
                "no comma here\r\n"
                " 222222 ,/home/ann/My, Sounds/gong.wav\r\n"
                "333333,/a.wav,extra\r\n"
-               "444444,/gl\xf6" "ckchen.wav\r\n");
+               "444444,/gl\xf6"
+               "ckchen.wav\r\n");
     struct Case {
         const char* id;
         int line;
@@ -95,6 +99,39 @@ TEST(DefaultAlarmWav, BuiltInSoundIsWrittenOnlyWhenMissing) {
     ASSERT_TRUE(WriteFileBytes(path, "user's own sound"));
     EXPECT_TRUE(WriteDefaultAlarmWav(path));
     EXPECT_EQ(ReadFileBytes(path), QByteArray("user's own sound"));
+}
+
+TEST(DefaultAlarmWav, MissingSoundFallsBackToTheHomeFolderAndIsStoredBack) {
+    TempHome home;
+    const QString homeWav = home.file(QStringLiteral("alarm.wav"));
+    struct Case {
+        const char* name;
+        std::optional<QString> setting; // none: the key is absent
+        bool userFileExists;
+    };
+    const QString userWav = home.file(QStringLiteral("mine.wav"));
+    const Case cases[] = {
+        {"absent key", std::nullopt, false},
+        {"file gone", home.file(QStringLiteral("gone.wav")), false},
+        {"empty value", QString(), false},
+        {"own sound", userWav, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        QFile::remove(homeWav);
+        cSHAREDSettings settings;
+        if (c.setting) {
+            settings.sSet(QStringLiteral("WavFile"), SettingValue(*c.setting));
+        }
+        if (c.userFileExists) {
+            ASSERT_TRUE(WriteFileBytes(userWav, "RIFF"));
+        }
+        const QString expected = c.userFileExists ? userWav : homeWav;
+        EXPECT_EQ(DefaultWavFile(settings), expected);
+        EXPECT_EQ(settings.sGet(QStringLiteral("WavFile")).toText(), expected);
+        // The fallback sound is there to be played.
+        EXPECT_EQ(QFileInfo::exists(homeWav), !c.userFileExists);
+    }
 }
 
 } // namespace

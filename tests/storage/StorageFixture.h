@@ -41,7 +41,9 @@ protected:
         return false;
     }
 
-    static QByteArray Header() { return QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\r\n"); }
+    static QByteArray Header() {
+        return QByteArrayLiteral("<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\r\n");
+    }
 
     qsizetype m_logStart = 0;
     TempHome home;

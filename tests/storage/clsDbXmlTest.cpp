@@ -91,7 +91,8 @@ TEST_F(DbXml, CodesStayUniqueAcrossManyStoresDeletedRecordsIncluded) {
 }
 
 TEST_F(DbXml, ABlockWithoutCodeGetsOneWhenStored) {
-    ASSERT_TRUE(WriteFileBytes(path(), Header() + "<TVO2><EVENT><Desc>x</Desc></EVENT></TVO2>\r\n"));
+    ASSERT_TRUE(
+        WriteFileBytes(path(), Header() + "<TVO2><EVENT><Desc>x</Desc></EVENT></TVO2>\r\n"));
     db.LoadDB(path());
     ASSERT_EQ(db.RecordCount(), 1);
     const EventPtr e = db.Events().first();
@@ -264,11 +265,67 @@ TEST_F(DbXml, OwnerOperationsCompareTrimmedNamesAndSave) {
     EXPECT_EQ(db.Events().first()->Owner(), QStringLiteral("Zoe"));
 }
 
+TEST_F(DbXml, NetworkedLoadingFiltersByShareNamesAndMapsLayersByName) {
+    layers.LoadLayers();
+    for (int i = 1; i <= 18; ++i) {
+        layers.setLayer(i, QStringLiteral("Mine %1").arg(i)); // only 19 is free
+    }
+    struct Row {
+        const char* desc;
+        bool specific;
+        const char* names;
+        const char* layerName;
+        int16_t layer;
+        bool visible;
+        int16_t loadedLayer;
+    };
+    const Row rows[] = {
+        {"for all, known layer", false, "", "Mine 4", 9, true, 4},
+        {"for Ann", true, "Bob\r\nANN\r\n", "Mine 4", 4, true, 4},
+        {"for JoAnn", true, "JoAnn\r\n", "", 6, true, 6}, // tail match, kept layer
+        {"for Anne", true, "Anne\r\n", "Mine 1", 1, false, 0},
+        {"new layer", false, "", "Travel", 3, true, 19},
+        {"no slot left", false, "", "Hobby", 7, true, 7},
+    };
+    clsDbXml writer(settings, nullptr);
+    writer.SetDBFilename(path());
+    for (const Row& r : rows) {
+        auto e = MakeEvent(QString::fromLatin1(r.desc), QStringLiteral("Bob"));
+        e->ShareWithSpecific = r.specific;
+        e->ShareNames = QString::fromLatin1(r.names);
+        e->SharedLayerName = QString::fromLatin1(r.layerName);
+        e->setLayer(r.layer);
+        writer.StoreRecord(e);
+    }
+    writer.SaveDB();
+
+    clsDbXml plain(settings, &layers);
+    plain.LoadDB(path());
+    EXPECT_EQ(plain.RecordCount(), 6) << "single-user mode neither filters nor maps";
+    EXPECT_EQ(plain.Events().at(0)->Layer(), 9);
+
+    db.setNetworked(true);
+    db.LoadDB(path());
+    QStringList loaded;
+    for (const EventPtr& e : db.Events()) {
+        loaded << e->Desc();
+    }
+    for (const Row& r : rows) {
+        const auto at = loaded.indexOf(QString::fromLatin1(r.desc));
+        ASSERT_EQ(at >= 0, r.visible) << r.desc;
+        if (r.visible) {
+            EXPECT_EQ(db.Events().at(at)->Layer(), r.loadedLayer) << r.desc;
+        }
+    }
+    EXPECT_EQ(layers.Layer(19), QStringLiteral("Travel"));
+}
+
 TEST_F(DbXml, AnUnreadableFileGivesNoRecordsAndIsLoggedUnderTheOldLabels) {
     ASSERT_TRUE(QDir().mkpath(path())); // a folder where the file should be
     db.LoadDB(path());
     EXPECT_EQ(db.RecordCount(), 0);
-    EXPECT_TRUE(NewLogLines().join('\n').contains(QStringLiteral("in LoadAllEvents of module clsDB2")));
+    EXPECT_TRUE(
+        NewLogLines().join('\n').contains(QStringLiteral("in LoadAllEvents of module clsDB2")));
 }
 
 } // namespace

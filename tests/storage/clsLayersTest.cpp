@@ -48,9 +48,11 @@ TEST_F(Layers, SeekingANewNameTakesTheHighestFreeSlotAndSaves) {
     EXPECT_EQ(settings.sGet(QStringLiteral("Layer19")).toText(), QStringLiteral("Work"));
 
     // Found again (trimmed, any case) without taking another slot.
-    settings.sSet(QStringLiteral("Layer19"), SettingValue(QStringLiteral("changed behind its back")));
+    settings.sSet(QStringLiteral("Layer19"),
+                  SettingValue(QStringLiteral("changed behind its back")));
     EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral(" work ")), 19);
-    EXPECT_EQ(settings.sGet(QStringLiteral("Layer19")).toText(), QStringLiteral("changed behind its back"))
+    EXPECT_EQ(settings.sGet(QStringLiteral("Layer19")).toText(),
+              QStringLiteral("changed behind its back"))
         << "a known name does not save";
 
     EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Home")), 18);
@@ -67,7 +69,7 @@ TEST_F(Layers, ASlotNamedWithItsOwnDefaultTextIsFreeAndAFullTableAnswersMinusOne
     for (int i = 1; i <= 19; ++i) {
         layers.setLayer(i, QStringLiteral("Named %1").arg(i));
     }
-    layers.setLayer(4, QStringLiteral("Layer 4")); // typed by the user: still free
+    layers.setLayer(4, QStringLiteral("Layer 4"));  // typed by the user: still free
     layers.setLayer(9, QStringLiteral("Layer 10")); // not its own default: taken
     EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("New")), 4);
     EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Newer")), -1);

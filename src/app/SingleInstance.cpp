@@ -1,0 +1,34 @@
+#include "app/SingleInstance.h"
+
+#include "shared/AppPaths.h"
+#include "shared/cSharedLogging.h"
+
+#include <QCryptographicHash>
+#include <QLocalSocket>
+
+namespace SingleInstance {
+
+QString ServerName() {
+    const QByteArray who = qgetenv("USER") + '|' + AppPaths::HomeFolder().toUtf8();
+    const QByteArray hash = QCryptographicHash::hash(who, QCryptographicHash::Sha1).toHex().left(16);
+    return QStringLiteral("tarvo-") + QString::fromLatin1(hash);
+}
+
+bool HandOver(const QString& command) {
+    QLocalSocket socket;
+    socket.connectToServer(ServerName());
+    if (!socket.waitForConnected(1000)) {
+        Log().LogEvent(QStringLiteral("Unable to find instance of TVO"));
+        return false;
+    }
+    socket.write(command.toUtf8() + '\n');
+    if (!socket.waitForBytesWritten(2000)) {
+        Log().LogEvent(QStringLiteral("Error running other instance: ") + socket.errorString());
+        return false;
+    }
+    socket.waitForReadyRead(2000); // the running copy's acknowledgement
+    socket.disconnectFromServer();
+    return true;
+}
+
+} // namespace SingleInstance

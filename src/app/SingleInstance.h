@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+// One copy of Tarvo per user and home folder. The running copy listens on a
+// local socket named after both; a second copy hands its command over
+// through it and ends.
+namespace SingleInstance {
+
+// The socket name for the current user and home folder.
+QString ServerName();
+
+// Hands command to a running copy. True when one received it; false (having
+// logged "Unable to find instance of TVO") when none answers.
+bool HandOver(const QString& command);
+
+} // namespace SingleInstance

@@ -1,0 +1,411 @@
+#include "app/frmMain.h"
+
+#include "app/EventListModel.h"
+#include "app/frmRunner.h"
+#include "events/clsReminder.h"
+#include "events/ui/ReminderWindowFactory.h"
+#include "shared/cSHAREDSettings.h"
+#include "shared/cSharedLogging.h"
+#include "storage/DataFiles.h"
+#include "storage/SharedDatabases.h"
+#include "storage/clsLayers.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <QStyle>
+#include <QSystemTrayIcon>
+#include <QTableView>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+namespace {
+
+// The first tick comes soon after start-up, then every 30 seconds.
+constexpr int kFirstTickMs = 1500;
+
+struct ToolButton {
+    const char* key;
+    const char* label;
+    const char* tip;
+    const char* theme;
+    QStyle::StandardPixmap fallback;
+};
+
+// In the order they sit on the toolbar.
+const ToolButton kButtons[] = {
+    {"exit", "Exit", "End the program", "application-exit", QStyle::SP_DialogCloseButton},
+    {"addevent", "Add", "Add a new event", "document-new", QStyle::SP_FileIcon},
+    {"editevent", "Edit", "Edit selected event", "document-properties",
+     QStyle::SP_FileDialogDetailedView},
+    {"pushevent", "Push", "Change due date to NEXT occurrence", "go-next",
+     QStyle::SP_ArrowForward},
+    {"deleteevent", "Delete", "Delete selected event(s)", "edit-delete", QStyle::SP_TrashIcon},
+    {"tasklist", "Tasks", "Show task list", "view-list-details", QStyle::SP_FileDialogListView},
+    {"monthview", "Month", "Monthly Calendar", "x-office-calendar",
+     QStyle::SP_FileDialogInfoView},
+    {"editlayers", "Categories", "Edit category names", "folder", QStyle::SP_DirIcon},
+    {"options", "Settings", "Settings", "preferences-system", QStyle::SP_ComputerIcon},
+    {"refresh", "Refresh", "Refresh event list", "view-refresh", QStyle::SP_BrowserReload},
+    {"log", "Log", "View program log", "text-x-generic", QStyle::SP_FileDialogContentsView},
+    {"help", "Help", "Show help", "help-contents", QStyle::SP_DialogHelpButton},
+};
+
+} // namespace
+
+const QStringList& frmMain::ToolbarKeys() {
+    static const QStringList keys = {
+        QStringLiteral("exit"),       QStringLiteral("tasklist"),    QStringLiteral("monthview"),
+        QStringLiteral("editlayers"), QStringLiteral("options"),     QStringLiteral("refresh"),
+        QStringLiteral("pushevent"),  QStringLiteral("deleteevent"), QStringLiteral("editevent"),
+        QStringLiteral("addevent"),   QStringLiteral("help"),        QStringLiteral("log")};
+    return keys;
+}
+
+frmMain::frmMain(AppContext& app, QWidget* parent)
+    : QMainWindow(parent), m_app(app),
+      m_windows(std::make_unique<ReminderWindowFactory>(app.settings, app.player)),
+      m_services{app.settings, app.events,  app.expired,   nullptr,
+                 *m_windows,   app.opener,  app.dialogs} {
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QString::fromLatin1(kTitle));
+    setWindowIcon(QApplication::windowIcon());
+    if (DataFiles::Networked(app.settings)) {
+        m_services.shared = &app.shared.SharedSet();
+    }
+    m_tick = std::make_unique<RefreshTick>(
+        m_services, RefreshTick::Hooks{[this](bool on) {
+                                           if (on) {
+                                               m_refreshTimer.start(RefreshTick::kIntervalMs);
+                                           } else {
+                                               m_refreshTimer.stop();
+                                           }
+                                       },
+                                       [this] { FillEvents(); }});
+    m_refreshTimer.setObjectName(QStringLiteral("TimerRefresh"));
+    connect(&m_refreshTimer, &QTimer::timeout, this, [this] { m_tick->TimerRefresh_Timer(); });
+
+    buildList();
+    buildToolbar();
+    buildMenus();
+    buildTray();
+    FillCategories();
+    resize(1180, 640);
+}
+
+frmMain::~frmMain() = default;
+
+void frmMain::buildList() {
+    auto* central = new QWidget(this);
+    auto* layout = new QVBoxLayout(central);
+    auto* filters = new QHBoxLayout;
+    m_showExpired = new QCheckBox(QStringLiteral("Show Expired"), central);
+    m_showExpired->setObjectName(QStringLiteral("chkExpired"));
+    m_showExpired->setToolTip(QStringLiteral("When ticked, expired events are shown too"));
+    auto* show = new QLabel(QStringLiteral("Show:"), central);
+    show->setObjectName(QStringLiteral("lbl_layers"));
+    m_categories = new QComboBox(central);
+    m_categories->setObjectName(QStringLiteral("cmbCategories"));
+    m_categories->setToolTip(
+        QStringLiteral("Filter out all events except those in the selected category"));
+    m_categories->setMinimumContentsLength(18);
+    show->setBuddy(m_categories);
+    filters->addWidget(m_showExpired);
+    filters->addSpacing(16);
+    filters->addWidget(show);
+    filters->addWidget(m_categories);
+    filters->addStretch(1);
+    layout->addLayout(filters);
+
+    m_model = new EventListModel(m_app, this);
+    m_list = new QTableView(central);
+    m_list->setObjectName(QStringLiteral("ListEvents"));
+    m_list->setModel(m_model);
+    m_list->setToolTip(QStringLiteral(
+        "Black = normal, Red = Expired, Green = Your shared, Blue = Shared from others"));
+    m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_list->setShowGrid(false);
+    m_list->setWordWrap(false);
+    m_list->setAlternatingRowColors(true);
+    m_list->verticalHeader()->hide();
+    m_list->verticalHeader()->setDefaultSectionSize(m_list->fontMetrics().height() + 6);
+    m_list->horizontalHeader()->setHighlightSections(false);
+    m_list->horizontalHeader()->setSectionsClickable(true);
+    m_list->horizontalHeader()->setStretchLastSection(true);
+    for (int c = 0; c < EventListModel::ColumnCount; ++c) {
+        m_list->setColumnWidth(c, EventListModel::HeaderWidthTwips(c) / 15); // twips at 96 DPI
+    }
+    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+    layout->addWidget(m_list, 1);
+    setCentralWidget(central);
+
+    connect(m_list->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int column) {
+        m_model->ColumnClick(column);
+    });
+    connect(m_list, &QTableView::doubleClicked, this, [this] { EditSelectedEvent(); });
+    connect(m_list, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
+        m_rightClick->popup(m_list->viewport()->mapToGlobal(pos));
+    });
+    connect(m_showExpired, &QCheckBox::toggled, this, [this] { FillEvents(); });
+    connect(m_categories, &QComboBox::activated, this, [this] { FillEvents(); });
+}
+
+QAction* frmMain::action(const QString& key) const {
+    return findChild<QAction*>(key);
+}
+
+void frmMain::buildToolbar() {
+    auto* bar = addToolBar(QStringLiteral("Toolbar"));
+    bar->setObjectName(QStringLiteral("Toolbar1"));
+    bar->setMovable(false);
+    bar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
+    for (const ToolButton& b : kButtons) {
+        const QIcon icon =
+            QIcon::fromTheme(QString::fromLatin1(b.theme), style()->standardIcon(b.fallback));
+        QAction* a = bar->addAction(icon, QString::fromLatin1(b.label));
+        a->setObjectName(QString::fromLatin1(b.key));
+        a->setToolTip(QString::fromLatin1(b.tip));
+        const QString key = QString::fromLatin1(b.key);
+        connect(a, &QAction::triggered, this, [this, key] { Toolbar1_ButtonClick(key); });
+    }
+    action(QStringLiteral("addevent"))->setShortcut(QKeySequence::New);
+    action(QStringLiteral("deleteevent"))->setShortcut(QKeySequence::Delete);
+    action(QStringLiteral("refresh"))->setShortcut(QKeySequence::Refresh);
+    action(QStringLiteral("help"))->setShortcut(QKeySequence::HelpContents);
+    action(QStringLiteral("exit"))->setShortcut(QKeySequence::Quit);
+    action(QStringLiteral("editevent"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
+    action(QStringLiteral("pushevent"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
+    action(QStringLiteral("monthview"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_M));
+    action(QStringLiteral("tasklist"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
+}
+
+void frmMain::buildMenus() {
+    auto item = [this](QMenu* menu, const char* name, const QString& caption, auto slot) {
+        QAction* a = menu->addAction(caption);
+        a->setObjectName(QString::fromLatin1(name));
+        connect(a, &QAction::triggered, this, slot);
+        return a;
+    };
+
+    m_trayMenu = new QMenu(QStringLiteral("Main"), this);
+    m_trayMenu->setObjectName(QStringLiteral("mnuMain"));
+    item(m_trayMenu, "mnuShow", QStringLiteral("Show"), [this] { showForward(); });
+    item(m_trayMenu, "mnuExit", QStringLiteral("Quit"), [this] { Quit(); });
+
+    m_settingMenu = new QMenu(QStringLiteral("SettingMenu"), this);
+    m_settingMenu->setObjectName(QStringLiteral("mnuSettingMenu"));
+    item(m_settingMenu, "mnuSettings", QStringLiteral("Settings"), [this] { EditOptions(); });
+    item(m_settingMenu, "mnuBackup", QStringLiteral("Backup"), [this] { ManualBackup(); });
+    m_settingMenu->addSeparator();
+    item(m_settingMenu, "mnuViewBackups", QStringLiteral("View backups"),
+         [this] { ViewBackups(); });
+    m_settingMenu->addSeparator();
+    item(m_settingMenu, "mnuCheckForUpdate", QStringLiteral("Check for Update"),
+         [this] { CheckForUpdate(); });
+
+    m_helpMenu = new QMenu(QStringLiteral("HelpMenu"), this);
+    m_helpMenu->setObjectName(QStringLiteral("mnuHelpMenu"));
+    item(m_helpMenu, "mnuHelp", QStringLiteral("Help"), [this] { ShowHelp(); })
+        ->setShortcut(QKeySequence::HelpContents);
+    item(m_helpMenu, "mnuAbout", QStringLiteral("About TVO"), [this] { ShowAbout(); });
+
+    m_rightClick = new QMenu(this);
+    m_rightClick->setObjectName(QStringLiteral("mnuRightClick"));
+    item(m_rightClick, "mnuFind", QStringLiteral("Find"), [this] { mnuFind_Click(0); })
+        ->setShortcut(QKeySequence::Find);
+    item(m_rightClick, "mnuFindNext", QStringLiteral("Find Next"), [this] { mnuFind_Click(1); })
+        ->setShortcut(QKeySequence::FindNext);
+    m_rightClick->addSeparator();
+    item(m_rightClick, "mnuShareWith", QStringLiteral("Share with ..."), [this] { ShareWith(); });
+    // Find and Find Next work from the keyboard anywhere in the window.
+    addActions(m_rightClick->actions());
+
+    // The usual menu bar, so every command is where a desktop user looks.
+    QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    for (const char* key : {"addevent", "editevent", "pushevent", "deleteevent"}) {
+        file->addAction(action(QString::fromLatin1(key)));
+    }
+    file->addSeparator();
+    file->addAction(action(QStringLiteral("exit")));
+    QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
+    view->addAction(action(QStringLiteral("monthview")));
+    view->addAction(action(QStringLiteral("tasklist")));
+    view->addAction(action(QStringLiteral("refresh")));
+    view->addSeparator();
+    view->addAction(findChild<QAction*>(QStringLiteral("mnuFind")));
+    view->addAction(findChild<QAction*>(QStringLiteral("mnuFindNext")));
+    QMenu* tools = menuBar()->addMenu(QStringLiteral("&Tools"));
+    tools->addAction(action(QStringLiteral("editlayers")));
+    tools->addActions(m_settingMenu->actions());
+    tools->addSeparator();
+    tools->addAction(action(QStringLiteral("log")));
+    menuBar()->addMenu(m_helpMenu)->setText(QStringLiteral("&Help"));
+}
+
+void frmMain::buildTray() {
+    m_tray = new QSystemTrayIcon(QApplication::windowIcon(), this);
+    m_tray->setObjectName(QStringLiteral("TrayIcon"));
+    m_tray->setToolTip(QStringLiteral("Double-click to open"));
+    m_tray->setContextMenu(m_trayMenu);
+    connect(m_tray, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::DoubleClick ||
+                    reason == QSystemTrayIcon::Trigger) {
+                    showForward();
+                }
+            });
+}
+
+bool frmMain::trayAvailable() const { return QSystemTrayIcon::isSystemTrayAvailable(); }
+
+void frmMain::FormLoad(bool silentStart) {
+    m_runner = new frmRunner(this);
+    m_runner->hide();
+    m_runner->Listen();
+    connect(m_runner, &frmRunner::commandReceived, this, [this] { Runner_ShowWindow(); });
+
+    Log().LogEvent(QStringLiteral("Copying layer names into main form"));
+    FillCategories();
+    Log().LogEvent(QStringLiteral("Displaying Reminders"));
+    ShowReminders(m_services);
+    m_tick->markDaySeen(); // the first tick need not show them again
+    Log().LogEvent(QStringLiteral("Filling events"));
+    FillEvents();
+
+    Log().LogEvent(QStringLiteral("Setting main window width and height"));
+    const int width = m_app.settings.sGet(QStringLiteral("MainWindowWidth")).toInt();
+    const int height = m_app.settings.sGet(QStringLiteral("MainWindowHeight")).toInt();
+    const QRect screen = QApplication::primaryScreen() != nullptr
+                             ? QApplication::primaryScreen()->availableGeometry()
+                             : QRect(0, 0, 1280, 800);
+    if (width > 0 && height > 0) {
+        resize(std::min(width, screen.width()), std::min(height, screen.height()));
+    }
+    const bool maximise = width > screen.width() * 9 / 10 && height > screen.height() * 9 / 10;
+
+    Log().LogEvent(QStringLiteral("Displaying system tray icon"));
+    if (trayAvailable()) {
+        m_tray->show();
+    } else {
+        Log().LogEvent(QStringLiteral(
+            "No system tray on this desktop: closing the window hides it; start Tarvo again "
+            "to bring it back"));
+    }
+    if (!silentStart || !trayAvailable()) {
+        maximise ? showMaximized() : show();
+    }
+    QTimer::singleShot(kFirstTickMs, this, [this] { m_tick->TimerRefresh_Timer(); });
+}
+
+void frmMain::FillCategories() {
+    const int previous = std::max(m_categories->currentIndex(), 0);
+    m_categories->clear();
+    for (int i = 0; i < clsLayers::kCount; ++i) {
+        m_categories->addItem(m_app.layers.Layer(i).trimmed(), i);
+    }
+    m_categories->setCurrentIndex(m_categories->count() > previous && previous != 0
+                                      ? previous
+                                      : clsLayers::kAllCategories);
+}
+
+int frmMain::currentLayer() const {
+    return m_categories->currentIndex() < 0 ? clsLayers::kAllCategories
+                                            : m_categories->currentData().toInt();
+}
+
+void frmMain::FillEvents() {
+    const int row = SelectedRow();
+    setUpdatesEnabled(false);
+    m_model->FillEvents(currentLayer(), m_showExpired->isChecked());
+    setUpdatesEnabled(true);
+    if (row >= 0 && row < m_model->rowCount()) {
+        SelectRow(row); // the same position, as the list always kept it
+    }
+}
+
+QList<EventCommands::ListRow> frmMain::SelectedRows() const {
+    QList<int> rows;
+    for (const QModelIndex& index : m_list->selectionModel()->selectedRows()) {
+        rows << index.row();
+    }
+    std::sort(rows.begin(), rows.end());
+    QList<EventCommands::ListRow> out;
+    for (int row : rows) {
+        out.append({m_model->IDCode(row), m_model->marker(row)});
+    }
+    return out;
+}
+
+int frmMain::SelectedRow() const {
+    const QModelIndex current = m_list->selectionModel()->currentIndex();
+    if (current.isValid() && m_list->selectionModel()->isRowSelected(current.row())) {
+        return current.row();
+    }
+    const QModelIndexList rows = m_list->selectionModel()->selectedRows();
+    return rows.isEmpty() ? -1 : rows.first().row();
+}
+
+void frmMain::SelectRow(int row) {
+    if (row < 0 || row >= m_model->rowCount()) {
+        return;
+    }
+    m_list->selectRow(row);
+    m_list->scrollTo(m_model->index(row, 0));
+}
+
+void frmMain::showForward() {
+    if (isMinimized()) {
+        showNormal();
+    } else {
+        show();
+    }
+    raise();
+    activateWindow();
+}
+
+void frmMain::Runner_ShowWindow() {
+    if (isVisible() && !isMinimized()) {
+        Log().LogEvent(QStringLiteral("Main window visible - doing nothing"));
+    } else {
+        Log().LogEvent(QStringLiteral("Main window NOT visible - showing it"));
+    }
+    showForward();
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    if (!m_quitting) {
+        // The close box hides the window; the program goes on in the tray.
+        event->ignore();
+        hide();
+        if (!trayAvailable()) {
+            Log().LogEvent(QStringLiteral("Main window hidden; no system tray to show it from"));
+        }
+        return;
+    }
+    if (!isMinimized() && !isMaximized()) {
+        m_app.settings.sSet(QStringLiteral("MainWindowWidth"), static_cast<int32_t>(width()));
+        m_app.settings.sSet(QStringLiteral("MainWindowHeight"), static_cast<int32_t>(height()));
+    }
+    event->accept();
+}
+
+void frmMain::Quit() {
+    m_quitting = true;
+    m_refreshTimer.stop();
+    close();
+    m_tray->hide();
+    m_app.settings.SaveSettings(m_app.settingsFile);
+    m_app.events.SaveDB();
+    Log().LogEvent(QStringLiteral("TVO ending"));
+    Log().WriteActionsToLog();
+    QApplication::quit();
+}

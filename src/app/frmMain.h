@@ -1,0 +1,116 @@
+#pragma once
+
+#include "app/AppContext.h"
+#include "events/EventCommands.h"
+#include "events/RefreshTick.h"
+#include "events/ReminderServices.h"
+
+#include <QMainWindow>
+#include <QTimer>
+
+#include <memory>
+
+class EventListModel;
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QMenu;
+class QSystemTrayIcon;
+class QTableView;
+class ReminderWindowFactory;
+class frmRunner;
+
+// The main window: the event list with its category filter, the toolbar and
+// menus with every command, the tray icon, and the timers that drive the
+// reminders. Closing it with the close box hides it in the tray; the program
+// goes on running until Quit.
+class frmMain : public QMainWindow {
+    Q_OBJECT
+public:
+    explicit frmMain(AppContext& app, QWidget* parent = nullptr);
+    ~frmMain() override;
+
+    // The start-up part of loading: categories, reminders, the list, the
+    // saved size; shows the window unless silentStart. Starts the timers.
+    void FormLoad(bool silentStart);
+
+    // Rebuilds the list with the current category filter, keeping the
+    // selected position.
+    void FillEvents();
+    // Another copy of the program asked this one to come forward.
+    void Runner_ShowWindow();
+
+    // The toolbar's dispatch by key.
+    void Toolbar1_ButtonClick(const QString& key);
+    void AddEvent();
+    void EditSelectedEvent();
+    void PushSelectedEvent();
+    void DeleteSelectedEvents();
+    void Tasklist();
+    void MonthView();
+    void EditLayers();
+    void EditOptions();
+    void ManualBackup();
+    void ViewBackups();
+    void CheckForUpdate();
+    void ShowHelp();
+    void ShowAbout();
+    void ViewLog();
+    // index 0 = Find, 1 = Find Next.
+    void mnuFind_Click(int index);
+    void ShareWith();
+    // Saves and ends the program (the tray's Quit, the toolbar's exit).
+    void Quit();
+
+    EventListModel& model() { return *m_model; }
+    QTableView& list() { return *m_list; }
+    RefreshTick& refreshTick() { return *m_tick; }
+    QTimer& refreshTimer() { return m_refreshTimer; }
+    ReminderServices& services() { return m_services; }
+    // The rows selected, in list order.
+    QList<EventCommands::ListRow> SelectedRows() const;
+    int SelectedRow() const;
+    void SelectRow(int row);
+    bool trayAvailable() const;
+
+    static constexpr const char* kTitle = "Tarvo 2 - Quillmere Software";
+    // Keys in the order the dispatch compares them.
+    static const QStringList& ToolbarKeys();
+
+signals:
+    // The options were saved: databases and lists have been reloaded.
+    void optionsReloaded();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildList();
+    void buildToolbar();
+    void buildMenus();
+    void buildTray();
+    void FillCategories();
+    int currentLayer() const;
+    void ReloadDatabases();
+    void showForward();
+    bool guard(const QString& refusal);
+    QAction* action(const QString& key) const;
+
+    AppContext& m_app;
+    std::unique_ptr<ReminderWindowFactory> m_windows;
+    ReminderServices m_services;
+    std::unique_ptr<RefreshTick> m_tick;
+    QTimer m_refreshTimer;
+    frmRunner* m_runner = nullptr;
+    EventListModel* m_model = nullptr;
+    QTableView* m_list = nullptr;
+    QCheckBox* m_showExpired = nullptr;
+    QComboBox* m_categories = nullptr;
+    QMenu* m_trayMenu = nullptr;
+    QMenu* m_settingMenu = nullptr;
+    QMenu* m_helpMenu = nullptr;
+    QMenu* m_rightClick = nullptr;
+    QSystemTrayIcon* m_tray = nullptr;
+    QString m_searchTerm;
+    bool m_quitting = false;
+};

@@ -1,0 +1,266 @@
+// The main window's commands: the toolbar dispatch, the guarded list
+// commands, search, backups, help. The rules they apply live in
+// EventCommands; this file wires them to the window and the dialogs.
+#include "app/EventListModel.h"
+#include "app/dialogs/EventEditFlow.h"
+#include "app/dialogs/frmEditLayers.h"
+#include "app/dialogs/frmOptions.h"
+#include "app/dialogs/frmShareWith.h"
+#include "app/frmMain.h"
+#include "events/clsReminder.h"
+#include "shared/AppInfo.h"
+#include "shared/AppPaths.h"
+#include "shared/IFileOpener.h"
+#include "shared/UserDialogs.h"
+#include "shared/cSHAREDSettings.h"
+#include "shared/cSharedLogging.h"
+#include "storage/BackupArchive.h"
+#include "storage/DataFiles.h"
+#include "storage/SharedDatabases.h"
+#include "storage/clsDbXml.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMenu>
+#include <QTableView>
+#include <QToolBar>
+
+using EventCommands::ListRow;
+
+void frmMain::Toolbar1_ButtonClick(const QString& key) {
+    // Compared in this order; the first match runs.
+    for (const QString& k : ToolbarKeys()) {
+        if (k != key) {
+            continue;
+        }
+        if (k == QLatin1String("exit")) {
+            Quit();
+        } else if (k == QLatin1String("tasklist")) {
+            Tasklist();
+        } else if (k == QLatin1String("monthview")) {
+            MonthView();
+        } else if (k == QLatin1String("editlayers")) {
+            EditLayers();
+        } else if (k == QLatin1String("options")) {
+            auto* bar = findChild<QToolBar*>(QStringLiteral("Toolbar1"));
+            QWidget* button = bar->widgetForAction(action(k));
+            m_settingMenu->popup(button->mapToGlobal(QPoint(0, button->height())));
+        } else if (k == QLatin1String("refresh")) {
+            FillEvents();
+        } else if (k == QLatin1String("pushevent")) {
+            PushSelectedEvent();
+        } else if (k == QLatin1String("deleteevent")) {
+            if (SelectedRows().isEmpty()) {
+                return;
+            }
+            if (m_app.dialogs.AskYesNo(EventCommands::kDeleteQuestion, {}, false)) {
+                DeleteSelectedEvents();
+            }
+        } else if (k == QLatin1String("editevent")) {
+            EditSelectedEvent();
+        } else if (k == QLatin1String("addevent")) {
+            AddEvent();
+        } else if (k == QLatin1String("help")) {
+            auto* bar = findChild<QToolBar*>(QStringLiteral("Toolbar1"));
+            QWidget* button = bar->widgetForAction(action(k));
+            m_helpMenu->popup(button->mapToGlobal(QPoint(0, button->height())));
+        } else if (k == QLatin1String("log")) {
+            ViewLog();
+        }
+        return;
+    }
+}
+
+bool frmMain::guard(const QString& refusal) {
+    if (refusal.isEmpty()) {
+        return true;
+    }
+    m_app.dialogs.Message(refusal);
+    return false;
+}
+
+void frmMain::PushSelectedEvent() {
+    const int row = SelectedRow();
+    if (row < 0) {
+        return;
+    }
+    const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+    if (!guard(EventCommands::PushRefusal(target))) {
+        return;
+    }
+    if (EventCommands::PushToNextOccurrence(m_services, target)) {
+        FillEvents();
+        SelectRow(m_model->FindRow(target.idCode, target.marker == EventCommands::kExpiredMarker
+                                                      ? EventListModel::Source::Expired
+                                                      : EventListModel::Source::Local));
+    }
+}
+
+void frmMain::DeleteSelectedEvents() {
+    const bool skipped = EventCommands::DeleteRows(m_services, SelectedRows());
+    if (skipped) {
+        m_app.dialogs.Message(EventCommands::kDeleteRefusal);
+    }
+    FillEvents();
+}
+
+void frmMain::mnuFind_Click(int index) {
+    if (index == 0 || m_searchTerm.isEmpty()) {
+        const std::optional<QString> term =
+            m_app.dialogs.InputBox(QStringLiteral("Enter search term"), QStringLiteral("Search"),
+                                   m_searchTerm);
+        if (!term || term->isEmpty()) {
+            return;
+        }
+        m_searchTerm = *term;
+    }
+    const int start = index == 1 ? SelectedRow() + 1 : 0;
+    const int found = m_model->FindText(m_searchTerm, start);
+    if (found >= 0) {
+        m_list->clearSelection();
+        SelectRow(found);
+    }
+}
+
+void frmMain::ManualBackup() {
+    BackupSources sources;
+    sources.eventsDb = m_app.events.DBFilename();
+    sources.expiredDb = m_app.expired.DBFilename();
+    sources.settingsFile = m_app.settingsFile;
+    sources.logFile = Log().CurrentLogFilename();
+    sources.dataPath = DataFiles::DataFolder(m_app.settings);
+    BackupDataToZip(QString::fromLatin1(kManualBackupKind), sources);
+    m_app.dialogs.Message(
+        QStringLiteral("Backup complete. Your files were zipped to the AutoBackups folder in ") +
+        AppPaths::HomeFolder());
+}
+
+void frmMain::ViewBackups() {
+    const QString folder = AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Autobackups"));
+    QDir().mkpath(folder);
+    m_app.opener.OpenDocument(folder);
+}
+
+void frmMain::CheckForUpdate() {
+    m_app.dialogs.Message(QStringLiteral("This copy of Tarvo has no update source to check "
+                                         "against, so it cannot look for new versions.\r\n"
+                                         "You are running version ") +
+                          AppInfo::VersionText() + QLatin1Char('.'));
+}
+
+void frmMain::ShowHelp() {
+    // The help page ships inside the program and is opened from the home folder.
+    const QString page = AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("help.html"));
+    QFile::remove(page);
+    if (QFile::copy(QStringLiteral(":/help.html"), page)) {
+        QFile::setPermissions(page, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
+                                        QFile::ReadOther);
+        m_app.opener.OpenDocument(page);
+    } else {
+        Log().AddAction(QStringLiteral("Unable to write ") + page, QStringLiteral("ShowHelp"),
+                        QStringLiteral("frmMain"));
+    }
+}
+
+void frmMain::ShowAbout() {
+    m_app.dialogs.Message(QStringLiteral("Tarvo ") + AppInfo::VersionText() +
+                          QStringLiteral("\r\nA reminder and calendar program.\r\n\r\n"
+                                         "Your data is in ") +
+                          DataFiles::DataFolder(m_app.settings) + QLatin1Char('.'));
+}
+
+void frmMain::ViewLog() {
+    Log().WriteActionsToLog();
+    m_app.opener.OpenDocument(Log().CurrentLogFilename());
+}
+
+void frmMain::ReloadDatabases() {
+    DataFiles::LoadDatabases(m_app.settings, m_app.events, m_app.expired, m_app.shared);
+    m_services.shared = DataFiles::Networked(m_app.settings) ? &m_app.shared.SharedSet() : nullptr;
+    FillCategories();
+    FillEvents();
+    emit optionsReloaded();
+}
+
+void frmMain::AddEvent() {
+    m_refreshTimer.stop();
+    const EventPtr added = EventEditFlow::AddNewEvent(m_app, this);
+    m_refreshTimer.start(RefreshTick::kIntervalMs);
+    if (added) {
+        FillEvents();
+        SelectRow(m_model->FindRow(added->IDCode));
+    }
+}
+
+void frmMain::EditSelectedEvent() {
+    // The list must not be rebuilt under the user while the editor is open.
+    m_refreshTimer.stop();
+    const int row = SelectedRow();
+    if (row >= 0) {
+        const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+        const bool expired = target.marker == EventCommands::kExpiredMarker;
+        const EventPtr e = m_model->event(row);
+        if (guard(EventCommands::EditRefusal(target)) && e &&
+            EventEditFlow::EditEvent(m_app, expired ? m_app.expired : m_app.events, e, this)) {
+            FillEvents();
+            m_list->clearSelection();
+            SelectRow(m_model->FindRow(target.idCode, expired ? EventListModel::Source::Expired
+                                                              : EventListModel::Source::Local));
+        }
+    }
+    m_refreshTimer.start(RefreshTick::kIntervalMs);
+}
+
+void frmMain::EditLayers() {
+    frmEditLayers editor(m_app, this);
+    editor.exec();
+    if (editor.Accepted()) {
+        FillCategories();
+        FillEvents();
+    }
+}
+
+void frmMain::EditOptions() {
+    m_refreshTimer.stop();
+    frmOptions options(m_app, this);
+    options.exec();
+    if (!options.Cancelled()) {
+        ReloadDatabases();
+    }
+    m_refreshTimer.start(RefreshTick::kIntervalMs);
+}
+
+void frmMain::Tasklist() {
+    // TODO-INTEGRATE task list
+}
+
+void frmMain::MonthView() {
+    // TODO-INTEGRATE month view
+}
+
+void frmMain::ShareWith() {
+    const int row = SelectedRow();
+    if (row < 0) {
+        return;
+    }
+    const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+    if (!guard(EventCommands::EditRefusal(target))) {
+        return;
+    }
+    if (target.marker == EventCommands::kExpiredMarker) {
+        m_app.dialogs.Message(QStringLiteral("Expired events can't be shared"));
+        return;
+    }
+    const EventPtr e = m_app.events.ReadEvent(target.idCode);
+    if (!e) {
+        return;
+    }
+    frmShareWith dialog(*e, SharedDatabases::ReadUserList(m_app.shared.UserListFile()), this);
+    if (dialog.exec() != QDialog::Accepted) {
+        return;
+    }
+    dialog.ApplyTo(*e);
+    m_app.events.SaveDB(); // publishes the shared events in networked mode
+    FillEvents();
+    SelectRow(m_model->FindRow(target.idCode));
+}

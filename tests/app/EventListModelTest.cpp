@@ -1,0 +1,481 @@
+// The main window's event list: cell texts, markers and colours, the layer
+// filter, the three groups of rows, sorting, and the view's selection helpers.
+#include "app/EventListModel.h"
+#include "app/EventListView.h"
+#include "shared/cSHAREDSettings.h"
+#include "storage/SharedDatabases.h"
+#include "storage/clsDbXml.h"
+#include "storage/clsLayers.h"
+#include "support/LogLines.h"
+#include "support/TestSupport.h"
+
+#include <QAbstractItemModelTester>
+#include <QContextMenuEvent>
+#include <QDir>
+#include <QHeaderView>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolTip>
+
+#include <optional>
+
+namespace {
+
+using Col = EventListModel::Column;
+
+struct EventSpec {
+    EventSpec(QString d, QString dueDate = {}, QString who = QStringLiteral("Ann"),
+              int16_t layerNo = 1, bool isShared = false, bool withSpecific = false,
+              QString shareNames = {})
+        : desc(std::move(d)), due(std::move(dueDate)), owner(std::move(who)), layer(layerNo),
+          shared(isShared), specific(withSpecific), names(std::move(shareNames)) {}
+    QString desc;
+    QString due; // "YYYY-MM-DD"
+    QString owner;
+    int16_t layer;
+    bool shared;
+    bool specific;
+    QString names;
+};
+
+class EventList : public ::testing::Test {
+protected:
+    EventList() {
+        settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
+        layers.setLayer(3, QStringLiteral("Work"));
+        events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
+        expired.SetDBFilename(home.file(QStringLiteral("Expired.xml")));
+        m_logStart = LoggedTexts().size();
+    }
+
+    static EventPtr Make(const EventSpec& s) {
+        auto e = std::make_shared<clsEvent>();
+        e->setDesc(s.desc);
+        e->setDueDate(D(s.due));
+        e->CalcDaysLeft();
+        e->setOwner(s.owner);
+        e->setLayer(s.layer);
+        e->SharedEvent = s.shared;
+        e->ShareWithSpecific = s.specific;
+        e->ShareNames = s.names;
+        return e;
+    }
+    EventPtr Add(clsDbXml& db, const EventSpec& s) {
+        EventPtr e = Make(s);
+        db.StoreRecord(e);
+        return e;
+    }
+
+    // Makes "Bob" a networked user whose shared file holds these events.
+    void ShareFromBob(const QList<EventSpec>& specs) {
+        const QString folder = home.file(QStringLiteral("shared"));
+        QDir().mkpath(folder);
+        settings.sSet(QStringLiteral("Networked"), SettingValue(true));
+        settings.sSet(QStringLiteral("SharedDatapath"), SettingValue(folder));
+        ASSERT_TRUE(SharedDatabases::WriteUserList(shared.UserListFile(),
+                                                   {QStringLiteral("Ann"), QStringLiteral("Bob")}));
+        cSHAREDSettings bobSettings;
+        bobSettings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Bob")));
+        clsDbXml bob(bobSettings);
+        bob.SetDBFilename(
+            QDir(folder).filePath(SharedDatabases::SharedFileName(QStringLiteral("Bob"))));
+        for (const EventSpec& s : specs) {
+            bob.StoreRecord(Make(s));
+        }
+        bob.SaveDB();
+    }
+
+    // Row of the event with this description; -1 when not listed.
+    int RowOf(const QString& desc) const {
+        for (int r = 0; r < model.rowCount(); ++r) {
+            if (model.event(r)->Desc() == desc) {
+                return r;
+            }
+        }
+        return -1;
+    }
+    QStringList Column(int col) const {
+        QStringList out;
+        for (int r = 0; r < model.rowCount(); ++r) {
+            out << model.cellText(r, col);
+        }
+        return out;
+    }
+    QStringList NewLogLines() const { return LoggedTexts().mid(m_logStart); }
+
+    TempHome home;
+    FixedClock clock{QStringLiteral("2009-03-05 10:00")}; // a Thursday
+    cSHAREDSettings settings;
+    clsLayers layers{settings};
+    clsDbXml events{settings, &layers};
+    clsDbXml expired{settings, &layers};
+    SharedDatabases shared{settings, layers};
+    EventListModel model{settings, layers, events, expired, shared};
+    qsizetype m_logStart = 0;
+};
+
+TEST_F(EventList, CellTextsOfOneRow) {
+    const struct {
+        EventSpec spec;
+        std::optional<int> dateStyle;
+        QStringList cells; // Left, Day, Date, Year, Event, Layer, Owner, Type, Shared With
+    } cases[] = {
+        {{"Today", "2009-03-05"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "Today", "Layer 1", "", "", ""}},
+        {{"Soon", "2009-03-17", "Ann", 3},
+         {},
+         {"0012", "Tue", "03/17", "2009", "Soon", "Work", "", "", ""}},
+        {{"Day first", "2009-03-12"},
+         1,
+         {"0007", "Thu", "12/03", "2009", "Day first", "Layer 1", "", "", ""}},
+        {{"Month first", "2009-03-12"},
+         2,
+         {"0007", "Thu", "03/12", "2009", "Month first", "Layer 1", "", "", ""}},
+        {{"Far", "2040-01-01"},
+         {},
+         {"11259", "Sun", "01/01", "2040", "Far", "Layer 1", "", "", ""}},
+        {{"Two\r\nlines\rand\nmore", "2009-03-05"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "Two  lines and more", "Layer 1", "", "", ""}},
+        {{"Layer 0 shows as 1", "2009-03-05", "Ann", 0},
+         {},
+         {"0000", "Thu", "03/05", "2009", "Layer 0 shows as 1", "Layer 1", "", "", ""}},
+        {{"With two", "2009-03-05", "Ann", 1, true, true, "Bob\r\nCarl\r\n"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "With two", "Layer 1", "", "*", "Bob,Carl"}},
+        {{"With one", "2009-03-05", "Ann", 1, true, true, "Bob\r\n"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "With one", "Layer 1", "", "*", "Bob"}},
+        {{"With all", "2009-03-05", "Ann", 1, true, false, "Bob\r\n"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "With all", "Layer 1", "", "*", "All"}},
+        {{"Not shared", "2009-03-05", "Ann", 1, false, true, "Bob\r\n"},
+         {},
+         {"0000", "Thu", "03/05", "2009", "Not shared", "Layer 1", "", "", ""}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.spec.desc.toStdString());
+        if (c.dateStyle) {
+            settings.sSet(QStringLiteral("DateStyle"), SettingValue(*c.dateStyle));
+        } else {
+            settings.DeleteSettingByName(QStringLiteral("DateStyle"));
+        }
+        const EventPtr e = Make(c.spec);
+        model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
+        ASSERT_EQ(model.rowCount(), 1);
+        EXPECT_EQ(Column(0).size(), 1);
+        QStringList cells;
+        for (int col = 0; col < EventListModel::ColumnCount; ++col) {
+            cells << model.cellText(0, col);
+            EXPECT_EQ(model.data(model.index(0, col)).toString(), model.cellText(0, col));
+        }
+        EXPECT_EQ(cells, c.cells);
+        EXPECT_EQ(model.IDCode(0), e->IDCode);
+        EXPECT_EQ(model.event(0), e);
+        EXPECT_EQ(e->Layer(), c.spec.layer) << "listing an event does not change it";
+    }
+}
+
+TEST_F(EventList, MarkersAndEventCellColours) {
+    const struct {
+        EventSpec spec;
+        int daysLeft;
+        const char* marker;
+        QColor colour;
+    } cases[] = {
+        {{"own"}, 0, "", QColor()},
+        {{"own shared", "", "Ann", 1, true}, 3, "*", QColor(0, 128, 0)},
+        {{"own, owner in other case", "", " ann "}, 3, "", QColor()},
+        {{"other user", "", "Bob"}, 3, "S", QColor(0, 0, 255)},
+        {{"other user shared", "", "Bob", 1, true}, 3, "S", QColor(0, 0, 255)},
+        {{"own shared expired", "", "Ann", 1, true}, -1, "E", QColor(255, 0, 0)},
+        {{"other user expired", "", "Bob"}, -2, "E", QColor(255, 0, 0)},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.spec.desc.toStdString());
+        EventSpec spec = c.spec;
+        spec.due = QStringLiteral("2009-03-05");
+        const EventPtr e = Make(spec);
+        e->setDaysLeft(c.daysLeft);
+        model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
+        EXPECT_EQ(model.marker(0), QString::fromLatin1(c.marker));
+        EXPECT_EQ(model.cellText(0, Col::ColType), QString::fromLatin1(c.marker));
+        EXPECT_EQ(model.cellText(0, Col::ColLeft),
+                  c.daysLeft < 0 ? QStringLiteral("---") : QStringLiteral("0000"));
+        const QVariant fg = model.data(model.index(0, Col::ColEvent), Qt::ForegroundRole);
+        EXPECT_EQ(fg.value<QColor>(), c.colour);
+        EXPECT_FALSE(model.data(model.index(0, Col::ColLeft), Qt::ForegroundRole).isValid())
+            << "only the Event cell is coloured";
+    }
+}
+
+TEST_F(EventList, GroupsOfRowsAndTheirLogLines) {
+    model.FillEvents(EventListModel::kAllLayers, true);
+    EXPECT_EQ(model.rowCount(), 0);
+    EXPECT_EQ(NewLogLines(), (QStringList{"Showing local events", "No local events",
+                                          "Showing shared events", "Showing expired events"}));
+
+    Add(events, {"Local", "2009-03-06"});
+    const EventPtr gone = Add(events, {"Deleted", "2009-03-06"});
+    Add(expired, {"Old", "2009-02-01"});
+    events.DeleteRecord(gone->IDCode);
+
+    model.FillEvents(EventListModel::kAllLayers, false);
+    EXPECT_EQ(Column(Col::ColEvent), QStringList{"Local"});
+
+    model.FillEvents(EventListModel::kAllLayers, true);
+    ASSERT_EQ(Column(Col::ColEvent), (QStringList{"Local", "Old"}));
+    EXPECT_EQ(model.source(1), EventListModel::Source::Expired);
+    EXPECT_EQ(model.cellText(1, Col::ColLeft), QStringLiteral("---"));
+    EXPECT_EQ(model.marker(1), QStringLiteral("E"));
+}
+
+TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
+    ShareFromBob(
+        {{"Bob's party", "2009-03-10", "Bob", 1, true}, {"Ann's own in Bob's file", "2009-03-10"}});
+    Add(events, {"Mine", "2009-03-06"});
+
+    settings.sSet(QStringLiteral("Networked"), SettingValue(false));
+    model.FillEvents(EventListModel::kAllLayers, false);
+    EXPECT_EQ(Column(Col::ColEvent), QStringList{"Mine"});
+    EXPECT_EQ(Column(Col::ColOwner), QStringList{""});
+    for (const QString& line : NewLogLines()) {
+        EXPECT_FALSE(line.startsWith(QStringLiteral("Loading multiple databases from")))
+            << line.toStdString();
+    }
+
+    settings.sSet(QStringLiteral("Networked"), SettingValue(true));
+    model.FillEvents(EventListModel::kAllLayers, false);
+    ASSERT_EQ(Column(Col::ColEvent), (QStringList{"Mine", "Bob's party"}));
+    EXPECT_EQ(Column(Col::ColOwner), (QStringList{"Ann", "Bob"}));
+    EXPECT_EQ(model.source(1), EventListModel::Source::Shared);
+    EXPECT_EQ(model.marker(1), QStringLiteral("S"));
+    EXPECT_EQ(model.cellText(1, Col::ColSharedWith), QStringLiteral("All"));
+    EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Loading multiple databases from ") +
+                                       shared.UserListFile()));
+    EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Finished displaying shared events")));
+}
+
+TEST_F(EventList, PastSharedEventIsMovedToItsNextDate) {
+    EventSpec spec{"Bob's fortnightly", "2009-02-01", "Bob", 1, true};
+    const EventPtr e = Make(spec);
+    e->setRecurring(true);
+    e->setRecurrenceType(clsEvent::EveryXDays);
+    e->setPeriod(14);
+    e->setStartDate(D("2009-02-01"));
+    e->setDaysLeft(-32);
+    const QList<EventPtr> sharedList{e};
+    model.FillFromLists({}, &sharedList, nullptr, EventListModel::kAllLayers);
+    ASSERT_EQ(model.rowCount(), 1);
+    EXPECT_EQ(FormatYMD(e->DueDate()), QStringLiteral("2009-03-15"));
+    EXPECT_EQ(model.cellText(0, Col::ColLeft), QStringLiteral("0010"));
+    EXPECT_EQ(model.marker(0), QStringLiteral("S"));
+}
+
+TEST_F(EventList, LayerFilter) {
+    Add(events, {"L1", "2009-03-06", "Ann", 1});
+    Add(events, {"L3", "2009-03-06", "Ann", 3});
+    Add(events, {"L0", "2009-03-06", "Ann", 0});
+    Add(events, {"L3 shared", "2009-03-06", "Ann", 3, true});
+    Add(expired, {"X0", "2009-02-01", "Ann", 0});
+    Add(expired, {"X3 shared", "2009-02-01", "Ann", 3, true});
+    const struct {
+        int layer;
+        QStringList rows;
+    } cases[] = {
+        {20, {"L1", "L3", "L0", "L3 shared", "X0", "X3 shared"}},
+        {3, {"L3", "L3 shared", "X3 shared"}},
+        {1, {"L1"}},                    // a layer-0 event is shown as layer 1 but filtered as 0
+        {0, {"L0", "L3 shared", "X0"}}, // shared ones pass 0, expired ones only by layer
+        {7, {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.layer);
+        model.FillEvents(c.layer, true);
+        QStringList rows = Column(Col::ColEvent);
+        EXPECT_EQ(rows, c.rows);
+    }
+}
+
+TEST_F(EventList, HeaderClicksFlipOneOrderForEveryColumn) {
+    Add(events, {"banana", "2009-03-07"});
+    Add(events, {"Cherry", "2009-03-05"});
+    Add(events, {"apple", "2009-03-20"});
+    Add(expired, {"Elder", "2009-02-01"});
+    model.FillEvents(EventListModel::kAllLayers, true);
+    // By default ascending by "Left": day counts in order, past ones last.
+    EXPECT_EQ(Column(Col::ColLeft), (QStringList{"0000", "0002", "0015", "---"}));
+
+    model.ColumnClick(Col::ColLeft);
+    EXPECT_EQ(model.sortOrder(), Qt::DescendingOrder);
+    EXPECT_EQ(Column(Col::ColLeft), (QStringList{"---", "0015", "0002", "0000"}));
+    model.ColumnClick(Col::ColLeft);
+    EXPECT_EQ(Column(Col::ColLeft), (QStringList{"0000", "0002", "0015", "---"}));
+    model.ColumnClick(Col::ColEvent);
+    EXPECT_EQ(Column(Col::ColEvent), (QStringList{"Elder", "Cherry", "banana", "apple"}))
+        << "the third click is descending, whichever column";
+    model.ColumnClick(Col::ColEvent);
+    EXPECT_EQ(Column(Col::ColEvent), (QStringList{"apple", "banana", "Cherry", "Elder"}));
+
+    // The order survives a refill.
+    Add(events, {"Date", "2009-03-09"});
+    model.FillEvents(EventListModel::kAllLayers, true);
+    EXPECT_EQ(model.sortColumn(), Col::ColEvent);
+    EXPECT_EQ(Column(Col::ColEvent), (QStringList{"apple", "banana", "Cherry", "Date", "Elder"}));
+}
+
+TEST_F(EventList, FirstClickOnAnotherColumnIsDescendingThenNextAscending) {
+    EventListModel fresh(settings, layers, events, expired, shared);
+    Add(events, {"b", "2009-12-01"});
+    Add(events, {"a", "2010-01-15"});
+    fresh.FillEvents(EventListModel::kAllLayers, false);
+    fresh.ColumnClick(Col::ColLeft);
+    fresh.ColumnClick(Col::ColDate);
+    EXPECT_EQ(fresh.sortOrder(), Qt::AscendingOrder);
+    // Dates sort by their text, so January's "01/15" comes before "12/01".
+    EXPECT_EQ(fresh.cellText(0, Col::ColDate), QStringLiteral("01/15"));
+    EXPECT_EQ(fresh.cellText(1, Col::ColDate), QStringLiteral("12/01"));
+}
+
+TEST_F(EventList, PassesTheModelTesterThroughFillsAndSorts) {
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+    for (int i = 0; i < 30; ++i) {
+        Add(events, {QStringLiteral("Event %1").arg(i), FormatYMD(D("2009-03-01") + i),
+                     i % 2 ? "Ann" : "Bob", static_cast<int16_t>(i % 4), i % 3 == 0});
+    }
+    model.FillEvents(EventListModel::kAllLayers, false);
+    for (int col = 0; col < EventListModel::ColumnCount; ++col) {
+        model.ColumnClick(col);
+    }
+    model.FillEvents(2, false);
+    EXPECT_EQ(model.columnCount(), 9);
+    EXPECT_EQ(model.data(model.index(0, Col::ColType), Qt::TextAlignmentRole).toInt(),
+              static_cast<int>(Qt::AlignCenter));
+}
+
+TEST_F(EventList, FindTextSearchesTheEventColumnIgnoringCase) {
+    Add(events, {"Dentist", "2009-03-06"});
+    Add(events, {"Car service", "2009-03-07"});
+    Add(events, {"dentist again", "2009-03-08"});
+    model.FillEvents(EventListModel::kAllLayers, false);
+    EXPECT_EQ(model.FindText(QStringLiteral("DENT")), 0);
+    EXPECT_EQ(model.FindText(QStringLiteral("DENT"), 1), 2);
+    EXPECT_EQ(model.FindText(QStringLiteral("dent"), 3), -1);
+    EXPECT_EQ(model.FindRow(model.IDCode(1)), 1);
+    EXPECT_EQ(model.FindRow(model.IDCode(1), EventListModel::Source::Expired), -1);
+}
+
+TEST_F(EventList, BadLayerIsLoggedAndTheRowStays) {
+    const EventPtr e = Make({"Odd layer", "2009-03-06", "Ann", 25});
+    model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
+    ASSERT_EQ(model.rowCount(), 1);
+    EXPECT_EQ(model.cellText(0, Col::ColEvent), QStringLiteral("Odd layer"));
+    EXPECT_EQ(model.cellText(0, Col::ColLayer), QString());
+    bool logged = false;
+    for (const QString& line : NewLogLines()) {
+        logged = logged || line.endsWith(QStringLiteral("in AddListItem of module frmMain"));
+    }
+    EXPECT_TRUE(logged);
+}
+
+class EventListWindow : public EventList {
+protected:
+    EventListView view{&model};
+};
+
+TEST_F(EventListWindow, ControlSetUp) {
+    EXPECT_EQ(view.objectName(), QStringLiteral("ListEvents"));
+    EXPECT_EQ(view.toolTip(),
+              QStringLiteral(
+                  "Black = normal, Red = Expired, Green = Your shared, Blue = Shared from others"));
+    EXPECT_EQ(view.selectionMode(), QAbstractItemView::ExtendedSelection);
+    EXPECT_EQ(view.selectionBehavior(), QAbstractItemView::SelectRows);
+    const QStringList headers{"Left",  "Day",   "Date", "Year",       "Event",
+                              "Layer", "Owner", "Type", "Shared With"};
+    const QList<int> widths{66, 66, 83, 66, 470, 169, 169, 94, 169};
+    for (int c = 0; c < EventListModel::ColumnCount; ++c) {
+        EXPECT_EQ(model.headerData(c, Qt::Horizontal).toString(), headers[c]);
+        EXPECT_EQ(view.header()->sectionSize(c), widths[c]) << c;
+    }
+    EXPECT_EQ(model.headerData(Col::ColType, Qt::Horizontal, Qt::TextAlignmentRole).toInt(),
+              static_cast<int>(Qt::AlignCenter));
+}
+
+TEST_F(EventListWindow, ClicksOnTheRealHeaderSortAndShowTheOrder) {
+    Add(events, {"a", "2009-03-06"});
+    Add(events, {"b", "2009-03-09"});
+    view.FillEvents(EventListModel::kAllLayers, false);
+    view.resize(1200, 400);
+    view.show();
+    QHeaderView* head = view.header();
+    auto click = [&](int col) {
+        const int x = head->sectionViewportPosition(col) + head->sectionSize(col) / 2;
+        QTest::mouseClick(head->viewport(), Qt::LeftButton, {}, QPoint(x, head->height() / 2));
+    };
+    click(Col::ColLeft);
+    EXPECT_EQ(model.cellText(0, Col::ColEvent), QStringLiteral("b"));
+    EXPECT_EQ(head->sortIndicatorOrder(), Qt::DescendingOrder);
+    click(Col::ColEvent);
+    EXPECT_EQ(head->sortIndicatorSection(), Col::ColEvent);
+    EXPECT_EQ(head->sortIndicatorOrder(), Qt::AscendingOrder);
+    EXPECT_EQ(model.cellText(0, Col::ColEvent), QStringLiteral("a"));
+}
+
+TEST_F(EventListWindow, SelectionByIndexSurvivesRefills) {
+    view.FillEvents(EventListModel::kAllLayers, false);
+    EXPECT_EQ(view.selectedRow(), EventListView::kNoSelection) << "an empty list has no selection";
+
+    QStringList ids;
+    for (int i = 0; i < 5; ++i) {
+        ids << Add(events, {QStringLiteral("E%1").arg(i), FormatYMD(D("2009-03-06") + i)})->IDCode;
+    }
+    view.FillEvents(EventListModel::kAllLayers, false);
+    EXPECT_EQ(view.selectedRows(), QList<int>{0}) << "no previous selection: the first row";
+
+    view.selectionModel()->select(model.index(3, 0),
+                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    view.selectionModel()->select(model.index(1, 0),
+                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    EXPECT_EQ(view.selectedIDCodes(), (QStringList{ids[0], ids[1], ids[3]}));
+
+    view.selectRow(3);
+    events.DeleteRecord(ids[3]);
+    view.FillEvents(EventListModel::kAllLayers, false);
+    EXPECT_EQ(view.selectedIDCodes(), QStringList{ids[4]}) << "the row now at the same place";
+
+    view.FillEvents(3, false);
+    EXPECT_EQ(view.selectedRow(), EventListView::kNoSelection);
+    view.FillEvents(EventListModel::kAllLayers, false);
+    EXPECT_EQ(view.selectedRow(), 0);
+    view.selectRow(3);
+    events.DeleteRecord(ids[4]);
+    view.FillEvents(EventListModel::kAllLayers, false);
+    EXPECT_EQ(view.selectedRow(), 0) << "a position past the end falls back to the first row";
+    EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Selecting current event")));
+}
+
+TEST_F(EventListWindow, ColourLegendShowsOverRowsAndEmptySpace) {
+    Add(events, {"a", "2009-03-06"});
+    view.FillEvents(EventListModel::kAllLayers, false);
+    view.resize(800, 300);
+    view.show();
+    for (const QPoint& at :
+         {view.visualRect(model.index(0, Col::ColEvent)).center(), QPoint(400, 250)}) {
+        QToolTip::hideText();
+        QHelpEvent help(QEvent::ToolTip, at, view.viewport()->mapToGlobal(at));
+        QCoreApplication::sendEvent(view.viewport(), &help);
+        EXPECT_EQ(QToolTip::text(), EventListView::ColourToolTip());
+    }
+    QToolTip::hideText();
+}
+
+TEST_F(EventListWindow, RightClickReportsTheScreenPosition) {
+    QSignalSpy spy(&view, &EventListView::rightClicked);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(105, 205));
+    QCoreApplication::sendEvent(view.viewport(), &event);
+    ASSERT_EQ(spy.count(), 1);
+    EXPECT_EQ(spy.at(0).at(0).toPoint(), QPoint(105, 205));
+}
+
+} // namespace

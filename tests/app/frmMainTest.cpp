@@ -1,0 +1,320 @@
+// The main window offscreen with a temporary home folder and scripted
+// dialogs: the toolbar, the guarded commands, search, the filter, closing.
+#include "app/EventListModel.h"
+#include "app/StartUp.h"
+#include "app/frmMain.h"
+#include "shared/AppPaths.h"
+#include "shared/cSHAREDSettings.h"
+#include "shared/cSharedLogging.h"
+#include "storage/SharedDatabases.h"
+#include "storage/clsDbXml.h"
+#include "storage/clsLayers.h"
+#include "support/FakeReminderWindows.h"
+#include "support/LogLines.h"
+#include "support/ModalHelper.h"
+#include "support/ScriptedDialogs.h"
+#include "support/TestSupport.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QListWidget>
+#include <QRadioButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileInfo>
+#include <QItemSelectionModel>
+#include <QTableView>
+#include <QToolBar>
+
+namespace {
+
+class MainWindow : public ::testing::Test {
+protected:
+    MainWindow() {
+        settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
+        settings.sSet(QStringLiteral("DataPath"), home.path());
+        settings.sSet(QStringLiteral("SharedDatapath"), home.path());
+        events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
+        expired.SetDBFilename(home.file(QStringLiteral("Expired.xml")));
+    }
+
+    EventPtr add(clsDbXml& db, const QString& desc, const QString& due,
+                 const QString& owner = QStringLiteral("Ann")) {
+        auto e = std::make_shared<clsEvent>();
+        e->setDesc(desc);
+        e->setDueDate(D(due));
+        e->setOwner(owner);
+        e->setLayer(3);
+        db.StoreRecord(e, true);
+        return e;
+    }
+    // Bob publishes one event in the shared folder; the window sees it as "S".
+    void addBobsSharedEvent() {
+        settings.sSet(QStringLiteral("Networked"), true);
+        WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\n");
+        cSHAREDSettings bobs;
+        bobs.sSet(QStringLiteral("Owner"), QStringLiteral("Bob"));
+        clsDbXml bobFile(bobs);
+        bobFile.SetDBFilename(home.file(QStringLiteral("Shared_Bob.xml")));
+        auto e = std::make_shared<clsEvent>();
+        e->setDesc(QStringLiteral("Bob's party"));
+        e->setOwner(QStringLiteral("Bob"));
+        e->setDueDate(D(QStringLiteral("2009-03-20")));
+        e->SharedEvent = true;
+        bobFile.StoreRecord(e, true);
+        bobFile.SaveDB();
+    }
+    int rowOf(const QString& desc) {
+        for (int r = 0; r < window->model().rowCount(); ++r) {
+            if (window->model().cellText(r, EventListModel::ColEvent) == desc) {
+                return r;
+            }
+        }
+        return -1;
+    }
+    void select(std::initializer_list<QString> descs) {
+        window->list().clearSelection();
+        for (const QString& d : descs) {
+            window->list().selectionModel()->select(
+                window->model().index(rowOf(d), 0),
+                QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        }
+    }
+    void open() {
+        window = std::make_unique<frmMain>(app);
+        window->FillEvents();
+    }
+
+    TempHome home;
+    FixedClock clock{QStringLiteral("2009-03-05 10:00")};
+    cSHAREDSettings settings;
+    clsLayers layers{settings};
+    clsDbXml events{settings, &layers};
+    clsDbXml expired{settings, &layers};
+    SharedDatabases shared{settings, layers};
+    ScriptedDialogs dialogs;
+    FakeFileOpener opener;
+    FakeSoundPlayer player;
+    AppContext app{settings, home.file(QStringLiteral("Tvo.ini")), layers, events, expired,
+                   shared,   dialogs,                              opener, player};
+    std::unique_ptr<frmMain> window;
+};
+
+TEST_F(MainWindow, TitleToolbarAndItsTips) {
+    open();
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Tarvo 2 - Quillmere Software"));
+    const QList<QPair<const char*, const char*>> buttons = {
+        {"exit", "End the program"},
+        {"addevent", "Add a new event"},
+        {"editevent", "Edit selected event"},
+        {"pushevent", "Change due date to NEXT occurrence"},
+        {"deleteevent", "Delete selected event(s)"},
+        {"tasklist", "Show task list"},
+        {"monthview", "Monthly Calendar"},
+        {"editlayers", "Edit category names"},
+        {"options", "Settings"},
+        {"refresh", "Refresh event list"},
+        {"log", "View program log"},
+        {"help", "Show help"}};
+    const QList<QAction*> actions =
+        window->findChild<QToolBar*>(QStringLiteral("Toolbar1"))->actions();
+    ASSERT_EQ(actions.size(), buttons.size());
+    for (int i = 0; i < buttons.size(); ++i) {
+        EXPECT_EQ(actions[i]->objectName(), QString::fromLatin1(buttons[i].first));
+        EXPECT_EQ(actions[i]->toolTip(), QString::fromLatin1(buttons[i].second));
+        EXPECT_FALSE(actions[i]->icon().isNull()) << buttons[i].first;
+    }
+    EXPECT_EQ(window->findChild<QCheckBox*>(QStringLiteral("chkExpired"))->text(),
+              QStringLiteral("Show Expired"));
+    EXPECT_EQ(window->findChild<QComboBox*>(QStringLiteral("cmbCategories"))->count(), 21);
+}
+
+TEST_F(MainWindow, ViewLogOpensTheLogFile) {
+    open();
+    window->Toolbar1_ButtonClick(QStringLiteral("log"));
+    ASSERT_EQ(opener.opened.size(), 1);
+    EXPECT_EQ(opener.opened.first(), Log().CurrentLogFilename());
+}
+
+TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
+    addBobsSharedEvent();
+    add(events, QStringLiteral("Mine"), QStringLiteral("2009-03-10"));
+    open();
+    ASSERT_GE(rowOf(QStringLiteral("Bob's party")), 0);
+    EXPECT_EQ(window->model().marker(rowOf(QStringLiteral("Bob's party"))), QStringLiteral("S"));
+
+    select({QStringLiteral("Bob's party")});
+    window->EditSelectedEvent();
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("You can't edit a shared item belonging to someone else"));
+    EXPECT_TRUE(window->refreshTimer().isActive()) << "the refresh timer is back on after a refusal";
+
+    window->PushSelectedEvent();
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("You can't push a shared item belonging to someone else"));
+
+    // A mixed selection: own rows go, the other user's stays, and the user is told.
+    select({QStringLiteral("Bob's party"), QStringLiteral("Mine")});
+    dialogs.answerYes();
+    window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
+    EXPECT_EQ(dialogs.texts().mid(dialogs.texts().size() - 2),
+              (QStringList{QStringLiteral("Are you sure you want to delete the selected event(s)?"),
+                           QStringLiteral("You can't delete events belonging to another user")}));
+    EXPECT_EQ(rowOf(QStringLiteral("Mine")), -1);
+    EXPECT_GE(rowOf(QStringLiteral("Bob's party")), 0);
+}
+
+TEST_F(MainWindow, DeleteAsksFirstAndNoKeepsEverything) {
+    add(events, QStringLiteral("Keep me"), QStringLiteral("2009-03-10"));
+    open();
+    select({QStringLiteral("Keep me")});
+    dialogs.answerNo();
+    window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
+    EXPECT_GE(rowOf(QStringLiteral("Keep me")), 0);
+}
+
+TEST_F(MainWindow, PushMovesToTheNextOccurrence) {
+    EventPtr weekly = add(events, QStringLiteral("Gym"), QStringLiteral("2009-03-06"));
+    weekly->setRecurring(true);
+    weekly->setRecurrenceType(clsEvent::Weekly);
+    weekly->setPeriod(1);
+    weekly->setStartDate(D(QStringLiteral("2009-03-06")));
+    open();
+    select({QStringLiteral("Gym")});
+    window->PushSelectedEvent();
+    EXPECT_EQ(FormatYMD(weekly->DueDate()), QStringLiteral("2009-03-13"));
+    EXPECT_EQ(window->SelectedRow(), rowOf(QStringLiteral("Gym")));
+}
+
+TEST_F(MainWindow, FindAndFindNext) {
+    for (const char* d : {"Dentist", "Pay rent", "Dentist again", "Rent party"}) {
+        add(events, QString::fromLatin1(d), QStringLiteral("2009-03-10"));
+    }
+    open();
+    // Find Next with no term yet asks for one.
+    dialogs.answerText(QStringLiteral("RENT"));
+    window->mnuFind_Click(1);
+    EXPECT_EQ(dialogs.shown().last().text, QStringLiteral("Enter search term"));
+    EXPECT_EQ(dialogs.shown().last().title, QStringLiteral("Search"));
+    const int first = window->SelectedRow();
+    ASSERT_GE(first, 0);
+    EXPECT_TRUE(window->model().cellText(first, EventListModel::ColEvent).contains(QStringLiteral("rent"), Qt::CaseInsensitive));
+    window->mnuFind_Click(1);
+    const int second = window->SelectedRow();
+    EXPECT_GT(second, first);
+    EXPECT_TRUE(window->model().cellText(second, EventListModel::ColEvent).contains(QStringLiteral("rent"), Qt::CaseInsensitive));
+    EXPECT_EQ(dialogs.count(), 1) << "Find Next reuses the kept term";
+
+    // An empty answer ends the search without moving.
+    dialogs.answerText(QString());
+    window->mnuFind_Click(0);
+    EXPECT_EQ(window->SelectedRow(), second);
+}
+
+TEST_F(MainWindow, CategoryFilter) {
+    add(events, QStringLiteral("In three"), QStringLiteral("2009-03-10"));
+    EventPtr other = add(events, QStringLiteral("In five"), QStringLiteral("2009-03-10"));
+    other->setLayer(5);
+    open();
+    auto* combo = window->findChild<QComboBox*>(QStringLiteral("cmbCategories"));
+    EXPECT_EQ(combo->currentIndex(), 20) << "all categories at first";
+    EXPECT_EQ(window->model().rowCount(), 2);
+    combo->setCurrentIndex(5);
+    emit combo->activated(5);
+    EXPECT_EQ(window->model().rowCount(), 1);
+    EXPECT_EQ(window->model().cellText(0, EventListModel::ColEvent), QStringLiteral("In five"));
+}
+
+TEST_F(MainWindow, CloseHidesInsteadOfQuitting) {
+    open();
+    window->show();
+    window->close();
+    EXPECT_FALSE(window->isVisible());
+    qsizetype mark = LoggedTexts().size();
+    window->Runner_ShowWindow();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_TRUE(LoggedTexts().mid(mark).contains(QStringLiteral("Main window NOT visible - showing it")));
+    mark = LoggedTexts().size();
+    window->Runner_ShowWindow();
+    EXPECT_TRUE(LoggedTexts().mid(mark).contains(QStringLiteral("Main window visible - doing nothing")));
+}
+
+TEST_F(MainWindow, QuitSavesTheWindowSize) {
+    open();
+    window->show();
+    window->resize(700, 450);
+    window->Quit();
+    cSHAREDSettings saved;
+    saved.LoadSettings(app.settingsFile);
+    EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), window->width());
+    EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), window->height());
+}
+
+TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {
+    addBobsSharedEvent();
+    WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\nCarol\r\n");
+    EventPtr mine = add(events, QStringLiteral("Mine"), QStringLiteral("2009-03-10"));
+    open();
+
+    select({QStringLiteral("Bob's party")});
+    window->ShareWith();
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("You can't edit a shared item belonging to someone else"));
+
+    select({QStringLiteral("Mine")});
+    WhenModalAppears([](QWidget* modal) {
+        modal->findChild<QCheckBox*>(QStringLiteral("chkShared"))->setChecked(true);
+        modal->findChild<QRadioButton*>(QStringLiteral("optSpecific"))->setChecked(true);
+        auto* users = modal->findChild<QListWidget*>(QStringLiteral("lstShareUsers"));
+        ASSERT_EQ(users->count(), 3);
+        users->item(2)->setCheckState(Qt::Checked);
+        static_cast<QDialog*>(modal)->accept();
+    });
+    window->ShareWith();
+    EXPECT_TRUE(mine->SharedEvent);
+    EXPECT_TRUE(mine->ShareWithSpecific);
+    EXPECT_EQ(mine->ShareNames, QStringLiteral("Carol\r\n"));
+    clsDbXml reread(settings);
+    reread.LoadDB(events.DBFilename());
+    ASSERT_TRUE(reread.ReadEvent(mine->IDCode));
+    EXPECT_EQ(reread.ReadEvent(mine->IDCode)->ShareNames, QStringLiteral("Carol\r\n"));
+    EXPECT_EQ(window->model().cellText(window->SelectedRow(), EventListModel::ColSharedWith),
+              QStringLiteral("Carol"));
+}
+
+// ---- start-up ----
+
+TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabaseAndCancelEnds) {
+    bool optionsShown = false;
+    StartUp startUp(app, [&](AppContext& c) {
+        optionsShown = true;
+        EXPECT_TRUE(c.events.DBFilename().isEmpty() || c.events.RecordCount() == 0);
+        return false;
+    });
+    events.SetDBFilename(QString());
+    EXPECT_FALSE(startUp.Run());
+    EXPECT_TRUE(optionsShown);
+    EXPECT_TRUE(events.DBFilename().isEmpty()) << "no database was opened";
+    const QStringList log = LoggedTexts();
+    EXPECT_TRUE(log.contains(QStringLiteral("Loading category names")));
+    EXPECT_FALSE(log.contains(QStringLiteral("Loading local events")));
+}
+
+TEST_F(MainWindow, StartUpLogsItsStepsInOrder) {
+    WriteFileBytes(app.settingsFile, "OWNER,Ann\r\nNOAUTOBACKUPS,-1 \r\n");
+    StartUp startUp(app, [](AppContext&) { return false; });
+    ASSERT_TRUE(startUp.Run());
+    const QStringList log = LoggedTexts();
+    const QStringList steps = {QStringLiteral("TVO Startup"), QStringLiteral("Options loaded"),
+                               QStringLiteral("Loading category names"),
+                               QStringLiteral("DB file: ") + AppPaths::JoinPath(home.path(), QStringLiteral("Events.xml")),
+                               QStringLiteral("Loading local events"), QStringLiteral("Local events loaded"),
+                               QStringLiteral("Loading expired events"), QStringLiteral("Expired events loaded"),
+                               QStringLiteral("Autobackups disabled")};
+    qsizetype at = 0;
+    for (const QString& step : steps) {
+        const qsizetype found = log.indexOf(step, at);
+        EXPECT_GE(found, at) << step.toStdString();
+        at = std::max(at, found);
+    }
+    EXPECT_EQ(events.DBFilename(), home.file(QStringLiteral("Events.xml")));
+}
+
+} // namespace

@@ -1,0 +1,39 @@
+// Data-driven cases: each folder under data/ holds a hand-made "input.xml"
+// and the "expected.xml" that loading it and saving it again must give.
+#include "StorageFixture.h"
+
+#include "storage/clsDbXml.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+QString CasesFolder() {
+    return QFileInfo(QStringLiteral(__FILE__)).dir().filePath(QStringLiteral("data"));
+}
+
+class StorageCases : public StorageTest {};
+
+TEST_F(StorageCases, LoadingAndSavingGivesTheExpectedFile) {
+    const QStringList cases = QDir(CasesFolder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    ASSERT_FALSE(cases.isEmpty()) << "no cases in " << CasesFolder().toStdString();
+    for (const QString& name : cases) {
+        const QDir dir(QDir(CasesFolder()).filePath(name));
+        const QString input = home.file(name + QStringLiteral(".xml"));
+        ASSERT_TRUE(
+            WriteFileBytes(input, ReadFileBytes(dir.filePath(QStringLiteral("input.xml")))));
+        clsDbXml db(settings, &layers);
+        db.LoadDB(input);
+        db.SetDBFilename(home.file(name + QStringLiteral("-saved.xml")));
+        db.SaveDB();
+        const QByteArray saved = ReadFileBytes(db.DBFilename());
+        const QString expectedPath = dir.filePath(QStringLiteral("expected.xml"));
+        if (qEnvironmentVariableIsSet("TARVO_WRITE_EXPECTED") && !QFileInfo::exists(expectedPath)) {
+            WriteFileBytes(expectedPath, saved); // to start a new case; review it by hand
+        }
+        EXPECT_EQ(saved, ReadFileBytes(expectedPath)) << "case " << name.toStdString();
+    }
+}
+
+} // namespace

@@ -173,7 +173,9 @@ void frmEvent::buildControls() {
     when->addWidget(lblMinWarning, 2, 0);
     auto* minutesRow = new QHBoxLayout;
     minutesRow->addWidget(txtMinutesWarning);
-    minutesRow->addWidget(new QLabel(S("minutes"), this));
+    auto* warningUnit = new QLabel(S("minutes"), this);
+    warningUnit->setObjectName(QStringLiteral("lblWarningUnit"));
+    minutesRow->addWidget(warningUnit);
     minutesRow->addStretch(1);
     when->addLayout(minutesRow, 2, 1);
     when->addWidget(lblAlarmAdvice, 3, 0, 1, 2);
@@ -579,8 +581,10 @@ void frmEvent::UpdateEventFrames(int index) {
 
 void frmEvent::SetupRelatedItems() {
     const bool timed = chkTimed->isChecked();
-    for (QWidget* w : {static_cast<QWidget*>(txtMinutesWarning), static_cast<QWidget*>(txtTime),
-                       static_cast<QWidget*>(lblEventTime), static_cast<QWidget*>(lblMinWarning)}) {
+    QWidget* warningUnit = findChild<QWidget*>(QStringLiteral("lblWarningUnit"));
+    for (QWidget* w :
+         {static_cast<QWidget*>(txtMinutesWarning), static_cast<QWidget*>(txtTime),
+          static_cast<QWidget*>(lblEventTime), static_cast<QWidget*>(lblMinWarning), warningUnit}) {
         w->setEnabled(timed);
     }
     const bool run = chkRunFile->isChecked();

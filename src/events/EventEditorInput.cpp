@@ -15,7 +15,8 @@ namespace EventEditorRules {
 namespace {
 
 EventEditorOutcome fail(const char* message, const char* title = nullptr) {
-    return {false, QString::fromLatin1(message), title != nullptr ? QString::fromLatin1(title) : QString()};
+    return {false, QString::fromLatin1(message),
+            title != nullptr ? QString::fromLatin1(title) : QString()};
 }
 
 // A box's number as a 16-bit field takes it: rounded half to even; empty
@@ -27,7 +28,8 @@ std::optional<int16_t> Int16Of(const QString& text) {
         return std::nullopt;
     }
     const double rounded = std::nearbyint(*value);
-    if (rounded < std::numeric_limits<int16_t>::min() || rounded > std::numeric_limits<int16_t>::max()) {
+    if (rounded < std::numeric_limits<int16_t>::min() ||
+        rounded > std::numeric_limits<int16_t>::max()) {
         return std::nullopt;
     }
     return static_cast<int16_t>(rounded);
@@ -127,13 +129,14 @@ QString AlarmAdvice(const QString& time, const QString& minutesWarning) {
     if (!due) {
         return {};
     }
-    const std::optional<double> warning = Number(minutesWarning.trimmed().isEmpty() ? QStringLiteral("0")
-                                                                                    : minutesWarning);
+    const std::optional<double> warning =
+        Number(minutesWarning.trimmed().isEmpty() ? QStringLiteral("0") : minutesWarning);
     if (!warning) {
         return {};
     }
     const int dueMinute = HourOf(*due) * 60 + MinuteOf(*due);
-    const int minute = ((dueMinute - static_cast<int>(std::nearbyint(*warning))) % 1440 + 1440) % 1440;
+    const int minute =
+        ((dueMinute - static_cast<int>(std::nearbyint(*warning))) % 1440 + 1440) % 1440;
     const int hour12 = (minute / 60) % 12 == 0 ? 12 : (minute / 60) % 12;
     return QStringLiteral("(Alarm will sound at %1:%2%3)")
         .arg(hour12)

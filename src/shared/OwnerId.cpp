@@ -10,9 +10,10 @@ QString Problem(const QString& id) {
     const QString forbidden = QLatin1String(kForbiddenCharacters);
     for (const QChar c : trimmed) {
         if (forbidden.contains(c) || c.unicode() < 0x20 || c.unicode() == 0x7f) {
-            return QStringLiteral("The ID \"%1\" cannot be used: it becomes part of a file name in the "
-                                  "shared folder, so it must not contain any of \\ / : * ? \" < > | or "
-                                  "control characters.")
+            return QStringLiteral(
+                       "The ID \"%1\" cannot be used: it becomes part of a file name in the "
+                       "shared folder, so it must not contain any of \\ / : * ? \" < > | or "
+                       "control characters.")
                 .arg(trimmed);
         }
     }
@@ -25,7 +26,8 @@ QString Problem(const QString& id) {
     }
     // "Single" marks single-user events and "Not Set" an unfinished setup;
     // either as a real ID would be mistaken for those.
-    if (TextEqual(trimmed, QStringLiteral("Single")) || TextEqual(trimmed, QStringLiteral("Not Set"))) {
+    if (TextEqual(trimmed, QStringLiteral("Single")) ||
+        TextEqual(trimmed, QStringLiteral("Not Set"))) {
         return QStringLiteral("The ID \"%1\" is reserved by the program. Please choose another ID.")
             .arg(trimmed);
     }

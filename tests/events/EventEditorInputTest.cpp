@@ -79,11 +79,8 @@ TEST_F(EditorRules, WarningMinutes) {
         const char* message;
         int16_t stored;
     } cases[] = {
-        {"60", "", 60},
-        {"61", R::kMaxWarning, 0},
-        {"", "", 0},
-        {" 5 ", "", 5},
-        {"ten", R::kDataError, 0},
+        {"60", "", 60}, {"61", R::kMaxWarning, 0}, {"", "", 0},
+        {" 5 ", "", 5}, {"ten", R::kDataError, 0},
     };
     for (const auto& c : cases) {
         clsEvent fresh;
@@ -106,7 +103,8 @@ TEST_F(EditorRules, TimedEventGetsDueTimeAndAlarmTimeByPlainSubtraction) {
     EXPECT_TRUE(event.AlarmSet());
     EXPECT_DOUBLE_EQ(event.DueTime(), TimeSerial(0, 10));
     EXPECT_EQ(event.MinutesWarning(), 30);
-    EXPECT_NEAR(event.AlarmTime(), TimeSerial(0, 10) - 30.0 / 1440.0, 1e-9) << "no wrap at midnight";
+    EXPECT_NEAR(event.AlarmTime(), TimeSerial(0, 10) - 30.0 / 1440.0, 1e-9)
+        << "no wrap at midnight";
     EXPECT_LT(event.AlarmTime(), 0.0);
 }
 
@@ -268,7 +266,8 @@ TEST_F(EditorRules, EmailIsRememberedAsTheDefault) {
     in.email = QStringLiteral("fred@example.org");
     ASSERT_TRUE(save(in).saved);
     EXPECT_EQ(event.Email, QStringLiteral("fred@example.org"));
-    EXPECT_EQ(settings.sGet(QStringLiteral("DefaultEmail")).toText(), QStringLiteral("fred@example.org"));
+    EXPECT_EQ(settings.sGet(QStringLiteral("DefaultEmail")).toText(),
+              QStringLiteral("fred@example.org"));
     in.emailTo = false;
     ASSERT_TRUE(save(in).saved);
     EXPECT_TRUE(event.Email.isEmpty());
@@ -290,7 +289,8 @@ TEST_F(EditorRules, SoundAndFileToRun) {
 
     in.wavFile = home.file(QStringLiteral("gone.wav"));
     ASSERT_TRUE(save(in).saved);
-    EXPECT_NE(event.WavFile, home.file(QStringLiteral("gone.wav"))) << "a missing sound gives the default";
+    EXPECT_NE(event.WavFile, home.file(QStringLiteral("gone.wav")))
+        << "a missing sound gives the default";
     EXPECT_FALSE(event.WavFile.isEmpty());
     EXPECT_EQ(in.wavFile, event.WavFile) << "the label shows the sound used";
 
@@ -318,7 +318,8 @@ TEST(EditorAlarmAdvice, ShowsTheAlarmMomentOnATwelveHourClock) {
         {"10:00", "soon", ""},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(EventEditorRules::AlarmAdvice(QString::fromLatin1(c.time), QString::fromLatin1(c.minutes)),
+        EXPECT_EQ(EventEditorRules::AlarmAdvice(QString::fromLatin1(c.time),
+                                                QString::fromLatin1(c.minutes)),
                   QString::fromLatin1(c.advice))
             << c.time << " - " << c.minutes;
     }

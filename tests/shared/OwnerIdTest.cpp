@@ -30,6 +30,7 @@ TEST(OwnerId, NamesThatWouldLeaveOrBreakTheFileNameAreRefused) {
     for (const auto& c : cases) {
         const QString problem = OwnerId::Problem(c.id);
         EXPECT_FALSE(problem.isEmpty()) << c.why;
-        EXPECT_TRUE(problem.contains(c.id.trimmed())) << "the message names the ID: " << problem.toStdString();
+        EXPECT_TRUE(problem.contains(c.id.trimmed()))
+            << "the message names the ID: " << problem.toStdString();
     }
 }

@@ -5,15 +5,18 @@
 #include "storage/SharedDatabases.h"
 
 clsOptions2::clsOptions2(cSHAREDSettings& settings, QString settingsFile, QString localEventFile)
-    : m_settings(settings), m_settingsFile(std::move(settingsFile)), m_localEventFile(std::move(localEventFile)) {}
+    : m_settings(settings), m_settingsFile(std::move(settingsFile)),
+      m_localEventFile(std::move(localEventFile)) {}
 
 QString clsOptions2::FolderPart(const QString& path) {
-    const qsizetype cut = std::max(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
+    const qsizetype cut =
+        std::max(path.lastIndexOf(QLatin1Char('/')), path.lastIndexOf(QLatin1Char('\\')));
     return cut < 0 ? QString() : path.left(cut + 1);
 }
 
 QString clsOptions2::WithSeparator(const QString& path) {
-    if (path.isEmpty() || path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1Char('\\'))) {
+    if (path.trimmed().isEmpty() || path.endsWith(QLatin1Char('/')) ||
+        path.endsWith(QLatin1Char('\\'))) {
         return path;
     }
     const bool backslashes = path.contains(QLatin1Char('\\')) && !path.contains(QLatin1Char('/'));
@@ -26,11 +29,14 @@ QString clsOptions2::DefaultAlarmFile() {
 
 void clsOptions2::LoadOptions() {
     m_settings.LoadSettings(m_settingsFile);
-    const QString dataFolder = m_settings.sGet(QStringLiteral("Datapath"), AppPaths::HomeFolder()).toText();
-    const QString localFolder = m_localEventFile.isEmpty() ? dataFolder : FolderPart(m_localEventFile);
+    const QString dataFolder =
+        m_settings.sGet(QStringLiteral("Datapath"), AppPaths::HomeFolder()).toText();
+    const QString localFolder =
+        m_localEventFile.isEmpty() ? dataFolder : FolderPart(m_localEventFile);
     m_owner = m_settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText();
-    m_sharedDBFilename = WithSeparator(m_settings.sGet(QStringLiteral("SharedDataPath"), localFolder).toText()) +
-                         SharedDatabases::SharedFileName(m_owner);
+    m_sharedDBFilename =
+        WithSeparator(m_settings.sGet(QStringLiteral("SharedDataPath"), localFolder).toText()) +
+        SharedDatabases::SharedFileName(m_owner);
     m_dateStyle = m_settings.sGet(QStringLiteral("DateStyle"), 1).toInt16();
     m_networked = m_settings.sGet(QStringLiteral("Networked"), false).toBool();
     m_wavFile = m_settings.sGet(QStringLiteral("WavFile"), DefaultAlarmFile()).toText();

@@ -44,7 +44,7 @@ public:
     // path has none).
     static QString FolderPart(const QString& path);
     // path with a separator at its end ("/" unless the path already uses
-    // "\"); an empty path stays empty.
+    // "\"); a blank path stays as it is.
     static QString WithSeparator(const QString& path);
     // The home folder's "alarm.wav", the default alarm sound.
     static QString DefaultAlarmFile();

@@ -28,7 +28,8 @@ QString captionFor(int index) {
 }
 } // namespace
 
-frmEditLayers::frmEditLayers(AppContext& context, QWidget* parent) : QDialog(parent), m_context(context) {
+frmEditLayers::frmEditLayers(AppContext& context, QWidget* parent)
+    : QDialog(parent), m_context(context) {
     setObjectName(QStringLiteral("frmEditLayers"));
     setWindowTitle(QStringLiteral("Category Names"));
     setModal(true);
@@ -113,7 +114,8 @@ void frmEditLayers::cmdAbort_Click() {
 
 bool frmEditLayers::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusIn) {
-        if (auto* edit = qobject_cast<QLineEdit*>(watched); edit != nullptr && txtDesc.contains(edit)) {
+        if (auto* edit = qobject_cast<QLineEdit*>(watched);
+            edit != nullptr && txtDesc.contains(edit)) {
             // After the click that gave the focus has placed the cursor.
             QTimer::singleShot(0, edit, [edit] { edit->selectAll(); });
         }

@@ -32,15 +32,19 @@ namespace {
 
 const char* const kDatePrompt = "Enter start date for this event";
 
-QString S(const char* text) { return QString::fromUtf8(text); }
+QString S(const char* text) {
+    return QString::fromUtf8(text);
+}
 
 // A list box showing a few rows; the frames are small.
 QListWidget* makeList(QWidget* parent, const QString& name, const QStringList& items, int rows) {
     auto* list = new QListWidget(parent);
     list->setObjectName(name);
     list->addItems(items);
-    const int row = list->sizeHintForRow(0) > 0 ? list->sizeHintForRow(0) : list->fontMetrics().height() + 2;
-    list->setFixedHeight(row * rows + 2 * list->frameWidth() + 2);
+    // Whole rows only: a sliver of a further row looks like a drawing fault.
+    const int row =
+        list->sizeHintForRow(0) > 0 ? list->sizeHintForRow(0) : list->fontMetrics().height() + 2;
+    list->setFixedHeight(row * rows + 2 * list->frameWidth());
     int width = 0;
     for (const QString& item : items) {
         width = std::max(width, list->fontMetrics().horizontalAdvance(item));
@@ -50,7 +54,9 @@ QListWidget* makeList(QWidget* parent, const QString& name, const QStringList& i
     return list;
 }
 
-int rowOf(const QListWidget* list) { return std::max(0, list->currentRow()); }
+int rowOf(const QListWidget* list) {
+    return std::max(0, list->currentRow());
+}
 
 void selectRow(QListWidget* list, int row) {
     if (row >= 0 && row < list->count()) {
@@ -93,8 +99,13 @@ QLabel* frmEvent::makeDateLabel(const QString& name) {
     label->setCursor(Qt::PointingHandCursor);
     label->setFocusPolicy(Qt::StrongFocus);
     label->setToolTip(QString::fromLatin1(kDatePrompt));
-    label->setFrameShape(QFrame::StyledPanel);
-    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QStringLiteral("MM/DD/YYYY")) + 16);
+    // A framed, underlined text that shows when it has the keyboard focus
+    // (Space or Enter then opens the date picker).
+    label->setStyleSheet(
+        QStringLiteral("QLabel { border: 1px solid palette(mid); padding: 1px 4px; }"
+                       "QLabel:focus { border: 1px solid palette(highlight); }"));
+    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QStringLiteral("MM/DD/YYYY")) +
+                           16);
     QFont font = label->font();
     font.setUnderline(true);
     label->setFont(font);
@@ -136,14 +147,15 @@ void frmEvent::buildControls() {
     lblEventTime->setBuddy(txtTime);
     txtMinutesWarning = makeNumberBox(this, QStringLiteral("txtMinutesWarning"), 5);
     txtMinutesWarning->setText(S("30"));
-    txtMinutesWarning->setToolTip(S("(Minutes) The alarm will be shown at event time minus this setting."));
+    txtMinutesWarning->setToolTip(
+        S("(Minutes) The alarm will be shown at event time minus this setting."));
     lblMinWarning = new QLabel(S("Warning:"), this);
     lblMinWarning->setObjectName(QStringLiteral("lblMinWarning"));
     lblMinWarning->setBuddy(txtMinutesWarning);
     lblAlarmAdvice = new QLabel(this);
     lblAlarmAdvice->setObjectName(QStringLiteral("lblAlarmAdvice"));
-    lblAlarmAdvice->setMinimumWidth(lblAlarmAdvice->fontMetrics().horizontalAdvance(
-                                        S("(Alarm will sound at 12:59pm)")) + 4);
+    lblAlarmAdvice->setMinimumWidth(
+        lblAlarmAdvice->fontMetrics().horizontalAdvance(S("(Alarm will sound at 12:59pm)")) + 4);
     txtDaysWarning = makeNumberBox(this, QStringLiteral("txtDaysWarning"), 5);
     auto* lblDaysWarning = new QLabel(S("Days warning:"), this);
     lblDaysWarning->setBuddy(txtDaysWarning);
@@ -161,7 +173,9 @@ void frmEvent::buildControls() {
     when->addWidget(lblMinWarning, 2, 0);
     auto* minutesRow = new QHBoxLayout;
     minutesRow->addWidget(txtMinutesWarning);
-    minutesRow->addWidget(new QLabel(S("minutes"), this));
+    auto* warningUnit = new QLabel(S("minutes"), this);
+    warningUnit->setObjectName(QStringLiteral("lblWarningUnit"));
+    minutesRow->addWidget(warningUnit);
     minutesRow->addStretch(1);
     when->addLayout(minutesRow, 2, 1);
     when->addWidget(lblAlarmAdvice, 3, 0, 1, 2);
@@ -181,21 +195,26 @@ void frmEvent::buildControls() {
         const char* help;
     };
     const TabText tabs[] = {
-        {"Day of week", "Event by Weekday", "Select the days of the week you want the event to occur on."},
+        {"Day of week", "Event by Weekday",
+         "Select the days of the week you want the event to occur on."},
         {"Monthly", "Normal Monthly Event",
-         "Choose the day then the month.  Choose EVERY if the event is to occur every month. A date "
+         "Choose the day then the month.  Choose EVERY if the event is to occur every month. A "
+         "date "
          "(e.g. 31) after the end of a month equals the last day in that month."},
         {"Every X Months", "", "Event that repeats every x months from a starting date."},
         {"Weekly", "Every x weeks", "Event that repeats every x weeks from a starting date."},
         {"Day X of Month", "Day X in month",
-         "Use for 2nd Thursday/Last Sunday in month type events.  Pick the day number then the day name."},
-        {"Every X days", "Every X days from date", "Event that repeats every x days from a starting date."},
+         "Use for 2nd Thursday/Last Sunday in month type events.  Pick the day number then the day "
+         "name."},
+        {"Every X days", "Every X days from date",
+         "Event that repeats every x days from a starting date."},
     };
 
     // 0: days of the week.
     QWidget* frame = makeFrame(0, S(tabs[0].help));
     chkDay.append(nullptr);
-    const char* const dayNames[] = {"Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Sunday"};
+    const char* const dayNames[] = {"Monday", "Tuesday",  "Wednesday", "Thursday",
+                                    "Friday", "Saturday", "Sunday"};
     auto* daysGrid = new QGridLayout;
     for (int i = 1; i <= 7; ++i) {
         auto* box = new QCheckBox(S(dayNames[i - 1]), frame);
@@ -204,6 +223,8 @@ void frmEvent::buildControls() {
         // Weekdays down the first column, the weekend in the second.
         daysGrid->addWidget(box, i <= 5 ? i - 1 : i - 6, i <= 5 ? 0 : 1);
     }
+    daysGrid->setColumnMinimumWidth(0, 140);
+    daysGrid->setColumnStretch(2, 1);
     fraEvent.append(frame);
 
     // 1: day of month.
@@ -237,9 +258,9 @@ void frmEvent::buildControls() {
                            S("Friday"), S("Saturday")},
                           5);
     lstMonths = makeList(frame, QStringLiteral("lstMonths"),
-                         {S("Every Month"), S("January"), S("February"), S("March"), S("April"), S("May"),
-                          S("June"), S("July"), S("August"), S("September"), S("October"), S("November"),
-                          S("December")},
+                         {S("Every Month"), S("January"), S("February"), S("March"), S("April"),
+                          S("May"), S("June"), S("July"), S("August"), S("September"), S("October"),
+                          S("November"), S("December")},
                          5);
     fraEvent.append(frame);
 
@@ -280,9 +301,12 @@ void frmEvent::buildControls() {
         h->addStretch(1);
         return h;
     };
-    frameLayout(fraEvent[2], intervalRow(fraEvent[2], txtMonthlyPeriod, "months from", lblMonthlyStartDate));
-    frameLayout(fraEvent[3], intervalRow(fraEvent[3], txtWeeklyPeriod, "weeks from", lblWeeklyStartDate));
-    frameLayout(fraEvent[5], intervalRow(fraEvent[5], txtDailyPeriod, "days from", lblDailyStartDate));
+    frameLayout(fraEvent[2],
+                intervalRow(fraEvent[2], txtMonthlyPeriod, "months from", lblMonthlyStartDate));
+    frameLayout(fraEvent[3],
+                intervalRow(fraEvent[3], txtWeeklyPeriod, "weeks from", lblWeeklyStartDate));
+    frameLayout(fraEvent[5],
+                intervalRow(fraEvent[5], txtDailyPeriod, "days from", lblDailyStartDate));
     {
         auto* h = new QHBoxLayout;
         auto* the = new QLabel(S("The"), fraEvent[4]);
@@ -351,6 +375,7 @@ void frmEvent::buildControls() {
     actions->addWidget(chkEmailTo, 2, 0);
     actions->addWidget(txtEmailAlert, 2, 1, 1, 5);
     actions->setColumnStretch(2, 1);
+    actions->setRowStretch(3, 1);
 
     // Sharing (networked mode only).
     FrameShared = new QGroupBox(S("Sharing"), this);
@@ -403,15 +428,17 @@ void frmEvent::buildControls() {
     layout->addLayout(buttons);
 
     // Keyboard order: top to bottom, left to right.
-    QList<QWidget*> order = {txtDesc, cmbLayers, chkTimed, txtTime, txtMinutesWarning, txtDaysWarning,
-                             optRepeat, optShowOnce, TabStrip1};
+    QList<QWidget*> order = {txtDesc,        cmbLayers, chkTimed,    txtTime,  txtMinutesWarning,
+                             txtDaysWarning, optRepeat, optShowOnce, TabStrip1};
     for (int i = 1; i <= 7; ++i) {
         order.append(chkDay[i]);
     }
-    order += {txtDayOfMonth, lstMonthNames, txtMonthlyPeriod, lblMonthlyStartDate, txtWeeklyPeriod,
-              lblWeeklyStartDate, lstDayNumber, lstDayName, lstMonths, txtDailyPeriod, lblDailyStartDate,
-              chkMakeNoise, cmdPickWav, chkRunFile, cmdPickFile, chkFrequency, txtFrequency, chkEmailTo,
-              txtEmailAlert, chkShared, chkSpecificShare, lstUsers, cmdSave, cmdAbort};
+    order += {txtDayOfMonth,    lstMonthNames,      txtMonthlyPeriod,  lblMonthlyStartDate,
+              txtWeeklyPeriod,  lblWeeklyStartDate, lstDayNumber,      lstDayName,
+              lstMonths,        txtDailyPeriod,     lblDailyStartDate, chkMakeNoise,
+              cmdPickWav,       chkRunFile,         cmdPickFile,       chkFrequency,
+              txtFrequency,     chkEmailTo,         txtEmailAlert,     chkShared,
+              chkSpecificShare, lstUsers,           cmdSave,           cmdAbort};
     for (qsizetype i = 1; i < order.size(); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
@@ -462,7 +489,8 @@ void frmEvent::Form_Load() {
 
     if (settings.sGet(QStringLiteral("Networked"), false).toBool()) {
         const QString folder = settings.sGet(QStringLiteral("SharedDatapath"), QString()).toText();
-        lstUsers->addItems(SharedDatabases::ReadUserList(AppPaths::JoinPath(folder, QStringLiteral("TVOShared.ini"))));
+        lstUsers->addItems(SharedDatabases::ReadUserList(
+            AppPaths::JoinPath(folder, QStringLiteral("TVOShared.ini"))));
     } else {
         FrameShared->hide();
     }
@@ -553,8 +581,10 @@ void frmEvent::UpdateEventFrames(int index) {
 
 void frmEvent::SetupRelatedItems() {
     const bool timed = chkTimed->isChecked();
-    for (QWidget* w : {static_cast<QWidget*>(txtMinutesWarning), static_cast<QWidget*>(txtTime),
-                       static_cast<QWidget*>(lblEventTime), static_cast<QWidget*>(lblMinWarning)}) {
+    QWidget* warningUnit = findChild<QWidget*>(QStringLiteral("lblWarningUnit"));
+    for (QWidget* w :
+         {static_cast<QWidget*>(txtMinutesWarning), static_cast<QWidget*>(txtTime),
+          static_cast<QWidget*>(lblEventTime), static_cast<QWidget*>(lblMinWarning), warningUnit}) {
         w->setEnabled(timed);
     }
     const bool run = chkRunFile->isChecked();
@@ -566,9 +596,9 @@ void frmEvent::SetupRelatedItems() {
 }
 
 void frmEvent::UpdateAlarmAdvice() {
-    lblAlarmAdvice->setText(chkTimed->isChecked()
-                                ? EventEditorRules::AlarmAdvice(txtTime->text(), txtMinutesWarning->text())
-                                : QString());
+    lblAlarmAdvice->setText(chkTimed->isChecked() ? EventEditorRules::AlarmAdvice(
+                                                        txtTime->text(), txtMinutesWarning->text())
+                                                  : QString());
 }
 
 EventEditorInput frmEvent::Input() const {
@@ -654,8 +684,9 @@ void frmEvent::cmdPickWav_Click() {
     const QString current = lblWavFile->text();
     const std::optional<QString> file = m_context.dialogs.ChooseOpenFile(
         S("Choose a sound for this event"),
-        current.isEmpty() ? m_context.settings.sGet(QStringLiteral("DataPath"), AppPaths::HomeFolder()).toText()
-                          : QFileInfo(current).absolutePath(),
+        current.isEmpty()
+            ? m_context.settings.sGet(QStringLiteral("DataPath"), AppPaths::HomeFolder()).toText()
+            : QFileInfo(current).absolutePath(),
         S("WAV files (*.wav)|*.wav"));
     if (file && !file->isEmpty()) {
         lblWavFile->setText(*file);
@@ -675,8 +706,9 @@ void frmEvent::cmdPickFile_Click() {
     const QString current = lblExecFile->text();
     const std::optional<QString> file = m_context.dialogs.ChooseOpenFile(
         S("Choose the file to open"),
-        current.isEmpty() ? m_context.settings.sGet(QStringLiteral("DataPath"), AppPaths::HomeFolder()).toText()
-                          : QFileInfo(current).absolutePath(),
+        current.isEmpty()
+            ? m_context.settings.sGet(QStringLiteral("DataPath"), AppPaths::HomeFolder()).toText()
+            : QFileInfo(current).absolutePath(),
         S("All files (*.*)|*.*"));
     if (file && !file->isEmpty()) {
         lblExecFile->setText(*file);
@@ -685,26 +717,36 @@ void frmEvent::cmdPickFile_Click() {
 
 void frmEvent::chkEmailTo_Click() {
     if (chkEmailTo->isChecked() && txtEmailAlert->text().isEmpty()) {
-        txtEmailAlert->setText(m_context.settings.sGet(QStringLiteral("DefaultEmail"), QString()).toText());
+        txtEmailAlert->setText(
+            m_context.settings.sGet(QStringLiteral("DefaultEmail"), QString()).toText());
     }
 }
 
 void frmEvent::chkShared_Click() {
-    chkSpecificShare->setEnabled(chkShared->isChecked() &&
-                                 m_context.settings.sGet(QStringLiteral("Networked"), false).toBool());
+    chkSpecificShare->setEnabled(
+        chkShared->isChecked() &&
+        m_context.settings.sGet(QStringLiteral("Networked"), false).toBool());
 }
 
 void frmEvent::pickStartDate(QLabel* label) {
-    const DateValue initial = EventEditorRules::ParseStartDate(label->text(), m_dateStyle).value_or(TodayDate());
-    const std::optional<DateValue> day = m_context.dialogs.PickDate(QString::fromLatin1(kDatePrompt), initial);
+    const DateValue initial =
+        EventEditorRules::ParseStartDate(label->text(), m_dateStyle).value_or(TodayDate());
+    const std::optional<DateValue> day =
+        m_context.dialogs.PickDate(QString::fromLatin1(kDatePrompt), initial);
     if (day) {
         label->setText(EventEditorRules::FormatStartDate(*day, m_dateStyle));
     }
 }
 
-void frmEvent::lblMonthlyStartDate_Click() { pickStartDate(lblMonthlyStartDate); }
-void frmEvent::lblWeeklyStartDate_Click() { pickStartDate(lblWeeklyStartDate); }
-void frmEvent::lblDailyStartDate_Click() { pickStartDate(lblDailyStartDate); }
+void frmEvent::lblMonthlyStartDate_Click() {
+    pickStartDate(lblMonthlyStartDate);
+}
+void frmEvent::lblWeeklyStartDate_Click() {
+    pickStartDate(lblWeeklyStartDate);
+}
+void frmEvent::lblDailyStartDate_Click() {
+    pickStartDate(lblDailyStartDate);
+}
 
 bool frmEvent::eventFilter(QObject* watched, QEvent* event) {
     if (watched == txtTime && event->type() == QEvent::FocusIn) {

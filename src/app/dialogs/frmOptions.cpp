@@ -32,7 +32,9 @@ namespace {
 const QString kModule = QStringLiteral("frmOptions");
 const QString kNotSet = QStringLiteral("Not Set");
 
-QString S(const char* text) { return QString::fromUtf8(text); }
+QString S(const char* text) {
+    return QString::fromUtf8(text);
+}
 
 bool endsWithSeparator(const QString& path) {
     return path.endsWith(QLatin1Char('/')) || path.endsWith(QLatin1Char('\\'));
@@ -52,7 +54,9 @@ frmOptions::frmOptions(AppContext& context, QWidget* parent)
 
 frmOptions::~frmOptions() = default;
 
-QUrl frmOptions::HomePage() { return QUrl(QStringLiteral("https://tarvo.example.org/")); }
+QUrl frmOptions::HomePage() {
+    return QUrl(QStringLiteral("https://tarvo.example.org/"));
+}
 
 void frmOptions::buildControls() {
     // Data folder.
@@ -95,16 +99,20 @@ void frmOptions::buildControls() {
     modeGroup->addButton(optNetworked);
 
     // Network settings.
-    FrameNetwork = new QGroupBox(S("Network Settings (Specify path first, click Reload, then add your ID)"), this);
+    FrameNetwork = new QGroupBox(
+        S("Network Settings (Specify path first, click Reload, then add your ID)"), this);
     FrameNetwork->setObjectName(QStringLiteral("FrameNetwork"));
-    auto* lblShared = new QLabel(S("Path to shared data folder (all users must have write access)"), FrameNetwork);
+    auto* lblShared = new QLabel(S("Path to shared data folder (all users must have write access)"),
+                                 FrameNetwork);
     txtSharedDBPath = new QLineEdit(FrameNetwork);
     txtSharedDBPath->setObjectName(QStringLiteral("txtSharedDBPath"));
-    txtSharedDBPath->setToolTip(S("If you are running a networked version, you must specify the shared data path."));
+    txtSharedDBPath->setToolTip(
+        S("If you are running a networked version, you must specify the shared data path."));
     lblShared->setBuddy(txtSharedDBPath);
     txtOwner = new QLineEdit(FrameNetwork);
     txtOwner->setObjectName(QStringLiteral("txtOwner"));
-    txtOwner->setToolTip(S("A short name to identify the user on the network (e.g. Dad, Fred, etc)"));
+    txtOwner->setToolTip(
+        S("A short name to identify the user on the network (e.g. Dad, Fred, etc)"));
     auto* lblOwner = new QLabel(S("ID:"), FrameNetwork);
     lblOwner->setBuddy(txtOwner);
     cmdAddUser = new QPushButton(S("Add"), FrameNetwork);
@@ -117,10 +125,12 @@ void frmOptions::buildControls() {
     cmdDel->setObjectName(QStringLiteral("cmdDel"));
     cmdReload = new QPushButton(S("Reload"), FrameNetwork);
     cmdReload->setObjectName(QStringLiteral("cmdReload"));
-    cmdReload->setToolTip(S("If you change the shared folder, you'll need to reload the user list."));
+    cmdReload->setToolTip(
+        S("If you change the shared folder, you'll need to reload the user list."));
     auto* lblAddHint = new QLabel(S("Click ADD once your ID is set."), FrameNetwork);
-    auto* lblUnique = new QLabel(S("The ID MUST be unique to each copy of TVO using the shared folder (above)"),
-                                 FrameNetwork);
+    auto* lblUnique =
+        new QLabel(S("The ID MUST be unique to each copy of TVO using the shared folder (above)"),
+                   FrameNetwork);
     lblUnique->setWordWrap(true);
 
     auto* net = new QGridLayout(FrameNetwork);
@@ -154,16 +164,19 @@ void frmOptions::buildControls() {
     // Start-up and backups.
     chkSilentStart = new QCheckBox(S("Silent startup (Show reminders, but not event list)"), this);
     chkSilentStart->setObjectName(QStringLiteral("chkSilentStart"));
-    chkSilentStart->setToolTip(S("If you set this option you have to right-click the TVO icon in the system "
-                                 "tray to bring up the main screen."));
+    chkSilentStart->setToolTip(
+        S("If you set this option you have to right-click the TVO icon in the system "
+          "tray to bring up the main screen."));
     chkNoAutoBackups = new QCheckBox(S("No Autobackups"), this);
     chkNoAutoBackups->setObjectName(QStringLiteral("chkNoAutoBackups"));
-    chkDisableAutoUpdate = new QCheckBox(S("Disable automatic check for new versions of TVO"), this);
+    chkDisableAutoUpdate =
+        new QCheckBox(S("Disable automatic check for new versions of TVO"), this);
     chkDisableAutoUpdate->setObjectName(QStringLiteral("chkDisableAutoUpdate"));
     chkPruneOld = new QCheckBox(S("Prune old backups"), this);
     chkPruneOld->setObjectName(QStringLiteral("chkPruneOld"));
-    chkPruneOld->setToolTip(S("Normally, autobackups are kept forever. If ticked, TVO will delete backups over "
-                              "two weeks old"));
+    chkPruneOld->setToolTip(
+        S("Normally, autobackups are kept forever. If ticked, TVO will delete backups over "
+          "two weeks old"));
     auto* switches = new QVBoxLayout;
     switches->addWidget(chkSilentStart);
     switches->addWidget(chkNoAutoBackups);
@@ -213,12 +226,30 @@ void frmOptions::buildControls() {
     layout->addWidget(FrameNetwork);
     layout->addLayout(lowerRow);
     layout->addLayout(buttons);
+    setMinimumWidth(640);
 
-    const QList<QWidget*> order = {txtDatapath,      cmdDatapath,    txtAlarmWav,    cmdPickWav,    chkNoSound,
-                                   optSingle,        optNetworked,   txtSharedDBPath, txtOwner,     cmdAddUser,
-                                   lstUsers,         cmdDel,         cmdReload,      optEuroDate,   optUSDate,
-                                   chkSilentStart,   chkNoAutoBackups, chkPruneOld,  chkDisableAutoUpdate,
-                                   cmdHomePage,      cmdSave,        cmdAbort};
+    const QList<QWidget*> order = {txtDatapath,
+                                   cmdDatapath,
+                                   txtAlarmWav,
+                                   cmdPickWav,
+                                   chkNoSound,
+                                   optSingle,
+                                   optNetworked,
+                                   txtSharedDBPath,
+                                   txtOwner,
+                                   cmdAddUser,
+                                   lstUsers,
+                                   cmdDel,
+                                   cmdReload,
+                                   optEuroDate,
+                                   optUSDate,
+                                   chkSilentStart,
+                                   chkNoAutoBackups,
+                                   chkPruneOld,
+                                   chkDisableAutoUpdate,
+                                   cmdHomePage,
+                                   cmdSave,
+                                   cmdAbort};
     for (qsizetype i = 1; i < order.size(); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
@@ -239,12 +270,14 @@ void frmOptions::Form_Load() {
     const QString home = AppPaths::HomeFolder();
     const QString dataPath = settings.sGet(QStringLiteral("DataPath"), home).toText();
     const QString localFile = m_context.events.DBFilename();
-    const QString localFolder = localFile.isEmpty() ? dataPath : QFileInfo(localFile).absolutePath();
+    const QString localFolder =
+        localFile.isEmpty() ? dataPath : QFileInfo(localFile).absolutePath();
 
-    txtSharedDBPath->setText(
-        clsOptions2::WithSeparator(settings.sGet(QStringLiteral("SharedDataPath"), localFolder).toText()));
+    txtSharedDBPath->setText(clsOptions2::WithSeparator(
+        settings.sGet(QStringLiteral("SharedDataPath"), localFolder).toText()));
     txtOwner->setText(settings.sGet(QStringLiteral("Owner"), kNotSet).toText());
-    (settings.sGet(QStringLiteral("DateStyle"), 1).toInt16() == 1 ? optEuroDate : optUSDate)->setChecked(true);
+    (settings.sGet(QStringLiteral("DateStyle"), 1).toInt16() == 1 ? optEuroDate : optUSDate)
+        ->setChecked(true);
     if (settings.sGet(QStringLiteral("Networked"), false).toBool()) {
         optNetworked->setChecked(true);
         ReadSharedIni();
@@ -252,15 +285,19 @@ void frmOptions::Form_Load() {
         optSingle->setChecked(true);
     }
     txtDatapath->setText(dataPath);
-    txtAlarmWav->setText(settings.sGet(QStringLiteral("WavFile"), clsOptions2::DefaultAlarmFile()).toText());
+    txtAlarmWav->setText(
+        settings.sGet(QStringLiteral("WavFile"), clsOptions2::DefaultAlarmFile()).toText());
     chkNoSound->setChecked(settings.sGet(QStringLiteral("NoSounds"), false).toBool());
     chkSilentStart->setChecked(settings.sGet(QStringLiteral("SilentStart"), false).toBool());
     chkNoAutoBackups->setChecked(settings.sGet(QStringLiteral("NoAutoBackups"), false).toBool());
-    chkDisableAutoUpdate->setChecked(settings.sGet(QStringLiteral("DisableAutoUpdateCheck"), true).toBool());
+    chkDisableAutoUpdate->setChecked(
+        settings.sGet(QStringLiteral("DisableAutoUpdateCheck"), true).toBool());
     UpdateNetworkFrame();
 }
 
-void frmOptions::UpdateNetworkFrame() { FrameNetwork->setEnabled(optNetworked->isChecked()); }
+void frmOptions::UpdateNetworkFrame() {
+    FrameNetwork->setEnabled(optNetworked->isChecked());
+}
 
 QString frmOptions::SharedIniPath() const {
     return clsOptions2::WithSeparator(txtSharedDBPath->text()) + QStringLiteral("TVOShared.ini");
@@ -281,15 +318,17 @@ void frmOptions::WriteSharedIni() {
         names.append(lstUsers->item(i)->text());
     }
     if (!SharedDatabases::WriteUserList(SharedIniPath(), names)) {
-        Log().AddAction(QStringLiteral("Unable to write ") + SharedIniPath(), QStringLiteral("WriteSharedIni"),
-                        kModule);
+        Log().AddAction(QStringLiteral("Unable to write ") + SharedIniPath(),
+                        QStringLiteral("WriteSharedIni"), kModule);
         m_context.dialogs.Message(S("Unable to write the user list ") + SharedIniPath() +
                                       S(". Please check the shared data path."),
                                   {}, UserDialogs::Icon::Warning);
     }
 }
 
-void frmOptions::cmdReload_Click() { ReadSharedIni(); }
+void frmOptions::cmdReload_Click() {
+    ReadSharedIni();
+}
 
 void frmOptions::cmdAddUser_Click() {
     const QString id = txtOwner->text().trimmed();
@@ -298,7 +337,8 @@ void frmOptions::cmdAddUser_Click() {
         return;
     }
     if (txtSharedDBPath->text().trimmed().isEmpty()) {
-        m_context.dialogs.Message(S("You need to supply the shared data path before you can add users to it."));
+        m_context.dialogs.Message(
+            S("You need to supply the shared data path before you can add users to it."));
         return;
     }
     if (const QString problem = OwnerId::Problem(id); !problem.isEmpty()) {
@@ -331,8 +371,8 @@ void frmOptions::cmdDel_Click() {
 }
 
 void frmOptions::cmdDatapath_Click() {
-    const std::optional<QString> folder =
-        m_context.dialogs.ChooseFolder(S("Select the storage path for your data files"), txtDatapath->text());
+    const std::optional<QString> folder = m_context.dialogs.ChooseFolder(
+        S("Select the storage path for your data files"), txtDatapath->text());
     if (folder && !folder->isEmpty()) {
         txtDatapath->setText(*folder);
     }
@@ -341,7 +381,8 @@ void frmOptions::cmdDatapath_Click() {
 void frmOptions::cmdPickWav_Click() {
     const QString current = txtAlarmWav->text();
     const std::optional<QString> file = m_context.dialogs.ChooseOpenFile(
-        S("Select the alarm sound"), current.isEmpty() ? AppPaths::HomeFolder() : QFileInfo(current).absolutePath(),
+        S("Select the alarm sound"),
+        current.isEmpty() ? AppPaths::HomeFolder() : QFileInfo(current).absolutePath(),
         S("WAV files (*.wav)|*.wav"));
     if (file && !file->isEmpty()) {
         txtAlarmWav->setText(*file);
@@ -350,8 +391,8 @@ void frmOptions::cmdPickWav_Click() {
 
 void frmOptions::cmdHomePage_Click() {
     if (m_openUrl && !m_openUrl(HomePage())) {
-        Log().AddAction(QStringLiteral("Unable to open ") + HomePage().toString(), QStringLiteral("cmdHomePage_Click"),
-                        kModule);
+        Log().AddAction(QStringLiteral("Unable to open ") + HomePage().toString(),
+                        QStringLiteral("cmdHomePage_Click"), kModule);
     }
 }
 
@@ -376,6 +417,13 @@ void frmOptions::cmdSave_Click() {
             m_context.dialogs.Message(problem, {}, UserDialogs::Icon::Warning);
             return;
         }
+        // Without a folder the shared file would land wherever the program
+        // happens to run.
+        if (txtSharedDBPath->text().trimmed().isEmpty()) {
+            m_context.dialogs.Message(S("Networked use needs the path to the shared data folder."),
+                                      {}, UserDialogs::Icon::Warning);
+            return;
+        }
     }
 
     settings.sSet(QStringLiteral("DisableAutoUpdateCheck"), chkDisableAutoUpdate->isChecked());
@@ -384,7 +432,8 @@ void frmOptions::cmdSave_Click() {
     m_cancelled = false;
     settings.sSet(QStringLiteral("SharedDataPath"), txtSharedDBPath->text());
     ApplyOwnerChange(id, networked);
-    settings.sSet(QStringLiteral("DateStyle"), static_cast<int32_t>(optEuroDate->isChecked() ? 1 : 2));
+    settings.sSet(QStringLiteral("DateStyle"),
+                  static_cast<int32_t>(optEuroDate->isChecked() ? 1 : 2));
     settings.sSet(QStringLiteral("Networked"), networked);
     QString dataPath = txtDatapath->text();
     if (dataPath.size() > 1 && endsWithSeparator(dataPath)) {
@@ -430,8 +479,9 @@ void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked) {
         }
     }
     if (!TextEqual(oldOwner, newOwner) && OwnerId::Problem(oldOwner).isEmpty()) {
-        const QString oldFile = AppPaths::JoinPath(settings.sGet(QStringLiteral("SharedDataPath"), QString()).toText(),
-                                                   SharedDatabases::SharedFileName(oldOwner.trimmed()));
+        const QString oldFile =
+            AppPaths::JoinPath(settings.sGet(QStringLiteral("SharedDataPath"), QString()).toText(),
+                               SharedDatabases::SharedFileName(oldOwner.trimmed()));
         if (QFileInfo::exists(oldFile)) {
             clsDbXml previous(settings, &m_context.layers);
             previous.SetDBFilename(oldFile);

@@ -30,10 +30,11 @@ public:
 
     bool Cancelled() const { return m_cancelled; }
 
-    // Start-up when the owner is still "Not Set": logs, tells the user, and
-    // shows the window until an owner is stored. False when the user
-    // cancelled: the program then ends. Databases with no file name yet are
-    // left alone by the owner change.
+    // Start-up's first-time setup, while the owner is still "Not Set": logs
+    // it, tells the user, and shows the window until an owner is stored.
+    // False when the user cancelled; the program then ends. Runs before any
+    // database is loaded: databases without a file name are left alone by
+    // the owner change.
     static bool RunFirstTimeSetup(AppContext& context, QWidget* parent = nullptr);
 
     // Where "TVO Home Page" goes, and how (tests replace the opener).

@@ -31,13 +31,15 @@ struct DialogsFixture {
     SharedDatabases shared{settings, layers};
     FakeFileOpener opener;
     FakeSoundPlayer player;
-    AppContext context{settings, home.file(QStringLiteral("Tvo.ini")), layers, events, expired, shared,
-                       dialogs,  opener,                              player};
+    AppContext context{settings, home.file(QStringLiteral("Tvo.ini")),
+                       layers,   events,
+                       expired,  shared,
+                       dialogs,  opener,
+                       player};
 };
 
 // A child control by its name; fails the test when it is missing.
-template <typename T>
-T* Control(const QWidget* window, const char* name) {
+template <typename T> T* Control(const QWidget* window, const char* name) {
     T* w = window->findChild<T*>(QString::fromLatin1(name));
     EXPECT_NE(w, nullptr) << name;
     return w;

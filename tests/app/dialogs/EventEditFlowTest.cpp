@@ -16,7 +16,9 @@ protected:
     EditFlow() { settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred")); }
 
     // Runs action on the editor once it is up.
-    static void whenEditorOpens(std::function<void(QWidget*)> action) { WhenModalAppears(std::move(action)); }
+    static void whenEditorOpens(std::function<void(QWidget*)> action) {
+        WhenModalAppears(std::move(action));
+    }
     static void describe(QWidget* editor, const QString& text) {
         editor->findChild<QPlainTextEdit*>(QStringLiteral("txtDesc"))->setPlainText(text);
     }
@@ -94,12 +96,14 @@ TEST_F(EditFlow, AbortAfterAFailedSaveLeavesTheListedEventUntouched) {
 
     whenEditorOpens([](QWidget* editor) {
         describe(editor, QStringLiteral("half typed"));
-        editor->findChild<QLineEdit*>(QStringLiteral("txtDailyPeriod"))->setText(QStringLiteral("often"));
+        editor->findChild<QLineEdit*>(QStringLiteral("txtDailyPeriod"))
+            ->setText(QStringLiteral("often"));
         click(editor, "cmdSave"); // fails after the description was written
         click(editor, "cmdAbort");
     });
     EXPECT_FALSE(EventEditFlow::EditEvent(context, events, listed));
-    EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("Please enter a number in the repeat box")});
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral("Please enter a number in the repeat box")});
     EXPECT_EQ(listed->Desc(), QStringLiteral("Dentist"));
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
 }

@@ -18,7 +18,8 @@ protected:
         return *window;
     }
     QLineEdit* box(int i) const {
-        return Control<QLineEdit>(window.get(), QStringLiteral("txtDesc%1").arg(i).toLatin1().constData());
+        return Control<QLineEdit>(window.get(),
+                                  QStringLiteral("txtDesc%1").arg(i).toLatin1().constData());
     }
     std::unique_ptr<frmEditLayers> window;
 };
@@ -49,7 +50,8 @@ TEST_F(LayerEditor, NamesAreStoredAsTypedAndShownTrimmed) {
 
     cSHAREDSettings reread;
     reread.LoadSettings(context.settingsFile);
-    EXPECT_EQ(reread.sGet(QStringLiteral("Layer5")).toText(), QStringLiteral("Home")) << "the file is written";
+    EXPECT_EQ(reread.sGet(QStringLiteral("Layer5")).toText(), QStringLiteral("Home"))
+        << "the file is written";
 
     open();
     EXPECT_EQ(box(3)->text(), QStringLiteral("Work"));

@@ -33,7 +33,9 @@ protected:
     QCheckBox* check(const char* name) const { return Control<QCheckBox>(window.get(), name); }
     QListWidget* list(const char* name) const { return Control<QListWidget>(window.get(), name); }
     QLabel* label(const char* name) const { return Control<QLabel>(window.get(), name); }
-    void tab(int index) const { Control<QTabWidget>(window.get(), "TabStrip1")->setCurrentIndex(index); }
+    void tab(int index) const {
+        Control<QTabWidget>(window.get(), "TabStrip1")->setCurrentIndex(index);
+    }
     void save() const { Control<QPushButton>(window.get(), "cmdSave")->click(); }
     void describe(const QString& text) const {
         Control<QPlainTextEdit>(window.get(), "txtDesc")->setPlainText(text);
@@ -79,7 +81,8 @@ TEST_F(EventEditor, OpensWithItsCaptionsListsAndDefaults) {
     EXPECT_EQ(layers->currentIndex(), 1);
 
     EXPECT_EQ(box("txtTime")->text(), QStringLiteral("HH:MM"));
-    EXPECT_EQ(box("txtTime")->toolTip(), QStringLiteral("Event time. Please use 24-hour format, eg. 11pm is 23:00"));
+    EXPECT_EQ(box("txtTime")->toolTip(),
+              QStringLiteral("Event time. Please use 24-hour format, eg. 11pm is 23:00"));
     EXPECT_EQ(box("txtMinutesWarning")->text(), QStringLiteral("30"));
     EXPECT_EQ(box("txtFrequency")->text(), QStringLiteral("00"));
     for (const char* name : {"lblMonthlyStartDate", "lblWeeklyStartDate", "lblDailyStartDate"}) {
@@ -104,7 +107,7 @@ TEST_F(EventEditor, TimeEntryChecks) {
         bool saved;
         const char* shown;
     } cases[] = {
-        {"9:30", false, "9:30"},   {"09;30", true, "09:30"},  {"24:00", false, "24:00"},
+        {"9:30", false, "9:30"},   {"09;30", true, "09:30"},   {"24:00", false, "24:00"},
         {"12:60", false, "12:60"}, {" 09:30 ", true, "09:30"}, {"23:59", true, "23:59"},
     };
     for (const auto& c : cases) {
@@ -121,8 +124,8 @@ TEST_F(EventEditor, TimeEntryChecks) {
             EXPECT_EQ(dialogs.count(), 0) << c.typed;
             EXPECT_EQ(FormatHM(event.DueTime()), QString::fromLatin1(c.shown)) << c.typed;
         } else {
-            EXPECT_EQ(dialogs.texts(),
-                      QStringList{QStringLiteral("Please specify a time in the range of 00:00 to 23:59")})
+            EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral(
+                                           "Please specify a time in the range of 00:00 to 23:59")})
                 << c.typed;
             EXPECT_FALSE(event.AlarmSet()) << "nothing after the failed check was written";
         }
@@ -138,7 +141,8 @@ TEST_F(EventEditor, WarningOfSixtyMinutesIsTheMost) {
         box("txtMinutesWarning")->setText(QString::fromLatin1(minutes));
         save();
         EXPECT_EQ(w.Saved(), ok) << minutes;
-        EXPECT_EQ(dialogs.lastText(), ok ? QString() : QStringLiteral("Maximum warning is 60 minutes"));
+        EXPECT_EQ(dialogs.lastText(),
+                  ok ? QString() : QStringLiteral("Maximum warning is 60 minutes"));
     }
 }
 
@@ -188,6 +192,12 @@ TEST_F(EventEditor, EveryXDaysNeedsAPickedStartDate) {
     ASSERT_EQ(dialogs.shown().last().kind, ScriptedDialogs::Kind::Date);
     EXPECT_EQ(dialogs.lastText(), QStringLiteral("Enter start date for this event"));
     EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("01/04/2009"));
+    dialogs.answerCancel();
+    QTest::keyClick(label("lblDailyStartDate"), Qt::Key_Space);
+    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("2009-04-01"))
+        << "the picker starts at the shown date";
+    EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("01/04/2009"))
+        << "cancel keeps it";
     save();
     ASSERT_TRUE(window->Saved());
     EXPECT_EQ(event.Period(), 10);
@@ -225,8 +235,9 @@ TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
     const QString sharedFolder = home.file(QStringLiteral("shared"));
     ASSERT_TRUE(QDir().mkpath(sharedFolder));
     settings.sSet(QStringLiteral("SharedDatapath"), sharedFolder);
-    ASSERT_TRUE(SharedDatabases::WriteUserList(sharedFolder + QStringLiteral("/TVOShared.ini"),
-                                               {QStringLiteral("Bob"), QStringLiteral("Jim"), QStringLiteral("Ann")}));
+    ASSERT_TRUE(SharedDatabases::WriteUserList(
+        sharedFolder + QStringLiteral("/TVOShared.ini"),
+        {QStringLiteral("Bob"), QStringLiteral("Jim"), QStringLiteral("Ann")}));
     const QString wav = home.file(QStringLiteral("bell.wav"));
     ASSERT_TRUE(WriteFileBytes(wav, "RIFF"));
 
@@ -257,14 +268,16 @@ TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
         original.setDaynumber(type == 4 ? 5 : 0);
         original.setDayOfWeek(type == 4 ? 3 : 0);
         original.setPeriod(type == 2 || type == 3 || type == 5 ? 6 : 0);
-        original.setStartDate(type == 2 || type == 3 || type == 5 ? D("2008-11-30") : D("2009-03-05"));
+        original.setStartDate(type == 2 || type == 3 || type == 5 ? D("2008-11-30")
+                                                                  : D("2009-03-05"));
         original.setDueDate(D("2009-05-31"));
 
         event = original;
         dialogs.clear();
         open(true);
         EXPECT_EQ(Control<QTabWidget>(window.get(), "TabStrip1")->currentIndex(), type);
-        EXPECT_TRUE(window->findChild<QGroupBox*>(QStringLiteral("FrameShared"))->isVisibleTo(window.get()));
+        EXPECT_TRUE(window->findChild<QGroupBox*>(QStringLiteral("FrameShared"))
+                        ->isVisibleTo(window.get()));
         save();
         ASSERT_TRUE(window->Saved()) << "type " << type << ": " << dialogs.lastText().toStdString();
 
@@ -343,7 +356,8 @@ TEST_F(EventEditor, SharingFrameInNetworkedMode) {
     const QString folder = home.file(QStringLiteral("net"));
     ASSERT_TRUE(QDir().mkpath(folder));
     settings.sSet(QStringLiteral("SharedDatapath"), folder);
-    ASSERT_TRUE(WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Bob\r\n\r\n  Jim \r\nAnn\r\n"));
+    ASSERT_TRUE(
+        WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Bob\r\n\r\n  Jim \r\nAnn\r\n"));
     open();
     EXPECT_FALSE(Control<QGroupBox>(window.get(), "FrameShared")->isHidden());
     QListWidget* users = list("lstUsers");
@@ -376,7 +390,8 @@ TEST_F(EventEditor, BadNumberShowsTheDataFieldsError) {
     save();
     EXPECT_FALSE(window->Saved());
     ASSERT_EQ(dialogs.count(), 1);
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("An error occurred.  Please check the data fields."));
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("An error occurred.  Please check the data fields."));
     EXPECT_EQ(dialogs.shown().last().title, QStringLiteral("Error"));
 }
 

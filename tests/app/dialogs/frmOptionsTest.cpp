@@ -1,6 +1,6 @@
 // The options window and clsOptions2 offscreen, on a throw-away home folder.
-#include "app/dialogs/clsOptions2.h"
 #include "app/dialogs/frmOptions.h"
+#include "app/dialogs/clsOptions2.h"
 #include "shared/AppPaths.h"
 #include "support/ModalHelper.h"
 
@@ -31,7 +31,9 @@ protected:
 
     QLineEdit* box(const char* name) const { return Control<QLineEdit>(window.get(), name); }
     QCheckBox* check(const char* name) const { return Control<QCheckBox>(window.get(), name); }
-    QAbstractButton* button(const char* name) const { return Control<QAbstractButton>(window.get(), name); }
+    QAbstractButton* button(const char* name) const {
+        return Control<QAbstractButton>(window.get(), name);
+    }
     QListWidget* users() const { return Control<QListWidget>(window.get(), "lstUsers"); }
     QStringList userNames() const {
         QStringList names;
@@ -70,9 +72,11 @@ TEST_F(OptionsWindow, EmptyStoreShowsTheDefaults) {
     EXPECT_TRUE(Control<QRadioButton>(&w, "optSingle")->isChecked());
     EXPECT_FALSE(Control<QGroupBox>(&w, "FrameNetwork")->isEnabled());
     EXPECT_EQ(box("txtDatapath")->text(), AppPaths::HomeFolder());
-    EXPECT_EQ(box("txtAlarmWav")->text(), AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav")));
+    EXPECT_EQ(box("txtAlarmWav")->text(),
+              AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav")));
     EXPECT_TRUE(check("chkDisableAutoUpdate")->isChecked());
-    EXPECT_EQ(check("chkDisableAutoUpdate")->text(), QStringLiteral("Disable automatic check for new versions of TVO"));
+    EXPECT_EQ(check("chkDisableAutoUpdate")->text(),
+              QStringLiteral("Disable automatic check for new versions of TVO"));
     EXPECT_FALSE(check("chkNoSound")->isChecked());
     EXPECT_FALSE(check("chkSilentStart")->isChecked());
     EXPECT_FALSE(check("chkNoAutoBackups")->isChecked());
@@ -125,7 +129,8 @@ TEST_F(OptionsWindow, AddingAnIdReplacesTheSameNameInAnyCase) {
     box("txtOwner")->setText(QStringLiteral("fred"));
     button("cmdAddUser")->click();
     EXPECT_EQ(userNames(), (QStringList{QStringLiteral("Bob"), QStringLiteral("fred")}));
-    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Bob\r\nfred\r\n"));
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")),
+              QByteArray("Bob\r\nfred\r\n"));
     EXPECT_EQ(dialogs.count(), 0);
 }
 
@@ -141,9 +146,11 @@ TEST_F(OptionsWindow, AddingNeedsAnIdAndAFolderAndASafeName) {
     box("txtOwner")->setText(QStringLiteral("../Fred"));
     button("cmdAddUser")->click();
     ASSERT_EQ(dialogs.count(), 3);
-    EXPECT_EQ(dialogs.texts().at(0), QStringLiteral("You need to enter an ID before you can add it"));
-    EXPECT_EQ(dialogs.texts().at(1),
-              QStringLiteral("You need to supply the shared data path before you can add users to it."));
+    EXPECT_EQ(dialogs.texts().at(0),
+              QStringLiteral("You need to enter an ID before you can add it"));
+    EXPECT_EQ(
+        dialogs.texts().at(1),
+        QStringLiteral("You need to supply the shared data path before you can add users to it."));
     EXPECT_TRUE(dialogs.texts().at(2).contains(QStringLiteral("cannot be used")));
     EXPECT_FALSE(QFileInfo::exists(sharedFolder() + QStringLiteral("/TVOShared.ini")));
 }
@@ -195,7 +202,8 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
     EXPECT_EQ(saved.count(), 1);
     cSHAREDSettings reread;
     reread.LoadSettings(context.settingsFile);
-    EXPECT_EQ(reread.sGet(QStringLiteral("Datapath")).toText(), data) << "stored without the separator";
+    EXPECT_EQ(reread.sGet(QStringLiteral("Datapath")).toText(), data)
+        << "stored without the separator";
     EXPECT_EQ(reread.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
     EXPECT_EQ(reread.sGet(QStringLiteral("DateStyle")).toInt(), 2);
     EXPECT_FALSE(reread.sGet(QStringLiteral("Networked")).toBool());
@@ -218,7 +226,8 @@ TEST_F(OptionsWindow, MissingSoundFileTurnsSoundsOffUnlessAlreadyOff) {
     open();
     box("txtAlarmWav")->setText(home.file(QStringLiteral("nothing.wav")));
     button("cmdSave")->click();
-    EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("Cannot find specified WAV file. Sounds disabled.")});
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral("Cannot find specified WAV file. Sounds disabled.")});
     EXPECT_TRUE(settings.sGet(QStringLiteral("NoSounds")).toBool());
 
     dialogs.clear();
@@ -287,7 +296,7 @@ TEST_F(OptionsWindow, NewNetworkIdRenamesWipesTheOldSharedFileAndPublishes) {
     EXPECT_TRUE(events.Publishing());
 }
 
-TEST_F(OptionsWindow, UnsafeNetworkIdIsRefusedWithNothingStored) {
+TEST_F(OptionsWindow, UnsafeNetworkIdOrNoSharedFolderIsRefusedWithNothingStored) {
     existingWav();
     settings.sSet(QStringLiteral("SharedDataPath"), sharedFolder());
     open();
@@ -295,10 +304,19 @@ TEST_F(OptionsWindow, UnsafeNetworkIdIsRefusedWithNothingStored) {
     box("txtOwner")->setText(QStringLiteral("..\\..\\Fred"));
     button("cmdSave")->click();
     ASSERT_EQ(dialogs.count(), 1);
-    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("shared folder"))) << dialogs.lastText().toStdString();
+    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("shared folder")))
+        << dialogs.lastText().toStdString();
     EXPECT_TRUE(window->Cancelled());
     EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("Owner")));
     EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
+
+    dialogs.clear();
+    box("txtOwner")->setText(QStringLiteral("Fred"));
+    box("txtSharedDBPath")->setText(QStringLiteral(" "));
+    button("cmdSave")->click();
+    EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral(
+                                   "Networked use needs the path to the shared data folder.")});
+    EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("Owner")));
 }
 
 TEST_F(OptionsWindow, CancelAndTheCloseBoxStoreNothing) {
@@ -344,7 +362,8 @@ TEST_F(OptionsWindow, FirstTimeSetupBeforeAnyDatabaseIsLoaded) {
     });
     EXPECT_TRUE(frmOptions::RunFirstTimeSetup(context));
     EXPECT_EQ(dialogs.texts(),
-              QStringList{QStringLiteral("Reminder options not set. Please type in requested information.")});
+              QStringList{QStringLiteral(
+                  "Reminder options not set. Please type in requested information.")});
     EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
     EXPECT_TRUE(QFileInfo::exists(context.settingsFile));
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
@@ -369,7 +388,8 @@ TEST(Options2, LoadsDefaultsAndSavesTheSubset) {
     EXPECT_FALSE(options.Networked());
     EXPECT_FALSE(options.NoSounds());
     EXPECT_EQ(options.Datapath(), AppPaths::HomeFolder());
-    EXPECT_EQ(options.WavFile(), AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav")));
+    EXPECT_EQ(options.WavFile(),
+              AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav")));
     EXPECT_EQ(options.SharedDBFilename(), home.file(QStringLiteral("data/Shared_Not Set.xml")));
 
     options.setOwner(QStringLiteral("Ann"));

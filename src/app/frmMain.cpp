@@ -1,6 +1,7 @@
 #include "app/frmMain.h"
 
 #include "app/EventListModel.h"
+#include "app/EventListView.h"
 #include "app/frmRunner.h"
 #include "events/clsReminder.h"
 #include "events/ui/ReminderWindowFactory.h"
@@ -15,14 +16,12 @@
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
 #include <QStyle>
 #include <QSystemTrayIcon>
-#include <QTableView>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -125,36 +124,13 @@ void frmMain::buildList() {
     layout->addLayout(filters);
 
     m_model = new EventListModel(m_app, this);
-    m_list = new QTableView(central);
-    m_list->setObjectName(QStringLiteral("ListEvents"));
-    m_list->setModel(m_model);
-    m_list->setToolTip(QStringLiteral(
-        "Black = normal, Red = Expired, Green = Your shared, Blue = Shared from others"));
-    m_list->setSelectionBehavior(QAbstractItemView::SelectRows);
-    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    m_list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    m_list->setShowGrid(false);
-    m_list->setWordWrap(false);
-    m_list->setAlternatingRowColors(true);
-    m_list->verticalHeader()->hide();
-    m_list->verticalHeader()->setDefaultSectionSize(m_list->fontMetrics().height() + 6);
-    m_list->horizontalHeader()->setHighlightSections(false);
-    m_list->horizontalHeader()->setSectionsClickable(true);
-    m_list->horizontalHeader()->setStretchLastSection(true);
-    for (int c = 0; c < EventListModel::ColumnCount; ++c) {
-        m_list->setColumnWidth(c, EventListModel::HeaderWidthTwips(c) / 15); // twips at 96 DPI
-    }
-    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_list = new EventListView(m_model, central);
     layout->addWidget(m_list, 1);
     setCentralWidget(central);
 
-    connect(m_list->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int column) {
-        m_model->ColumnClick(column);
-    });
-    connect(m_list, &QTableView::doubleClicked, this, [this] { EditSelectedEvent(); });
-    connect(m_list, &QWidget::customContextMenuRequested, this, [this](const QPoint& pos) {
-        m_rightClick->popup(m_list->viewport()->mapToGlobal(pos));
-    });
+    connect(m_list, &EventListView::doubleClicked, this, [this] { EditSelectedEvent(); });
+    connect(m_list, &EventListView::rightClicked, this,
+            [this](const QPoint& globalPos) { m_rightClick->popup(globalPos); });
     connect(m_showExpired, &QCheckBox::toggled, this, [this] { FillEvents(); });
     connect(m_categories, &QComboBox::activated, this, [this] { FillEvents(); });
 }
@@ -323,44 +299,21 @@ int frmMain::currentLayer() const {
 }
 
 void frmMain::FillEvents() {
-    const int row = SelectedRow();
-    setUpdatesEnabled(false);
-    m_model->FillEvents(currentLayer(), m_showExpired->isChecked());
-    setUpdatesEnabled(true);
-    if (row >= 0 && row < m_model->rowCount()) {
-        SelectRow(row); // the same position, as the list always kept it
-    }
+    // Keeps the selected position, as the list always has.
+    m_list->FillEvents(currentLayer(), m_showExpired->isChecked());
 }
 
 QList<EventCommands::ListRow> frmMain::SelectedRows() const {
-    QList<int> rows;
-    for (const QModelIndex& index : m_list->selectionModel()->selectedRows()) {
-        rows << index.row();
-    }
-    std::sort(rows.begin(), rows.end());
     QList<EventCommands::ListRow> out;
-    for (int row : rows) {
+    for (int row : m_list->selectedRows()) {
         out.append({m_model->IDCode(row), m_model->marker(row)});
     }
     return out;
 }
 
-int frmMain::SelectedRow() const {
-    const QModelIndex current = m_list->selectionModel()->currentIndex();
-    if (current.isValid() && m_list->selectionModel()->isRowSelected(current.row())) {
-        return current.row();
-    }
-    const QModelIndexList rows = m_list->selectionModel()->selectedRows();
-    return rows.isEmpty() ? -1 : rows.first().row();
-}
+int frmMain::SelectedRow() const { return m_list->selectedRow(); }
 
-void frmMain::SelectRow(int row) {
-    if (row < 0 || row >= m_model->rowCount()) {
-        return;
-    }
-    m_list->selectRow(row);
-    m_list->scrollTo(m_model->index(row, 0));
-}
+void frmMain::SelectRow(int row) { m_list->selectRow(row); }
 
 void frmMain::showForward() {
     if (isMinimized()) {

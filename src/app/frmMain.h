@@ -11,12 +11,12 @@
 #include <memory>
 
 class EventListModel;
+class EventListView;
 class QAction;
 class QCheckBox;
 class QComboBox;
 class QMenu;
 class QSystemTrayIcon;
-class QTableView;
 class ReminderWindowFactory;
 class frmRunner;
 
@@ -63,7 +63,7 @@ public:
     void Quit();
 
     EventListModel& model() { return *m_model; }
-    QTableView& list() { return *m_list; }
+    EventListView& list() { return *m_list; }
     RefreshTick& refreshTick() { return *m_tick; }
     QTimer& refreshTimer() { return m_refreshTimer; }
     ReminderServices& services() { return m_services; }
@@ -103,7 +103,7 @@ private:
     QTimer m_refreshTimer;
     frmRunner* m_runner = nullptr;
     EventListModel* m_model = nullptr;
-    QTableView* m_list = nullptr;
+    EventListView* m_list = nullptr;
     QCheckBox* m_showExpired = nullptr;
     QComboBox* m_categories = nullptr;
     QMenu* m_trayMenu = nullptr;

@@ -2,10 +2,13 @@
 // commands, search, backups, help. The rules they apply live in
 // EventCommands; this file wires them to the window and the dialogs.
 #include "app/EventListModel.h"
+#include "app/EventListView.h"
 #include "app/dialogs/EventEditFlow.h"
 #include "app/dialogs/frmEditLayers.h"
+#include "app/dialogs/frmMonthView.h"
 #include "app/dialogs/frmOptions.h"
 #include "app/dialogs/frmShareWith.h"
+#include "app/dialogs/frmTasks.h"
 #include "app/frmMain.h"
 #include "events/clsReminder.h"
 #include "shared/AppInfo.h"
@@ -22,7 +25,6 @@
 #include <QDir>
 #include <QFile>
 #include <QMenu>
-#include <QTableView>
 #include <QToolBar>
 
 using EventCommands::ListRow;
@@ -230,13 +232,9 @@ void frmMain::EditOptions() {
     m_refreshTimer.start(RefreshTick::kIntervalMs);
 }
 
-void frmMain::Tasklist() {
-    // TODO-INTEGRATE task list
-}
+void frmMain::Tasklist() { ShowTaskList(m_app, this); }
 
-void frmMain::MonthView() {
-    // TODO-INTEGRATE month view
-}
+void frmMain::MonthView() { ShowMonthView(m_app, this); }
 
 void frmMain::ShareWith() {
     const int row = SelectedRow();

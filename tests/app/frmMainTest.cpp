@@ -1,6 +1,7 @@
 // The main window offscreen with a temporary home folder and scripted
 // dialogs: the toolbar, the guarded commands, search, the filter, closing.
 #include "app/EventListModel.h"
+#include "app/EventListView.h"
 #include "app/StartUp.h"
 #include "app/frmMain.h"
 #include "shared/AppPaths.h"
@@ -277,6 +278,25 @@ TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {
     EXPECT_EQ(reread.ReadEvent(mine->IDCode)->ShareNames, QStringLiteral("Carol\r\n"));
     EXPECT_EQ(window->model().cellText(window->SelectedRow(), EventListModel::ColSharedWith),
               QStringLiteral("Carol"));
+}
+
+TEST_F(MainWindow, ToolbarOpensTheOtherWindows) {
+    open();
+    const QList<QPair<const char*, const char*>> opens = {{"monthview", "frmMonthView"},
+                                                          {"tasklist", "frmTasks"},
+                                                          {"editlayers", "frmEditLayers"},
+                                                          {"addevent", "frmEvent"}};
+    for (const auto& [key, window_name] : opens) {
+        QString seen;
+        WhenModalAppears([&seen](QWidget* modal) {
+            seen = modal->objectName();
+            modal->close();
+        });
+        window->Toolbar1_ButtonClick(QString::fromLatin1(key));
+        EXPECT_EQ(seen, QString::fromLatin1(window_name)) << key;
+    }
+    EXPECT_EQ(events.RecordCount(), 0) << "closing the editor stores nothing";
+    EXPECT_TRUE(window->refreshTimer().isActive());
 }
 
 // ---- start-up ----

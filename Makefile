@@ -38,7 +38,7 @@ bench: configure
 
 # Address and undefined-behaviour sanitizers, in a separate build folder.
 sanitize:
-	@$(MAKE) test BUILD_DIR=build-asan CMAKE_FLAGS="-DTARVO_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug -DTARVO_BUILD_BENCH=OFF"
+	@LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp:print_suppressions=0 $(MAKE) test BUILD_DIR=build-asan CMAKE_FLAGS="-DTARVO_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug -DTARVO_BUILD_BENCH=OFF"
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i

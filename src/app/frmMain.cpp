@@ -237,6 +237,11 @@ void frmMain::buildTray() {
                 if (reason == QSystemTrayIcon::DoubleClick ||
                     reason == QSystemTrayIcon::Trigger) {
                     showForward();
+                } else if (reason != QSystemTrayIcon::Context) {
+                    Log().AddAction(QStringLiteral("&H") +
+                                        QString::number(static_cast<int>(reason), 16).toUpper() +
+                                        QStringLiteral(" in 'mousemove' untrapped"),
+                                    QStringLiteral("TrayIcon_MouseMove"), QStringLiteral("frmMain"));
                 }
             });
 }

@@ -15,11 +15,11 @@ class UserDialogs;
 // reaching for globals; tests build their own on a temporary folder.
 struct AppContext {
     cSHAREDSettings& settings;
-    QString settingsFile;      // "Tvo.ini" in the home folder
+    QString settingsFile; // "Tvo.ini" in the home folder
     clsLayers& layers;
-    clsDbXml& events;          // the user's "Events.xml"
-    clsDbXml& expired;         // "Expired.xml"
-    SharedDatabases& shared;   // networked mode: merged set and publishing
+    clsDbXml& events;        // the user's "Events.xml"
+    clsDbXml& expired;       // "Expired.xml"
+    SharedDatabases& shared; // networked mode: merged set and publishing
     UserDialogs& dialogs;
     IFileOpener& opener;
     ISoundPlayer& player;

@@ -50,15 +50,12 @@ int Main(QApplication& app) {
     SharedDatabases shared(settings, layers);
     QtFileOpener opener;
     QtSoundPlayer player;
-    AppContext context{settings,
-                       AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Tvo.ini")),
-                       layers,
-                       events,
-                       expired,
-                       shared,
-                       dialogs,
-                       opener,
-                       player};
+    AppContext context{
+        settings, AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Tvo.ini")),
+        layers,   events,
+        expired,  shared,
+        dialogs,  opener,
+        player};
 
     StartUp startUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
     if (!startUp.Run()) {

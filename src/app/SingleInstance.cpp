@@ -10,7 +10,8 @@ namespace SingleInstance {
 
 QString ServerName() {
     const QByteArray who = qgetenv("USER") + '|' + AppPaths::HomeFolder().toUtf8();
-    const QByteArray hash = QCryptographicHash::hash(who, QCryptographicHash::Sha1).toHex().left(16);
+    const QByteArray hash =
+        QCryptographicHash::hash(who, QCryptographicHash::Sha1).toHex().left(16);
     return QStringLiteral("tarvo-") + QString::fromLatin1(hash);
 }
 

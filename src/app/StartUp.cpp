@@ -41,8 +41,7 @@ bool StartUp::Run() {
     Log().LogEvent(QStringLiteral("Expired DB file: ") + DataFiles::ExpiredFile(settings));
 
     Log().LogEvent(QStringLiteral("Loading local events"));
-    ConvertLegacyDatabases(DataFiles::DataFolder(settings), settings, m_app.layers,
-                           m_app.dialogs);
+    ConvertLegacyDatabases(DataFiles::DataFolder(settings), settings, m_app.layers, m_app.dialogs);
     DataFiles::LoadDatabases(settings, m_app.events, m_app.expired, m_app.shared, true);
 
     if (settings.sGet(QStringLiteral("NoAutoBackups"), false).toBool()) {

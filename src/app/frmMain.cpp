@@ -44,12 +44,10 @@ const ToolButton kButtons[] = {
     {"addevent", "Add", "Add a new event", "document-new", QStyle::SP_FileIcon},
     {"editevent", "Edit", "Edit selected event", "document-properties",
      QStyle::SP_FileDialogDetailedView},
-    {"pushevent", "Push", "Change due date to NEXT occurrence", "go-next",
-     QStyle::SP_ArrowForward},
+    {"pushevent", "Push", "Change due date to NEXT occurrence", "go-next", QStyle::SP_ArrowForward},
     {"deleteevent", "Delete", "Delete selected event(s)", "edit-delete", QStyle::SP_TrashIcon},
     {"tasklist", "Tasks", "Show task list", "view-list-details", QStyle::SP_FileDialogListView},
-    {"monthview", "Month", "Monthly Calendar", "x-office-calendar",
-     QStyle::SP_FileDialogInfoView},
+    {"monthview", "Month", "Monthly Calendar", "x-office-calendar", QStyle::SP_FileDialogInfoView},
     {"editlayers", "Categories", "Edit category names", "folder", QStyle::SP_DirIcon},
     {"options", "Settings", "Settings", "preferences-system", QStyle::SP_ComputerIcon},
     {"refresh", "Refresh", "Refresh event list", "view-refresh", QStyle::SP_BrowserReload},
@@ -71,8 +69,8 @@ const QStringList& frmMain::ToolbarKeys() {
 frmMain::frmMain(AppContext& app, QWidget* parent)
     : QMainWindow(parent), m_app(app),
       m_windows(std::make_unique<ReminderWindowFactory>(app.settings, app.player)),
-      m_services{app.settings, app.events,  app.expired,   nullptr,
-                 *m_windows,   app.opener,  app.dialogs} {
+      m_services{app.settings, app.events, app.expired, nullptr,
+                 *m_windows,   app.opener, app.dialogs} {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QString::fromLatin1(kTitle));
     setWindowIcon(QApplication::windowIcon());
@@ -190,16 +188,19 @@ void frmMain::buildMenus() {
 
     m_helpMenu = new QMenu(QStringLiteral("HelpMenu"), this);
     m_helpMenu->setObjectName(QStringLiteral("mnuHelpMenu"));
-    item(m_helpMenu, "mnuHelp", QStringLiteral("Help"), [this] { ShowHelp(); })
-        ->setShortcut(QKeySequence::HelpContents);
+    item(m_helpMenu, "mnuHelp", QStringLiteral("Help"), [this] {
+        ShowHelp();
+    })->setShortcut(QKeySequence::HelpContents);
     item(m_helpMenu, "mnuAbout", QStringLiteral("About TVO"), [this] { ShowAbout(); });
 
     m_rightClick = new QMenu(this);
     m_rightClick->setObjectName(QStringLiteral("mnuRightClick"));
-    item(m_rightClick, "mnuFind", QStringLiteral("Find"), [this] { mnuFind_Click(0); })
-        ->setShortcut(QKeySequence::Find);
-    item(m_rightClick, "mnuFindNext", QStringLiteral("Find Next"), [this] { mnuFind_Click(1); })
-        ->setShortcut(QKeySequence::FindNext);
+    item(m_rightClick, "mnuFind", QStringLiteral("Find"), [this] {
+        mnuFind_Click(0);
+    })->setShortcut(QKeySequence::Find);
+    item(m_rightClick, "mnuFindNext", QStringLiteral("Find Next"), [this] {
+        mnuFind_Click(1);
+    })->setShortcut(QKeySequence::FindNext);
     m_rightClick->addSeparator();
     item(m_rightClick, "mnuShareWith", QStringLiteral("Share with ..."), [this] { ShareWith(); });
     // Find and Find Next work from the keyboard anywhere in the window.
@@ -234,19 +235,21 @@ void frmMain::buildTray() {
     m_tray->setContextMenu(m_trayMenu);
     connect(m_tray, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::DoubleClick ||
-                    reason == QSystemTrayIcon::Trigger) {
+                if (reason == QSystemTrayIcon::DoubleClick || reason == QSystemTrayIcon::Trigger) {
                     showForward();
                 } else if (reason != QSystemTrayIcon::Context) {
                     Log().AddAction(QStringLiteral("&H") +
                                         QString::number(static_cast<int>(reason), 16).toUpper() +
                                         QStringLiteral(" in 'mousemove' untrapped"),
-                                    QStringLiteral("TrayIcon_MouseMove"), QStringLiteral("frmMain"));
+                                    QStringLiteral("TrayIcon_MouseMove"),
+                                    QStringLiteral("frmMain"));
                 }
             });
 }
 
-bool frmMain::trayAvailable() const { return QSystemTrayIcon::isSystemTrayAvailable(); }
+bool frmMain::trayAvailable() const {
+    return QSystemTrayIcon::isSystemTrayAvailable();
+}
 
 void frmMain::FormLoad(bool silentStart) {
     m_runner = new frmRunner(this);
@@ -293,9 +296,8 @@ void frmMain::FillCategories() {
     for (int i = 0; i < clsLayers::kCount; ++i) {
         m_categories->addItem(m_app.layers.Layer(i).trimmed(), i);
     }
-    m_categories->setCurrentIndex(m_categories->count() > previous && previous != 0
-                                      ? previous
-                                      : clsLayers::kAllCategories);
+    m_categories->setCurrentIndex(
+        m_categories->count() > previous && previous != 0 ? previous : clsLayers::kAllCategories);
 }
 
 int frmMain::currentLayer() const {
@@ -316,9 +318,13 @@ QList<EventCommands::ListRow> frmMain::SelectedRows() const {
     return out;
 }
 
-int frmMain::SelectedRow() const { return m_list->selectedRow(); }
+int frmMain::SelectedRow() const {
+    return m_list->selectedRow();
+}
 
-void frmMain::SelectRow(int row) { m_list->selectRow(row); }
+void frmMain::SelectRow(int row) {
+    m_list->selectRow(row);
+}
 
 void frmMain::showForward() {
     if (isMinimized()) {

@@ -108,9 +108,8 @@ void frmMain::DeleteSelectedEvents() {
 
 void frmMain::mnuFind_Click(int index) {
     if (index == 0 || m_searchTerm.isEmpty()) {
-        const std::optional<QString> term =
-            m_app.dialogs.InputBox(QStringLiteral("Enter search term"), QStringLiteral("Search"),
-                                   m_searchTerm);
+        const std::optional<QString> term = m_app.dialogs.InputBox(
+            QStringLiteral("Enter search term"), QStringLiteral("Search"), m_searchTerm);
         if (!term || term->isEmpty()) {
             return;
         }
@@ -138,7 +137,8 @@ void frmMain::ManualBackup() {
 }
 
 void frmMain::ViewBackups() {
-    const QString folder = AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Autobackups"));
+    const QString folder =
+        AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Autobackups"));
     QDir().mkpath(folder);
     m_app.opener.OpenDocument(folder);
 }
@@ -232,9 +232,13 @@ void frmMain::EditOptions() {
     m_refreshTimer.start(RefreshTick::kIntervalMs);
 }
 
-void frmMain::Tasklist() { ShowTaskList(m_app, this); }
+void frmMain::Tasklist() {
+    ShowTaskList(m_app, this);
+}
 
-void frmMain::MonthView() { ShowMonthView(m_app, this); }
+void frmMain::MonthView() {
+    ShowMonthView(m_app, this);
+}
 
 void frmMain::ShareWith() {
     const int row = SelectedRow();

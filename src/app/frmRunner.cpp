@@ -56,7 +56,9 @@ void frmRunner::acceptConnection() {
     }
 }
 
-QString frmRunner::text() const { return m_text->text(); }
+QString frmRunner::text() const {
+    return m_text->text();
+}
 
 void frmRunner::TimerRunner_Timer() {
     const QString command = m_text->text();

@@ -30,4 +30,6 @@ void RefreshTick::TimerRefresh_Timer() {
     }
 }
 
-void RefreshTick::markDaySeen() { m_day = static_cast<int16_t>(DayOf(Now())); }
+void RefreshTick::markDaySeen() {
+    m_day = static_cast<int16_t>(DayOf(Now()));
+}

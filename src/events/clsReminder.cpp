@@ -170,7 +170,8 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
         if (!file.isEmpty() && QFileInfo::exists(file)) {
             m_services.opener.OpenDocument(file);
         } else {
-            Log().LogEvent(QStringLiteral("Can't run ") + file + QStringLiteral(" - file not found"));
+            Log().LogEvent(QStringLiteral("Can't run ") + file +
+                           QStringLiteral(" - file not found"));
         }
     }
     if (fired) {

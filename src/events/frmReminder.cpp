@@ -87,7 +87,9 @@ void frmReminder::placeNearTrayCorner() {
     move(area.right() - width() - 24 - step, area.bottom() - height() - 48 - step);
 }
 
-void frmReminder::ClearList() { m_list->clear(); }
+void frmReminder::ClearList() {
+    m_list->clear();
+}
 
 int16_t frmReminder::LineNumber(const QString& text) {
     QString rest = text;
@@ -174,7 +176,9 @@ void frmReminder::cmdRemindMe_Click() {
     QCoreApplication::processEvents();
 }
 
-void frmReminder::cmdContinue_Click() { Unload(); }
+void frmReminder::cmdContinue_Click() {
+    Unload();
+}
 
 void frmReminder::closeEvent(QCloseEvent* event) {
     m_timer.stop();
@@ -182,8 +186,7 @@ void frmReminder::closeEvent(QCloseEvent* event) {
 }
 
 void frmReminder::PlayReminderSound() {
-    if (!m_player.SoundAvailable() ||
-        m_settings.sGet(QStringLiteral("NoSounds"), false).toBool()) {
+    if (!m_player.SoundAvailable() || m_settings.sGet(QStringLiteral("NoSounds"), false).toBool()) {
         return;
     }
     if (!QFileInfo::exists(m_soundFile)) {

@@ -19,7 +19,9 @@ QString OperatingSystemText() {
            QLatin1Char(' ') + QSysInfo::kernelVersion() + QLatin1Char(')');
 }
 
-QString BuildText() { return QStringLiteral("Qt ") + QLatin1String(QT_VERSION_STR); }
+QString BuildText() {
+    return QStringLiteral("Qt ") + QLatin1String(QT_VERSION_STR);
+}
 
 // The two addresses below are the places to change for a distribution.
 QString BugReportAddress() {
@@ -27,6 +29,8 @@ QString BugReportAddress() {
            QStringLiteral("@tarvo.example.org");
 }
 
-QUrl HelpUrl() { return QUrl(QStringLiteral("https://tarvo.example.org/help/")); }
+QUrl HelpUrl() {
+    return QUrl(QStringLiteral("https://tarvo.example.org/help/"));
+}
 
 } // namespace AppInfo

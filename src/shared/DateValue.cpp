@@ -19,9 +19,13 @@ constexpr double kClampDays = 4.0e6;
 
 using Parts = DayAndSeconds;
 
-Parts split(DateValue v) { return SplitDateValue(v); }
+Parts split(DateValue v) {
+    return SplitDateValue(v);
+}
 
-DateValue join(qint64 day, qint64 seconds) { return JoinDateValue(day, seconds); }
+DateValue join(qint64 day, qint64 seconds) {
+    return JoinDateValue(day, seconds);
+}
 
 QDate dayToQDate(qint64 day) {
     return QDate::fromJulianDay(day + kEpochJulian);

@@ -1,9 +1,9 @@
 // The main window offscreen with a temporary home folder and scripted
 // dialogs: the toolbar, the guarded commands, search, the filter, closing.
+#include "app/frmMain.h"
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
 #include "app/StartUp.h"
-#include "app/frmMain.h"
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
@@ -17,13 +17,13 @@
 #include "support/TestSupport.h"
 
 #include <QAction>
-#include <QDialog>
-#include <QListWidget>
-#include <QRadioButton>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QFileInfo>
 #include <QItemSelectionModel>
+#include <QListWidget>
+#include <QRadioButton>
 #include <QTableView>
 #include <QToolBar>
 
@@ -76,9 +76,9 @@ protected:
     void select(std::initializer_list<QString> descs) {
         window->list().clearSelection();
         for (const QString& d : descs) {
-            window->list().selectionModel()->select(
-                window->model().index(rowOf(d), 0),
-                QItemSelectionModel::Select | QItemSelectionModel::Rows);
+            window->list().selectionModel()->select(window->model().index(rowOf(d), 0),
+                                                    QItemSelectionModel::Select |
+                                                        QItemSelectionModel::Rows);
         }
     }
     void open() {
@@ -96,8 +96,11 @@ protected:
     ScriptedDialogs dialogs;
     FakeFileOpener opener;
     FakeSoundPlayer player;
-    AppContext app{settings, home.file(QStringLiteral("Tvo.ini")), layers, events, expired,
-                   shared,   dialogs,                              opener, player};
+    AppContext app{settings, home.file(QStringLiteral("Tvo.ini")),
+                   layers,   events,
+                   expired,  shared,
+                   dialogs,  opener,
+                   player};
     std::unique_ptr<frmMain> window;
 };
 
@@ -146,11 +149,14 @@ TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
 
     select({QStringLiteral("Bob's party")});
     window->EditSelectedEvent();
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("You can't edit a shared item belonging to someone else"));
-    EXPECT_TRUE(window->refreshTimer().isActive()) << "the refresh timer is back on after a refusal";
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("You can't edit a shared item belonging to someone else"));
+    EXPECT_TRUE(window->refreshTimer().isActive())
+        << "the refresh timer is back on after a refusal";
 
     window->PushSelectedEvent();
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("You can't push a shared item belonging to someone else"));
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("You can't push a shared item belonging to someone else"));
 
     // A mixed selection: own rows go, the other user's stays, and the user is told.
     select({QStringLiteral("Bob's party"), QStringLiteral("Mine")});
@@ -197,11 +203,15 @@ TEST_F(MainWindow, FindAndFindNext) {
     EXPECT_EQ(dialogs.shown().last().title, QStringLiteral("Search"));
     const int first = window->SelectedRow();
     ASSERT_GE(first, 0);
-    EXPECT_TRUE(window->model().cellText(first, EventListModel::ColEvent).contains(QStringLiteral("rent"), Qt::CaseInsensitive));
+    EXPECT_TRUE(window->model()
+                    .cellText(first, EventListModel::ColEvent)
+                    .contains(QStringLiteral("rent"), Qt::CaseInsensitive));
     window->mnuFind_Click(1);
     const int second = window->SelectedRow();
     EXPECT_GT(second, first);
-    EXPECT_TRUE(window->model().cellText(second, EventListModel::ColEvent).contains(QStringLiteral("rent"), Qt::CaseInsensitive));
+    EXPECT_TRUE(window->model()
+                    .cellText(second, EventListModel::ColEvent)
+                    .contains(QStringLiteral("rent"), Qt::CaseInsensitive));
     EXPECT_EQ(dialogs.count(), 1) << "Find Next reuses the kept term";
 
     // An empty answer ends the search without moving.
@@ -232,10 +242,12 @@ TEST_F(MainWindow, CloseHidesInsteadOfQuitting) {
     qsizetype mark = LoggedTexts().size();
     window->Runner_ShowWindow();
     EXPECT_TRUE(window->isVisible());
-    EXPECT_TRUE(LoggedTexts().mid(mark).contains(QStringLiteral("Main window NOT visible - showing it")));
+    EXPECT_TRUE(
+        LoggedTexts().mid(mark).contains(QStringLiteral("Main window NOT visible - showing it")));
     mark = LoggedTexts().size();
     window->Runner_ShowWindow();
-    EXPECT_TRUE(LoggedTexts().mid(mark).contains(QStringLiteral("Main window visible - doing nothing")));
+    EXPECT_TRUE(
+        LoggedTexts().mid(mark).contains(QStringLiteral("Main window visible - doing nothing")));
 }
 
 TEST_F(MainWindow, QuitSavesTheWindowSize) {
@@ -257,7 +269,8 @@ TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {
 
     select({QStringLiteral("Bob's party")});
     window->ShareWith();
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("You can't edit a shared item belonging to someone else"));
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("You can't edit a shared item belonging to someone else"));
 
     select({QStringLiteral("Mine")});
     WhenModalAppears([](QWidget* modal) {
@@ -322,11 +335,15 @@ TEST_F(MainWindow, StartUpLogsItsStepsInOrder) {
     StartUp startUp(app, [](AppContext&) { return false; });
     ASSERT_TRUE(startUp.Run());
     const QStringList log = LoggedTexts();
-    const QStringList steps = {QStringLiteral("TVO Startup"), QStringLiteral("Options loaded"),
+    const QStringList steps = {QStringLiteral("TVO Startup"),
+                               QStringLiteral("Options loaded"),
                                QStringLiteral("Loading category names"),
-                               QStringLiteral("DB file: ") + AppPaths::JoinPath(home.path(), QStringLiteral("Events.xml")),
-                               QStringLiteral("Loading local events"), QStringLiteral("Local events loaded"),
-                               QStringLiteral("Loading expired events"), QStringLiteral("Expired events loaded"),
+                               QStringLiteral("DB file: ") +
+                                   AppPaths::JoinPath(home.path(), QStringLiteral("Events.xml")),
+                               QStringLiteral("Loading local events"),
+                               QStringLiteral("Local events loaded"),
+                               QStringLiteral("Loading expired events"),
+                               QStringLiteral("Expired events loaded"),
                                QStringLiteral("Autobackups disabled")};
     qsizetype at = 0;
     for (const QString& step : steps) {

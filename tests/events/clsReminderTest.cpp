@@ -1,7 +1,7 @@
 // The reminder engine against real databases in a temporary folder, a fixed
 // clock and recording windows.
-#include "events/RefreshTick.h"
 #include "events/clsReminder.h"
+#include "events/RefreshTick.h"
 #include "shared/Clock.h"
 #include "shared/cSHAREDSettings.h"
 #include "storage/clsDbXml.h"
@@ -68,8 +68,8 @@ TEST_F(ReminderEngine, ComingUpWithinTheWarningDays) {
 
     FakeReminderWindow* comingUp = windows.withHeading(QStringLiteral("COMING UP"));
     ASSERT_NE(comingUp, nullptr);
-    EXPECT_EQ(comingUp->lines,
-              (QStringList{QStringLiteral("In 3 days: Dentist"), QStringLiteral("In 1 day: Bill")}));
+    EXPECT_EQ(comingUp->lines, (QStringList{QStringLiteral("In 3 days: Dentist"),
+                                            QStringLiteral("In 1 day: Bill")}));
     EXPECT_EQ(windows.shown().size(), 1u) << "no today window without events today";
     EXPECT_TRUE(newLogLines().contains(QStringLiteral("Showing upcoming reminders")));
 }
@@ -137,8 +137,10 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
     const struct {
         const char* now;
         bool fires;
-    } ticks[] = {{"2009-03-05 08:44", false}, {"2009-03-05 08:45", true},
-                 {"2009-03-05 08:46", false}, {"2009-03-04 08:45", false},
+    } ticks[] = {{"2009-03-05 08:44", false},
+                 {"2009-03-05 08:45", true},
+                 {"2009-03-05 08:46", false},
+                 {"2009-03-04 08:45", false},
                  {"2009-03-05 09:00", false}};
     for (const auto& t : ticks) {
         FixedClock clock(QString::fromLatin1(t.now));
@@ -167,10 +169,12 @@ TEST_F(ReminderEngine, RunFileEventsOpenTheirFileOrLogItsAbsence) {
     FixedClock clock(QStringLiteral("2009-03-05 07:00"));
     const QString script = home.file(QStringLiteral("backup.sh"));
     WriteFileBytes(script, "#!/bin/sh\n");
-    EventPtr present = addAlarm(QStringLiteral("Run backup"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    EventPtr present =
+        addAlarm(QStringLiteral("Run backup"), QStringLiteral("2009-03-05"), 7, 0, 0);
     present->ExecFile = true;
     present->Filename = QStringLiteral("  ") + script + QStringLiteral(" ");
-    EventPtr missing = addAlarm(QStringLiteral("Run missing"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    EventPtr missing =
+        addAlarm(QStringLiteral("Run missing"), QStringLiteral("2009-03-05"), 7, 0, 0);
     missing->ExecFile = true;
     missing->Filename = home.file(QStringLiteral("gone.sh"));
     CheckAlarms(services);
@@ -221,7 +225,8 @@ TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
     settings.sSet(QStringLiteral("Networked"), true);
     EXPECT_FALSE(DeleteEvent(services, bobs->IDCode));
     EXPECT_EQ(dialogs.texts(),
-              QStringList{QStringLiteral("You're not the owner of this event.  Only Bob can delete it.")});
+              QStringList{
+                  QStringLiteral("You're not the owner of this event.  Only Bob can delete it.")});
     EXPECT_FALSE(bobs->Deleted);
     EXPECT_TRUE(DeleteEvent(services, mine->IDCode));
     EXPECT_TRUE(mine->Deleted);
@@ -245,8 +250,7 @@ TEST_F(ReminderEngine, DeleteExpiredEventOnlyWhenPresent) {
 
 class RefreshTickTest : public ReminderEngine {
 protected:
-    RefreshTick tick{services,
-                     {[this](bool on) { timerStates << on; }, [this] { ++refills; }}};
+    RefreshTick tick{services, {[this](bool on) { timerStates << on; }, [this] { ++refills; }}};
     QList<bool> timerStates;
     int refills = 0;
 };

@@ -15,7 +15,9 @@ namespace {
 
 class ReminderWindow : public ::testing::Test {
 protected:
-    ReminderWindow() { settings.sSet(QStringLiteral("WavFile"), home.file(QStringLiteral("alarm.wav"))); }
+    ReminderWindow() {
+        settings.sSet(QStringLiteral("WavFile"), home.file(QStringLiteral("alarm.wav")));
+    }
     ~ReminderWindow() override { delete window.data(); }
 
     void tick(int times = 1) {
@@ -32,14 +34,19 @@ protected:
 
 TEST_F(ReminderWindow, ControlsAndCaptions) {
     EXPECT_EQ(window->windowTitle(), QStringLiteral("TVO - Reminder"));
-    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblHeading"))->text(), QStringLiteral("REMINDER"));
-    EXPECT_EQ(window->findChild<QPushButton*>(QStringLiteral("cmdRemindMe"))->text(), QStringLiteral("&Sleep"));
-    EXPECT_EQ(window->findChild<QPushButton*>(QStringLiteral("cmdContinue"))->text(), QStringLiteral("&Continue"));
-    EXPECT_EQ(window->findChild<QLineEdit*>(QStringLiteral("txtSleep"))->text(), QStringLiteral("10"));
+    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblHeading"))->text(),
+              QStringLiteral("REMINDER"));
+    EXPECT_EQ(window->findChild<QPushButton*>(QStringLiteral("cmdRemindMe"))->text(),
+              QStringLiteral("&Sleep"));
+    EXPECT_EQ(window->findChild<QPushButton*>(QStringLiteral("cmdContinue"))->text(),
+              QStringLiteral("&Continue"));
+    EXPECT_EQ(window->findChild<QLineEdit*>(QStringLiteral("txtSleep"))->text(),
+              QStringLiteral("10"));
     ASSERT_NE(window->findChild<QListWidget*>(QStringLiteral("lstReminders")), nullptr);
     window->Heading(QStringLiteral("COMING UP"));
     EXPECT_EQ(window->windowTitle(), QStringLiteral("COMING UP"));
-    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblHeading"))->text(), QStringLiteral("COMING UP"));
+    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblHeading"))->text(),
+              QStringLiteral("COMING UP"));
 }
 
 TEST_F(ReminderWindow, LinesOrderedByDayCountNewestFirstAmongEquals) {
@@ -48,9 +55,10 @@ TEST_F(ReminderWindow, LinesOrderedByDayCountNewestFirstAmongEquals) {
     window->AddToList(QStringLiteral("In 5 days: C"));
     window->AddToList(QStringLiteral("Plain"));
     window->AddToList(QStringLiteral("In 1 day: D"));
-    EXPECT_EQ(window->lines(), (QStringList{QStringLiteral("Plain"), QStringLiteral("In 1 day: D"),
-                                            QStringLiteral("In 2 days: B"), QStringLiteral("In 5 days: C"),
-                                            QStringLiteral("In 5 days: A")}));
+    EXPECT_EQ(window->lines(),
+              (QStringList{QStringLiteral("Plain"), QStringLiteral("In 1 day: D"),
+                           QStringLiteral("In 2 days: B"), QStringLiteral("In 5 days: C"),
+                           QStringLiteral("In 5 days: A")}));
     window->ClearList();
     EXPECT_TRUE(window->lines().isEmpty());
 }
@@ -85,8 +93,10 @@ TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {
         window->setSoundFlag(true);
         tick();
         player.played.clear();
-        window->findChild<QLineEdit*>(QStringLiteral("txtSleep"))->setText(QString::fromLatin1(c.entry));
-        QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdRemindMe")), Qt::LeftButton);
+        window->findChild<QLineEdit*>(QStringLiteral("txtSleep"))
+            ->setText(QString::fromLatin1(c.entry));
+        QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdRemindMe")),
+                          Qt::LeftButton);
         EXPECT_TRUE(window->sleeping()) << c.entry;
         EXPECT_FALSE(window->isVisible()) << c.entry;
         EXPECT_EQ(window->timer().interval(), frmReminder::kSleepTickMs);
@@ -102,7 +112,8 @@ TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {
 
 TEST_F(ReminderWindow, ContinueAndTheCloseBoxUnload) {
     tick();
-    QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdContinue")), Qt::LeftButton);
+    QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdContinue")),
+                      Qt::LeftButton);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(window.isNull());
 

@@ -21,7 +21,8 @@ TEST(TextCodec, Windows1252BothWays) {
 }
 
 TEST(TextCodec, CharactersOutsideTheCodePageBecomeOneQuestionMarkEach) {
-    EXPECT_EQ(TextCodec::ToWindows1252(QString::fromUtf16(u"a\u4e2db\u0394c")), QByteArray("a?b?c"));
+    EXPECT_EQ(TextCodec::ToWindows1252(QString::fromUtf16(u"a\u4e2db\u0394c")),
+              QByteArray("a?b?c"));
     EXPECT_EQ(TextCodec::ToWindows1252(QString::fromUtf16(u"x\U0001F600y")), QByteArray("x?y"));
     EXPECT_EQ(TextCodec::ToWindows1252(QString(QChar(0x1A))), QByteArray("\x1A"));
 }

@@ -19,9 +19,8 @@ frmShareWith::frmShareWith(const clsEvent& event, const QStringList& users, QWid
     m_specific->setObjectName(QStringLiteral("optSpecific"));
     m_users->setObjectName(QStringLiteral("lstShareUsers"));
 
-    auto* heading = new QLabel(QStringLiteral("<b>") + event.Desc().toHtmlEscaped() +
-                                   QStringLiteral("</b>"),
-                               this);
+    auto* heading = new QLabel(
+        QStringLiteral("<b>") + event.Desc().toHtmlEscaped() + QStringLiteral("</b>"), this);
     heading->setWordWrap(true);
     m_shared->setChecked(event.SharedEvent);
     (event.ShareWithSpecific ? m_specific : m_everyone)->setChecked(true);

@@ -1,7 +1,7 @@
 #include "shared/ui/QtSoundPlayer.h"
 
-#include <QFileInfo>
 #include <QAudioDevice>
+#include <QFileInfo>
 #include <QMediaDevices>
 #include <QSoundEffect>
 #include <QUrl>
@@ -10,7 +10,9 @@ QtSoundPlayer::QtSoundPlayer() = default;
 
 QtSoundPlayer::~QtSoundPlayer() = default;
 
-bool QtSoundPlayer::SoundAvailable() const { return !QMediaDevices::audioOutputs().isEmpty(); }
+bool QtSoundPlayer::SoundAvailable() const {
+    return !QMediaDevices::audioOutputs().isEmpty();
+}
 
 void QtSoundPlayer::PlayWav(const QString& path) {
     StopPlayingWAV();

@@ -297,29 +297,27 @@ int32_t cSHAREDSettings::AddToSet(const QString& set, const SettingValue& value)
     return n;
 }
 
-bool cSHAREDSettings::ValueInSet(const QString& set, const SettingValue& value) const {
-    const QString s = set.toUpper();
+int32_t cSHAREDSettings::FindInSet(const QString& upperSet, const SettingValue& value) const {
     const QString wanted = value.toText();
-    const int32_t last = LastIndexInSet(s);
+    const int32_t last = LastIndexInSet(upperSet);
     for (int32_t n = 1; n <= last; ++n) {
-        const qsizetype at = find(memberKey(s, n));
+        const qsizetype at = find(memberKey(upperSet, n));
         if (at >= 0 && m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
-            return true;
+            return n;
         }
     }
-    return false;
+    return 0;
+}
+
+bool cSHAREDSettings::ValueInSet(const QString& set, const SettingValue& value) const {
+    return FindInSet(set.toUpper(), value) > 0;
 }
 
 void cSHAREDSettings::DeleteFromSetByValue(const QString& set, const SettingValue& value) {
     const QString s = set.toUpper();
-    const QString wanted = value.toText();
-    const int32_t last = LastIndexInSet(s);
-    for (int32_t n = 1; n <= last; ++n) {
-        const qsizetype at = find(memberKey(s, n));
-        if (at >= 0 && m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
-            RemoveFromSetAt(s, n);
-            return;
-        }
+    const int32_t n = FindInSet(s, value);
+    if (n > 0) {
+        RemoveFromSetAt(s, n);
     }
 }
 

@@ -106,6 +106,8 @@ private:
 
     void AddSetting(const QString& key, SettingValue value);
     void RemoveFromSetAt(const QString& set, int32_t pos);
+    // The number of the first member whose text equals value's (any case), or 0.
+    int32_t FindInSet(const QString& upperSet, const SettingValue& value) const;
     // Index into m_entries, or -1.
     qsizetype find(const QString& key) const;
     void removeAt(qsizetype index);

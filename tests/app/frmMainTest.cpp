@@ -4,6 +4,7 @@
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
 #include "app/StartUp.h"
+#include "app/dialogs/DialogsFixture.h"
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
@@ -24,19 +25,16 @@
 #include <QItemSelectionModel>
 #include <QListWidget>
 #include <QRadioButton>
-#include <QTableView>
 #include <QToolBar>
 
 namespace {
 
-class MainWindow : public ::testing::Test {
+class MainWindow : public ::testing::Test, protected DialogsFixture {
 protected:
     MainWindow() {
         settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
         settings.sSet(QStringLiteral("DataPath"), home.path());
         settings.sSet(QStringLiteral("SharedDatapath"), home.path());
-        events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
-        expired.SetDBFilename(home.file(QStringLiteral("Expired.xml")));
     }
 
     EventPtr add(clsDbXml& db, const QString& desc, const QString& due,
@@ -82,25 +80,11 @@ protected:
         }
     }
     void open() {
-        window = std::make_unique<frmMain>(app);
+        window = std::make_unique<frmMain>(context);
         window->FillEvents();
     }
 
-    TempHome home;
     FixedClock clock{QStringLiteral("2009-03-05 10:00")};
-    cSHAREDSettings settings;
-    clsLayers layers{settings};
-    clsDbXml events{settings, &layers};
-    clsDbXml expired{settings, &layers};
-    SharedDatabases shared{settings, layers};
-    ScriptedDialogs dialogs;
-    FakeFileOpener opener;
-    FakeSoundPlayer player;
-    AppContext app{settings, home.file(QStringLiteral("Tvo.ini")),
-                   layers,   events,
-                   expired,  shared,
-                   dialogs,  opener,
-                   player};
     std::unique_ptr<frmMain> window;
 };
 
@@ -256,7 +240,7 @@ TEST_F(MainWindow, QuitSavesTheWindowSize) {
     window->resize(700, 450);
     window->Quit();
     cSHAREDSettings saved;
-    saved.LoadSettings(app.settingsFile);
+    saved.LoadSettings(context.settingsFile);
     EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), window->width());
     EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), window->height());
 }
@@ -316,7 +300,7 @@ TEST_F(MainWindow, ToolbarOpensTheOtherWindows) {
 
 TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabaseAndCancelEnds) {
     bool optionsShown = false;
-    StartUp startUp(app, [&](AppContext& c) {
+    StartUp startUp(context, [&](AppContext& c) {
         optionsShown = true;
         EXPECT_TRUE(c.events.DBFilename().isEmpty() || c.events.RecordCount() == 0);
         return false;
@@ -331,8 +315,8 @@ TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabaseAndCancelEnds) {
 }
 
 TEST_F(MainWindow, StartUpLogsItsStepsInOrder) {
-    WriteFileBytes(app.settingsFile, "OWNER,Ann\r\nNOAUTOBACKUPS,-1 \r\n");
-    StartUp startUp(app, [](AppContext&) { return false; });
+    WriteFileBytes(context.settingsFile, "OWNER,Ann\r\nNOAUTOBACKUPS,-1 \r\n");
+    StartUp startUp(context, [](AppContext&) { return false; });
     ASSERT_TRUE(startUp.Run());
     const QStringList log = LoggedTexts();
     const QStringList steps = {QStringLiteral("TVO Startup"),

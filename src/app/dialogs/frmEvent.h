@@ -10,6 +10,7 @@ class QCheckBox;
 class QComboBox;
 class QGroupBox;
 class QLabel;
+class QLayout;
 class QLineEdit;
 class QListWidget;
 class QPlainTextEdit;
@@ -17,6 +18,7 @@ class QPushButton;
 class QRadioButton;
 class QTabWidget;
 class QWidget;
+class StartDateLabel;
 class clsEvent;
 struct AppContext;
 
@@ -24,6 +26,11 @@ struct AppContext;
 // on "&Save", checks them and writes them back into that same event object.
 // Storing the event is the caller's work (see EventEditFlow.h). Save and
 // Abort hide the dialog; the caller then reads Saved().
+//
+// Sources: frmEvent.cpp loads the form and moves data between the event and
+// the controls (and saves); frmEventLayout.cpp builds the window and
+// frmEventTabs.cpp its six recurrence tabs; frmEventHandlers.cpp holds the
+// controls' reactions.
 class frmEvent : public QDialog {
     Q_OBJECT
 public:
@@ -67,10 +74,29 @@ protected:
 
 private:
     void Form_Load();
-    void buildControls();
     void pickStartDate(QLabel* label);
-    QWidget* makeFrame(int index, const QString& help);
-    QLabel* makeDateLabel(const QString& name);
+
+    // Building (frmEventLayout.cpp; the tabs in frmEventTabs.cpp), in creation
+    // order. Each builder creates its own controls and returns what the
+    // window's arrangement places, if anything.
+    void buildControls();
+    QLayout* buildDescriptionRow();
+    QGroupBox* buildWhenBox();
+    void buildRecurrenceTabs();
+    QGroupBox* buildActionsBox();
+    void buildSharingBox();
+    QLayout* buildButtonRow();
+    void setKeyboardOrder();
+    void connectHandlers();
+
+    // The recurrence tabs' pages (frmEventTabs.cpp), by tab index.
+    QWidget* buildWeekdayPage();    // 0
+    QWidget* buildDayOfMonthPage(); // 1
+    QWidget* buildNthWeekdayPage(); // 4
+    // 2, 3 and 5: every so many months, weeks or days from a start date.
+    QWidget* buildIntervalPage(int index, const QString& periodName, const QString& startName,
+                               const char* unit, QLineEdit*& periodBox,
+                               StartDateLabel*& startLabel);
 
     AppContext& m_context;
     clsEvent& m_event;
@@ -112,14 +138,14 @@ private:
     QLineEdit* txtDayOfMonth = nullptr;
     QListWidget* lstMonthNames = nullptr;
     QLineEdit* txtMonthlyPeriod = nullptr;
-    QLabel* lblMonthlyStartDate = nullptr;
+    StartDateLabel* lblMonthlyStartDate = nullptr;
     QLineEdit* txtWeeklyPeriod = nullptr;
-    QLabel* lblWeeklyStartDate = nullptr;
+    StartDateLabel* lblWeeklyStartDate = nullptr;
     QListWidget* lstDayNumber = nullptr;
     QListWidget* lstDayName = nullptr;
     QListWidget* lstMonths = nullptr;
     QLineEdit* txtDailyPeriod = nullptr;
-    QLabel* lblDailyStartDate = nullptr;
+    StartDateLabel* lblDailyStartDate = nullptr;
     QPushButton* cmdSave = nullptr;
     QPushButton* cmdAbort = nullptr;
 };

@@ -204,6 +204,25 @@ TEST_F(EventEditor, EveryXDaysNeedsAPickedStartDate) {
     EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-04-01"));
 }
 
+// Return and Enter on a start date open the picker and go no further: they
+// must not also press the default "&Save" button.
+TEST_F(EventEditor, StartDatesOpenThePickerFromTheKeyboard) {
+    for (const char* name : {"lblMonthlyStartDate", "lblWeeklyStartDate", "lblDailyStartDate"}) {
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
+            dialogs.clear();
+            event = clsEvent();
+            open().show();
+            dialogs.answerDate(D("2009-04-01"));
+            QTest::keyClick(label(name), key);
+            ASSERT_EQ(dialogs.shown().size(), 1) << name << " key " << key;
+            EXPECT_EQ(dialogs.shown().last().kind, ScriptedDialogs::Kind::Date) << name;
+            EXPECT_EQ(label(name)->text(), QStringLiteral("01/04/2009")) << name;
+            EXPECT_FALSE(window->Saved()) << name;
+            EXPECT_TRUE(window->isVisible()) << name;
+        }
+    }
+}
+
 TEST_F(EventEditor, NewShowOnceEventIsNotRecurringAndStartsToday) {
     open();
     describe(QStringLiteral("Pay the plumber"));

@@ -1,5 +1,7 @@
 #include "app/StartUp.h"
 
+#include "app/AppBackup.h"
+
 #include "shared/AppPaths.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
@@ -47,10 +49,7 @@ bool StartUp::Run() {
     if (settings.sGet(QStringLiteral("NoAutoBackups"), false).toBool()) {
         Log().LogEvent(QStringLiteral("Autobackups disabled"));
     } else {
-        const BackupSources sources{m_app.events.DBFilename(), m_app.expired.DBFilename(),
-                                    m_app.settingsFile, Log().CurrentLogFilename(),
-                                    DataFiles::DataFolder(settings)};
-        BackupDataToZip(QString::fromLatin1(kAutobackupKind), sources);
+        BackUpData(m_app, QString::fromLatin1(kAutobackupKind));
         Log().LogEvent(QStringLiteral("Data automatically zipped to Autobackups folder in ") +
                        AppPaths::HomeFolder());
     }

@@ -57,15 +57,6 @@ const ToolButton kButtons[] = {
 
 } // namespace
 
-const QStringList& frmMain::ToolbarKeys() {
-    static const QStringList keys = {
-        QStringLiteral("exit"),       QStringLiteral("tasklist"),    QStringLiteral("monthview"),
-        QStringLiteral("editlayers"), QStringLiteral("options"),     QStringLiteral("refresh"),
-        QStringLiteral("pushevent"),  QStringLiteral("deleteevent"), QStringLiteral("editevent"),
-        QStringLiteral("addevent"),   QStringLiteral("help"),        QStringLiteral("log")};
-    return keys;
-}
-
 frmMain::frmMain(AppContext& app, QWidget* parent)
     : QMainWindow(parent), m_app(app),
       m_windows(std::make_unique<ReminderWindowFactory>(app.settings, app.player)),
@@ -367,8 +358,9 @@ void frmMain::Quit() {
     m_refreshTimer.stop();
     close();
     m_tray->hide();
+    // Every change to the events was saved when it was made; the settings
+    // (the window size among them) are written now.
     m_app.settings.SaveSettings(m_app.settingsFile);
-    m_app.events.SaveDB();
     Log().LogEvent(QStringLiteral("TVO ending"));
     Log().WriteActionsToLog();
     QApplication::quit();

@@ -74,8 +74,6 @@ public:
     bool trayAvailable() const;
 
     static constexpr const char* kTitle = "Tarvo 2 - Quillmere Software";
-    // Keys in the order the dispatch compares them.
-    static const QStringList& ToolbarKeys();
 
 signals:
     // The options were saved: databases and lists have been reloaded.
@@ -95,6 +93,8 @@ private:
     void showForward();
     bool guard(const QString& refusal);
     QAction* action(const QString& key) const;
+    // Pops menu up below the toolbar button of key.
+    void popupUnderButton(QMenu* menu, const QString& key);
 
     AppContext& m_app;
     std::unique_ptr<ReminderWindowFactory> m_windows;

@@ -1,6 +1,7 @@
 // The main window's commands: the toolbar dispatch, the guarded list
 // commands, search, backups, help. The rules they apply live in
 // EventCommands; this file wires them to the window and the dialogs.
+#include "app/AppBackup.h"
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
 #include "app/dialogs/EventEditFlow.h"
@@ -30,47 +31,42 @@
 using EventCommands::ListRow;
 
 void frmMain::Toolbar1_ButtonClick(const QString& key) {
-    // Compared in this order; the first match runs.
-    for (const QString& k : ToolbarKeys()) {
-        if (k != key) {
-            continue;
+    // The keys are distinct, so the order of the comparisons is only the
+    // order in which they have always been listed.
+    if (key == QLatin1String("exit")) {
+        Quit();
+    } else if (key == QLatin1String("tasklist")) {
+        Tasklist();
+    } else if (key == QLatin1String("monthview")) {
+        MonthView();
+    } else if (key == QLatin1String("editlayers")) {
+        EditLayers();
+    } else if (key == QLatin1String("options")) {
+        popupUnderButton(m_settingMenu, key);
+    } else if (key == QLatin1String("refresh")) {
+        FillEvents();
+    } else if (key == QLatin1String("pushevent")) {
+        PushSelectedEvent();
+    } else if (key == QLatin1String("deleteevent")) {
+        if (!SelectedRows().isEmpty() &&
+            m_app.dialogs.AskYesNo(EventCommands::kDeleteQuestion, {}, false)) {
+            DeleteSelectedEvents();
         }
-        if (k == QLatin1String("exit")) {
-            Quit();
-        } else if (k == QLatin1String("tasklist")) {
-            Tasklist();
-        } else if (k == QLatin1String("monthview")) {
-            MonthView();
-        } else if (k == QLatin1String("editlayers")) {
-            EditLayers();
-        } else if (k == QLatin1String("options")) {
-            auto* bar = findChild<QToolBar*>(QStringLiteral("Toolbar1"));
-            QWidget* button = bar->widgetForAction(action(k));
-            m_settingMenu->popup(button->mapToGlobal(QPoint(0, button->height())));
-        } else if (k == QLatin1String("refresh")) {
-            FillEvents();
-        } else if (k == QLatin1String("pushevent")) {
-            PushSelectedEvent();
-        } else if (k == QLatin1String("deleteevent")) {
-            if (SelectedRows().isEmpty()) {
-                return;
-            }
-            if (m_app.dialogs.AskYesNo(EventCommands::kDeleteQuestion, {}, false)) {
-                DeleteSelectedEvents();
-            }
-        } else if (k == QLatin1String("editevent")) {
-            EditSelectedEvent();
-        } else if (k == QLatin1String("addevent")) {
-            AddEvent();
-        } else if (k == QLatin1String("help")) {
-            auto* bar = findChild<QToolBar*>(QStringLiteral("Toolbar1"));
-            QWidget* button = bar->widgetForAction(action(k));
-            m_helpMenu->popup(button->mapToGlobal(QPoint(0, button->height())));
-        } else if (k == QLatin1String("log")) {
-            ViewLog();
-        }
-        return;
+    } else if (key == QLatin1String("editevent")) {
+        EditSelectedEvent();
+    } else if (key == QLatin1String("addevent")) {
+        AddEvent();
+    } else if (key == QLatin1String("help")) {
+        popupUnderButton(m_helpMenu, key);
+    } else if (key == QLatin1String("log")) {
+        ViewLog();
     }
+}
+
+void frmMain::popupUnderButton(QMenu* menu, const QString& key) {
+    auto* bar = findChild<QToolBar*>(QStringLiteral("Toolbar1"));
+    QWidget* button = bar->widgetForAction(action(key));
+    menu->popup(button->mapToGlobal(QPoint(0, button->height())));
 }
 
 bool frmMain::guard(const QString& refusal) {
@@ -124,13 +120,7 @@ void frmMain::mnuFind_Click(int index) {
 }
 
 void frmMain::ManualBackup() {
-    BackupSources sources;
-    sources.eventsDb = m_app.events.DBFilename();
-    sources.expiredDb = m_app.expired.DBFilename();
-    sources.settingsFile = m_app.settingsFile;
-    sources.logFile = Log().CurrentLogFilename();
-    sources.dataPath = DataFiles::DataFolder(m_app.settings);
-    BackupDataToZip(QString::fromLatin1(kManualBackupKind), sources);
+    BackUpData(m_app, QString::fromLatin1(kManualBackupKind));
     m_app.dialogs.Message(
         QStringLiteral("Backup complete. Your files were zipped to the AutoBackups folder in ") +
         AppPaths::HomeFolder());

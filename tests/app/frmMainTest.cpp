@@ -7,7 +7,9 @@
 #include "app/dialogs/DialogsFixture.h"
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSHAREDZipFiles.h"
 #include "shared/cSharedLogging.h"
+#include "storage/BackupArchive.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
@@ -115,6 +117,19 @@ TEST_F(MainWindow, TitleToolbarAndItsTips) {
     EXPECT_EQ(window->findChild<QCheckBox*>(QStringLiteral("chkExpired"))->text(),
               QStringLiteral("Show Expired"));
     EXPECT_EQ(window->findChild<QComboBox*>(QStringLiteral("cmbCategories"))->count(), 21);
+}
+
+TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
+    add(events, QStringLiteral("Keep safe"), QStringLiteral("2009-03-10"));
+    events.SaveDB();
+    open();
+    window->ManualBackup();
+    const QString archive = BackupArchivePath(QString::fromLatin1(kManualBackupKind), TodayDate());
+    EXPECT_TRUE(cSHAREDZipFiles::ListEntries(archive).contains(QStringLiteral("Events.xml")));
+    EXPECT_EQ(
+        dialogs.lastText(),
+        QStringLiteral("Backup complete. Your files were zipped to the AutoBackups folder in ") +
+            AppPaths::HomeFolder());
 }
 
 TEST_F(MainWindow, ViewLogOpensTheLogFile) {

@@ -1,7 +1,7 @@
 // Filling the month view for one month of a 10,000-event database: reading
 // the view's own copy of "Events.xml" and placing every event, a third of
 // them recurring daily or weekly and first due months before the month shown.
-#include "events/MonthCalendar.h"
+#include "engine/MonthCalendar.h"
 #include "shared/Clock.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"

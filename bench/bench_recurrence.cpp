@@ -1,6 +1,6 @@
 // How long the refresh pass spends moving recurring events forward: a mix of
 // 10,000 events of all six rules, first due years in the past.
-#include "events/clsEvent.h"
+#include "model/clsEvent.h"
 #include "shared/Clock.h"
 
 #include <benchmark/benchmark.h>

@@ -1,8 +1,8 @@
 // One new-day refresh pass over 10,000 events: roll recurring events that
 // fell due, move out passed one-off events, list today's and coming-up
 // reminders, check the minute's alarms, with the saves of both databases.
-#include "events/IReminderWindow.h"
-#include "events/clsReminder.h"
+#include "engine/IReminderWindow.h"
+#include "engine/clsReminder.h"
 #include "shared/Clock.h"
 #include "shared/IFileOpener.h"
 #include "shared/UserDialogs.h"

@@ -1,7 +1,7 @@
 // Event database speed: loading and saving a realistic file, storing new
 // events, against reading/writing the same bytes raw and against a general
 // XML parser building its tree from them.
-#include "events/clsEvent.h"
+#include "model/clsEvent.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/clsDbXml.h"

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/AppContext.h"
-#include "events/EventCommands.h"
-#include "events/RefreshTick.h"
-#include "events/ReminderServices.h"
+#include "engine/EventCommands.h"
+#include "engine/RefreshTick.h"
+#include "engine/ReminderServices.h"
 
 #include <QMainWindow>
 #include <QTimer>

@@ -11,7 +11,7 @@
 #include "app/dialogs/frmShareWith.h"
 #include "app/dialogs/frmTasks.h"
 #include "app/frmMain.h"
-#include "events/clsReminder.h"
+#include "engine/clsReminder.h"
 #include "shared/AppInfo.h"
 #include "shared/AppPaths.h"
 #include "shared/IFileOpener.h"

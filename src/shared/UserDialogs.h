@@ -9,7 +9,7 @@
 // Everything that asks the user something or tells the user something in a
 // small modal box goes through this interface, so that core code stays free of
 // windows and every such flow can be driven by a test. The Qt implementation
-// (shared/ui/QtUserDialogs) shows real dialogs; tests use ScriptedDialogs.
+// (app/platform/QtUserDialogs) shows real dialogs; tests use ScriptedDialogs.
 //
 // An empty title means the application's title. Texts are shown exactly as
 // given: a "\r" or "\r\n" inside a text is a line break.

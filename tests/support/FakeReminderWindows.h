@@ -1,6 +1,6 @@
 #pragma once
 
-#include "events/IReminderWindow.h"
+#include "engine/IReminderWindow.h"
 #include "shared/IFileOpener.h"
 #include "shared/ISoundPlayer.h"
 

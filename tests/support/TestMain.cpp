@@ -1,8 +1,14 @@
-// The main of every test program: a QApplication on the offscreen platform
-// (window tests need one, core tests do not mind), a fixed English locale so
-// nothing depends on the machine, and the global logger writing into a
-// throw-away folder.
+// The main of every test program: a fixed English locale so nothing depends on
+// the machine, and the global logger writing into a throw-away folder. Window
+// tests get a QApplication on the offscreen platform; the core's tests run
+// under a bare QCoreApplication, which proves they need no display.
+#ifdef TARVO_TEST_WIDGETS
 #include <QApplication>
+using TestApplication = QApplication;
+#else
+#include <QCoreApplication>
+using TestApplication = QCoreApplication;
+#endif
 #include <QFile>
 #include <QLocale>
 #include <QTemporaryDir>
@@ -16,7 +22,7 @@ int main(int argc, char** argv) {
     QTemporaryDir home;
     qputenv("TARVO_HOME", QFile::encodeName(home.path()));
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    QApplication app(argc, argv);
+    TestApplication app(argc, argv);
     // Fix the log's place for the whole run, before any test moves TARVO_HOME.
     Log().LogEvent(QStringLiteral("Tests started"), true);
     ::testing::InitGoogleTest(&argc, argv);

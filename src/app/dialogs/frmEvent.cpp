@@ -5,7 +5,7 @@
 
 #include "app/AppContext.h"
 #include "app/dialogs/StartDateLabel.h"
-#include "events/clsEvent.h"
+#include "model/clsEvent.h"
 #include "shared/AppPaths.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"

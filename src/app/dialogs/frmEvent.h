@@ -1,6 +1,6 @@
 #pragma once
 
-#include "events/EventEditorInput.h"
+#include "engine/EventEditorInput.h"
 
 #include <QDialog>
 #include <QList>

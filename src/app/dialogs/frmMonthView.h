@@ -1,6 +1,6 @@
 #pragma once
 
-#include "events/MonthCalendar.h"
+#include "engine/MonthCalendar.h"
 #include "shared/DateValue.h"
 
 #include <QDialog>

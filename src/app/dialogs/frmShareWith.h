@@ -1,6 +1,6 @@
 #pragma once
 
-#include "events/clsEvent.h"
+#include "model/clsEvent.h"
 
 #include <QDialog>
 

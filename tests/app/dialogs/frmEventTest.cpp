@@ -1,6 +1,6 @@
 // The event editor offscreen, driven by its controls' names.
 #include "app/dialogs/frmEvent.h"
-#include "events/clsEvent.h"
+#include "model/clsEvent.h"
 #include <QDir>
 
 #include "DialogsFixture.h"

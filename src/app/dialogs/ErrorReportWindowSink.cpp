@@ -1,0 +1,21 @@
+#include "app/dialogs/ErrorReportWindowSink.h"
+
+#include "app/dialogs/fSHAREDErrorRpt.h"
+
+ErrorReportWindowSink::ErrorReportWindowSink() : m_previous(cSHAREDShowError::SetSink(this)) {}
+
+ErrorReportWindowSink::~ErrorReportWindowSink() {
+    if (cSHAREDShowError::Sink() == this) {
+        cSHAREDShowError::SetSink(m_previous);
+    }
+}
+
+void ErrorReportWindowSink::ShowReport(const QString& text, const QString& secondText) {
+    // Not modal: the operation that failed goes on, and the report stays
+    // open until the user closes it.
+    auto* window = new fSHAREDErrorRpt;
+    window->ShowError(text, secondText);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "engine/ReminderServices.h"
+#include "model/clsEvent.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// The rules behind the main window's list commands, kept out of the window:
+// which rows a command may touch, deleting a selection, pushing an event to
+// its next occurrence, and searching the list.
+namespace EventCommands {
+
+// A row of the event list as the commands see it.
+struct ListRow {
+    QString idCode;
+    QString marker; // "" own, "*" own shared, "S" another user's, "E" expired
+};
+
+inline const QString kOtherUsersMarker = QStringLiteral("S");
+inline const QString kExpiredMarker = QStringLiteral("E");
+
+// The refusal for editing or pushing a row, or "" when the row may be changed.
+QString EditRefusal(const ListRow& row);
+QString PushRefusal(const ListRow& row);
+inline const QString kDeleteQuestion =
+    QStringLiteral("Are you sure you want to delete the selected event(s)?");
+inline const QString kDeleteRefusal =
+    QStringLiteral("You can't delete events belonging to another user");
+
+// Deletes the rows in list order: expired rows from the expired database,
+// the others from the events database; other users' rows are skipped. True
+// when any row was skipped (the caller then shows kDeleteRefusal).
+bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows);
+
+// Moves the row's event to its next occurrence after its current due date and
+// saves its database. The event, or null when it is not found.
+EventPtr PushToNextOccurrence(ReminderServices& services, const ListRow& row);
+
+// The first row at or after start whose text contains term, ignoring case;
+// -1 when none (the search does not wrap).
+int FindRow(const QStringList& eventTexts, const QString& term, int start);
+
+} // namespace EventCommands

@@ -1,0 +1,295 @@
+#include "engine/EventEditorInput.h"
+
+#include "model/clsEvent.h"
+#include "shared/cSHAREDSettings.h"
+#include "storage/clsSounds.h"
+
+#include <QFileInfo>
+#include <QLocale>
+
+#include <cmath>
+#include <limits>
+
+namespace EventEditorRules {
+
+namespace {
+
+EventEditorOutcome fail(const char* message, const char* title = nullptr) {
+    return {false, QString::fromLatin1(message),
+            title != nullptr ? QString::fromLatin1(title) : QString()};
+}
+
+// A box's number as a 16-bit field takes it: rounded half to even; empty
+// when the text is no number or does not fit (the editor's "data fields"
+// error).
+std::optional<int16_t> Int16Of(const QString& text) {
+    const std::optional<double> value = Number(text);
+    if (!value) {
+        return std::nullopt;
+    }
+    const double rounded = std::nearbyint(*value);
+    if (rounded < std::numeric_limits<int16_t>::min() ||
+        rounded > std::numeric_limits<int16_t>::max()) {
+        return std::nullopt;
+    }
+    return static_cast<int16_t>(rounded);
+}
+
+QString qtDateFormat(int dateStyle) {
+    return dateStyle == 1 ? QStringLiteral("dd/MM/yyyy") : QStringLiteral("MM/dd/yyyy");
+}
+
+// Start date and period of an interval tab (types 2, 3 and 5).
+EventEditorOutcome saveInterval(const QString& start, const QString& period, clsEvent& event,
+                                int dateStyle) {
+    const std::optional<DateValue> day = ParseStartDate(start, dateStyle);
+    if (!day) {
+        return fail(kBadStartDate);
+    }
+    if (!Number(period)) {
+        return fail(kBadPeriod);
+    }
+    const std::optional<int16_t> count = Int16Of(period);
+    if (!count) {
+        return fail(kDataError, kErrorTitle);
+    }
+    event.setStartDate(*day);
+    event.setPeriod(*count);
+    return {true, {}, {}};
+}
+
+} // namespace
+
+QString BadTimeMessage(const QString& text) {
+    return QStringLiteral("Time field ") + text + QStringLiteral(" is not valid, please correct");
+}
+
+QString NormaliseTime(const QString& text) {
+    QString t = text;
+    t.replace(QLatin1Char(';'), QLatin1Char(':'));
+    return t.trimmed();
+}
+
+bool TimeInRange(const QString& text) {
+    if (text.size() != 5 || text.at(2) != QLatin1Char(':')) {
+        return false;
+    }
+    const std::optional<double> hours = Number(text.left(2));
+    const std::optional<double> minutes = Number(text.right(2));
+    return hours && minutes && *hours >= 0 && *hours <= 23 && *minutes >= 0 && *minutes <= 59;
+}
+
+std::optional<DateValue> TimeValue(const QString& text) {
+    const QTime t = QTime::fromString(text, QStringLiteral("HH:mm"));
+    if (!t.isValid()) {
+        return std::nullopt;
+    }
+    return TimeSerial(t.hour(), t.minute());
+}
+
+std::optional<double> Number(const QString& text) {
+    const QString t = text.trimmed();
+    if (t.isEmpty()) {
+        return std::nullopt;
+    }
+    bool ok = false;
+    double value = QLocale::c().toDouble(t, &ok);
+    if (!ok) {
+        value = QLocale().toDouble(t, &ok);
+    }
+    if (!ok || !std::isfinite(value)) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+QString DateFormatText(int dateStyle) {
+    return dateStyle == 1 ? QStringLiteral("DD/MM/YYYY") : QStringLiteral("MM/DD/YYYY");
+}
+
+QString FormatStartDate(DateValue day, int dateStyle) {
+    return ToQDate(day).toString(qtDateFormat(dateStyle));
+}
+
+std::optional<DateValue> ParseStartDate(const QString& text, int dateStyle) {
+    const QString t = text.trimmed();
+    QDate d = QDate::fromString(t, qtDateFormat(dateStyle));
+    if (!d.isValid()) {
+        d = QDate::fromString(t, Qt::ISODate);
+    }
+    if (!d.isValid() || d.year() < kMinYear || d.year() > kMaxYear) {
+        return std::nullopt;
+    }
+    return FromQDate(d);
+}
+
+QString AlarmAdvice(const QString& time, const QString& minutesWarning) {
+    const QString t = NormaliseTime(time);
+    const std::optional<DateValue> due = TimeInRange(t) ? TimeValue(t) : std::nullopt;
+    if (!due) {
+        return {};
+    }
+    const std::optional<double> warning =
+        Number(minutesWarning.trimmed().isEmpty() ? QStringLiteral("0") : minutesWarning);
+    if (!warning) {
+        return {};
+    }
+    const int dueMinute = HourOf(*due) * 60 + MinuteOf(*due);
+    const int minute =
+        ((dueMinute - static_cast<int>(std::nearbyint(*warning))) % 1440 + 1440) % 1440;
+    const int hour12 = (minute / 60) % 12 == 0 ? 12 : (minute / 60) % 12;
+    return QStringLiteral("(Alarm will sound at %1:%2%3)")
+        .arg(hour12)
+        .arg(minute % 60, 2, 10, QLatin1Char('0'))
+        .arg(minute < 720 ? QStringLiteral("am") : QStringLiteral("pm"));
+}
+
+EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& settings) {
+    if (!in.makeNoise) {
+        in.wavFile.clear();
+    }
+
+    if (in.timed) {
+        in.time = NormaliseTime(in.time);
+        if (!TimeInRange(in.time)) {
+            return fail(kTimeRange);
+        }
+        if (in.minutesWarning.isEmpty()) {
+            in.minutesWarning = QStringLiteral("0");
+        }
+        const std::optional<double> warning = Number(in.minutesWarning);
+        if (!warning) {
+            return fail(kDataError, kErrorTitle);
+        }
+        if (*warning > 60) {
+            return fail(kMaxWarning);
+        }
+    }
+
+    event.setDesc(in.desc);
+
+    if (in.minutesWarning.trimmed().isEmpty()) {
+        in.minutesWarning = QStringLiteral("0");
+    }
+    if (in.daysWarning.trimmed().isEmpty()) {
+        in.daysWarning = QStringLiteral("0");
+    }
+
+    if (in.shared) {
+        event.SharedEvent = true;
+        if (in.specificShare) {
+            QString names;
+            for (const QString& user : std::as_const(in.selectedUsers)) {
+                names += user + QStringLiteral("\r\n");
+            }
+            event.ShareNames = names;
+            event.ShareWithSpecific = true;
+        } else {
+            event.ShareNames.clear();
+            event.ShareWithSpecific = false;
+        }
+    } else {
+        event.SharedEvent = false;
+        event.ShareWithSpecific = false;
+        event.ShareNames.clear();
+    }
+
+    if (in.emailTo) {
+        event.Email = in.email;
+        if (!in.email.isEmpty()) {
+            settings.sSet(QStringLiteral("DefaultEmail"), in.email);
+        }
+    } else {
+        event.Email.clear();
+    }
+
+    event.setOwner(settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText());
+
+    if (in.timed) {
+        const std::optional<DateValue> due = TimeValue(in.time);
+        if (!due) {
+            return {false, BadTimeMessage(in.time), QString::fromLatin1(kErrorTitle)};
+        }
+        const std::optional<int16_t> minutes = Int16Of(in.minutesWarning);
+        if (!minutes) {
+            return fail(kDataError, kErrorTitle);
+        }
+        event.setDueTime(*due);
+        event.setMinutesWarning(*minutes);
+        // Plain subtraction: an alarm before midnight is not wrapped round.
+        event.setAlarmTime(*due - *minutes / 1440.0);
+        event.setAlarmSet(true);
+    } else {
+        event.setAlarmSet(false);
+    }
+
+    if (in.makeNoise) {
+        if (in.wavFile.isEmpty() || !QFileInfo::exists(in.wavFile)) {
+            in.wavFile = DefaultWavFile(settings);
+        }
+        event.WavFile = in.wavFile;
+        event.PlayWav = true;
+    } else {
+        event.PlayWav = false;
+        event.WavFile.clear();
+    }
+
+    event.setRecurring(in.repeat);
+
+    if (in.runFile) {
+        event.ExecFile = true;
+        event.Filename = in.execFile;
+    } else {
+        event.ExecFile = false;
+    }
+
+    event.setRecurrenceType(in.recurrenceType);
+    const std::optional<int16_t> days = Int16Of(in.daysWarning);
+    if (!days) {
+        return fail(kDataError, kErrorTitle);
+    }
+    event.setDaysWarning(*days);
+    event.setStartDate(TodayDate());
+    event.setLayer(static_cast<int16_t>(in.layer));
+
+    const int dateStyle = settings.sGet(QStringLiteral("DateStyle"), 1).toInt16();
+    switch (in.recurrenceType) {
+    case clsEvent::DaysOfWeek: {
+        int mask = 0;
+        for (int i = 1; i <= 7; ++i) {
+            if (in.days.at(i)) {
+                mask += 1 << i;
+            }
+        }
+        event.setWeekDays(static_cast<int16_t>(mask));
+        return {true, {}, {}};
+    }
+    case clsEvent::DayOfMonthType: {
+        if (!Number(in.dayOfMonth)) {
+            return fail(kBadDayOfMonth);
+        }
+        const std::optional<int16_t> day = Int16Of(in.dayOfMonth);
+        if (!day) {
+            return fail(kDataError, kErrorTitle);
+        }
+        event.setDayOfMonth(*day);
+        event.setMonthNumber(static_cast<int16_t>(in.monthNamesIndex + 1));
+        return {true, {}, {}};
+    }
+    case clsEvent::EveryXMonths:
+        return saveInterval(in.monthlyStart, in.monthlyPeriod, event, dateStyle);
+    case clsEvent::Weekly:
+        return saveInterval(in.weeklyStart, in.weeklyPeriod, event, dateStyle);
+    case clsEvent::NthWeekday:
+        event.setDaynumber(static_cast<int16_t>(in.dayNumberIndex + 1));
+        event.setDayOfWeek(static_cast<int16_t>(in.dayNameIndex + 1));
+        event.setMonthNumber(static_cast<int16_t>(in.monthsIndex));
+        return {true, {}, {}};
+    case clsEvent::EveryXDays:
+        return saveInterval(in.dailyStart, in.dailyPeriod, event, dateStyle);
+    default:
+        return {true, {}, {}};
+    }
+}
+
+} // namespace EventEditorRules

@@ -1,0 +1,114 @@
+#include "engine/MonthCalendar.h"
+
+#include <QLocale>
+
+#include <algorithm>
+
+MonthCalendar::MonthCalendar(int year, int month)
+    : m_year(std::clamp(year, kMinYear, kMaxYear)), m_month(std::clamp(month, 1, 12)),
+      m_first(DateSerial(m_year, m_month, 1)), m_dayCount(DaysInMonth(m_year, m_month)),
+      m_firstWeekday(Weekday(m_first, FirstDay::Sunday)) {}
+
+int MonthCalendar::DayOfBox(int box) const {
+    const int day = box - m_firstWeekday + 2;
+    return (day >= 1 && day <= m_dayCount) ? day : 0;
+}
+
+bool MonthCalendar::PassesLayer(const clsEvent& event, int layer) {
+    return event.Layer() == layer || layer == kAllLayers || (layer == 0 && event.SharedEvent);
+}
+
+void MonthCalendar::AddEvents(const QList<EventPtr>& events, int layer, bool networked) {
+    for (const EventPtr& event : events) {
+        if (event) {
+            AddEvent(*event, layer, networked);
+        }
+    }
+}
+
+void MonthCalendar::AddEvent(clsEvent& event, int layer, bool networked) {
+    if (!PassesLayer(event, layer)) {
+        return;
+    }
+    const DateValue last = LastDay();
+    auto lineFor = [&](int chars) {
+        QString line = event.Desc().left(chars);
+        if (networked) {
+            line += QStringLiteral(" [") + event.Owner() + QLatin1Char(']');
+        }
+        return line;
+    };
+
+    if (!event.Recurring()) {
+        const DateValue due = DateOnly(event.DueDate());
+        if (due >= m_first && due <= last) {
+            addLine(due, lineFor(kOneOffChars));
+        }
+        return;
+    }
+
+    // Catching up from a due date before the month: one search from the 1st
+    // gives the same occurrence as stepping one occurrence at a time (every
+    // rule's series, including the rolling anchors of the interval rules, is
+    // walked the same way), and costs one call instead of one per occurrence.
+    if (DateOnly(event.DueDate()) < m_first) {
+        event.CalcNextAfterDate(m_first);
+    }
+    const QString line = lineFor(kRecurringChars);
+    DateValue due = DateOnly(event.DueDate());
+    while (due >= m_first && due <= last) {
+        addLine(due, line);
+        event.CalcNextAfterDate(due + 1);
+        const DateValue next = DateOnly(event.DueDate());
+        // A search that gave up (hand-edited rule) leaves the date where it
+        // was; never list a day twice or loop on it.
+        if (next <= due) {
+            break;
+        }
+        due = next;
+    }
+}
+
+void MonthCalendar::addLine(DateValue day, const QString& line) {
+    const int index = static_cast<int>(day - m_first);
+    if (index >= 0 && index < m_dayCount) {
+        m_lines[static_cast<size_t>(index)].append(line);
+    }
+}
+
+QStringList MonthCalendar::Lines(int day) const {
+    if (day < 1 || day > m_dayCount) {
+        return {};
+    }
+    return m_lines[static_cast<size_t>(day - 1)];
+}
+
+int MonthCalendar::TotalLines() const {
+    int total = 0;
+    for (const QStringList& lines : m_lines) {
+        total += static_cast<int>(lines.size());
+    }
+    return total;
+}
+
+void MonthCalendar::Clear() {
+    for (QStringList& lines : m_lines) {
+        lines.clear();
+    }
+}
+
+QString MonthCalendar::MonthTitle() const {
+    return QLocale().toString(ToQDate(m_first), QStringLiteral("MMMM yyyy"));
+}
+
+QString MonthCalendar::EventListText() const {
+    const QLocale locale;
+    QStringList out{QStringLiteral("Events for ") + MonthTitle()};
+    for (int day = 1; day <= m_dayCount; ++day) {
+        const QDate date = ToQDate(m_first + day - 1);
+        out.append(locale.toString(date, QStringLiteral("ddd")) + QLatin1Char(' ') +
+                   QString::number(day) + QLatin1Char('\t') +
+                   m_lines[static_cast<size_t>(day - 1)].join(QStringLiteral("; ")));
+    }
+    return out.join(QLatin1Char('\n')) + QLatin1Char('\n');
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "engine/ReminderServices.h"
+
+#include <cstdint>
+#include <functional>
+
+// The logic of the main window's 30-second refresh timer, kept apart from the
+// window so that it runs and is tested with a settable clock and no window.
+// On the first tick and the first tick of each new day it shows the day's
+// reminders and refills the event list; otherwise, in networked mode, it
+// refills the list when the shared files changed. Alarms are checked on every
+// tick, so a tick at least once a minute is needed for every alarm to fire.
+class RefreshTick {
+public:
+    struct Hooks {
+        // Switches the driving timer off for the tick and on again after it.
+        std::function<void(bool)> setTimerEnabled;
+        // Refills the main window's event list for the selected category.
+        std::function<void()> refillList;
+    };
+
+    RefreshTick(ReminderServices& services, Hooks hooks);
+
+    void TimerRefresh_Timer();
+
+    // Records today as seen, for when the day's reminders were just shown
+    // another way (the main window's start-up), so the next tick does not
+    // show them a second time.
+    void markDaySeen();
+
+    // Day of the month seen at the last tick (0 before the first one).
+    int16_t storedDay() const { return m_day; }
+
+    static constexpr int kIntervalMs = 30000;
+
+private:
+    ReminderServices& m_services;
+    Hooks m_hooks;
+    int16_t m_day = 0;
+};

@@ -1,0 +1,221 @@
+#include "engine/clsReminder.h"
+
+#include "engine/IReminderWindow.h"
+#include "shared/IFileOpener.h"
+#include "shared/UserDialogs.h"
+#include "shared/cSHAREDSettings.h"
+#include "shared/cSharedLogging.h"
+#include "storage/clsDbXml.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <cmath>
+
+namespace {
+
+bool networked(const cSHAREDSettings& settings) {
+    return settings.sGet(QStringLiteral("Networked"), false).toBool();
+}
+
+// Minute of the day of a time value, or -1 when it is no time of a single day
+// (the editor's plain subtraction can push an alarm before midnight).
+int alarmMinute(DateValue time) {
+    const double minutes = time * 1440.0;
+    const double rounded = std::round(minutes);
+    if (rounded < 0 || rounded >= 1440 || std::abs(minutes - rounded) > 1e-6) {
+        return -1;
+    }
+    return static_cast<int>(rounded);
+}
+
+} // namespace
+
+clsReminder::clsReminder(ReminderServices& services) : m_services(services) {}
+
+IReminderWindow& clsReminder::todayWindow() {
+    if (m_today == nullptr) {
+        m_today = m_services.windows.CreateReminderWindow();
+    }
+    return *m_today;
+}
+
+IReminderWindow& clsReminder::comingUpWindow() {
+    if (m_comingUp == nullptr) {
+        m_comingUp = m_services.windows.CreateReminderWindow();
+    }
+    return *m_comingUp;
+}
+
+void clsReminder::UpdateAllEvents() {
+    clsDbXml& events = m_services.events;
+    // Taken once: DeleteRecord only marks, so positions never shift.
+    const QList<EventPtr> list = events.Events();
+    for (const EventPtr& e : list) {
+        if (e->Deleted) {
+            continue; // already gone from the database
+        }
+        e->CalcDaysLeft();
+        if (!IsBeforeDate(e->DueDate())) {
+            continue;
+        }
+        if (e->Recurring()) {
+            Log().LogEvent(QStringLiteral("Event expired and updated: ") + FormatYMD(e->DueDate()) +
+                           QLatin1Char(' ') + e->Desc());
+            e->CalcNextDueDate();
+            e->CalcDaysLeft();
+        } else {
+            Log().LogEvent(QStringLiteral("Event expired and deleted: ") + FormatYMD(e->DueDate()) +
+                           QLatin1Char(' ') + e->Desc());
+            // The expired database receives the very object that DeleteRecord
+            // then marks deleted, so its save leaves it out: a passed one-off
+            // event leaves "Events.xml" without reaching "Expired.xml". Users'
+            // files have always behaved this way; it is kept.
+            m_services.expired.StoreRecord(e, false);
+            events.DeleteRecord(e->IDCode);
+        }
+    }
+    events.SaveDB();
+    m_services.expired.SaveDB();
+}
+
+void clsReminder::DisplayReminders() {
+    UpdateAllEvents();
+    IReminderWindow& today = todayWindow();
+    IReminderWindow& comingUp = comingUpWindow();
+    today.ClearList();
+    comingUp.ClearList();
+
+    const DateValue todayDate = TodayDate();
+    const QList<EventPtr> list = m_services.events.Events();
+    bool anyComingUp = false;
+    for (const EventPtr& e : list) {
+        if (e->Deleted) {
+            continue;
+        }
+        const auto days = static_cast<int>(std::llround(DateOnly(e->DueDate()) - todayDate));
+        if (days >= 1 && days <= e->DaysWarning()) {
+            comingUp.AddToList(QStringLiteral("In ") + QString::number(days) +
+                               (days == 1 ? QStringLiteral(" day: ") : QStringLiteral(" days: ")) +
+                               e->Desc());
+            anyComingUp = true;
+        }
+    }
+    if (anyComingUp) {
+        Log().LogEvent(QStringLiteral("Showing upcoming reminders"));
+        comingUp.Heading(QStringLiteral("COMING UP"));
+    } else {
+        comingUp.Unload();
+        m_comingUp = nullptr;
+    }
+
+    today.setSoundFile(QString());
+    today.setSoundFlag(false);
+    bool anyToday = false;
+    for (const EventPtr& e : list) {
+        if (e->Deleted || DateOnly(e->DueDate()) != todayDate || e->ExecFile) {
+            continue; // run-a-file events belong to the alarm pass
+        }
+        today.AddToList(e->Desc());
+        anyToday = true;
+        if (e->PlayWav) {
+            today.setSoundFlag(true);
+            if (!e->WavFile.isEmpty()) {
+                today.setSoundFile(e->WavFile); // the last such event wins
+            }
+        }
+    }
+    if (anyToday) {
+        Log().LogEvent(QStringLiteral("Showing today's reminders"));
+        today.Heading(QStringLiteral("TODAY!"));
+    } else {
+        today.Unload();
+        m_today = nullptr;
+    }
+    QCoreApplication::processEvents();
+}
+
+void clsReminder::DisplayAlarms(clsDbXml& db) {
+    // Each database gets a window of its own, so that the shared database's
+    // pass cannot clear or close a window that the user's own alarms filled.
+    IReminderWindow& alarm = *m_services.windows.CreateReminderWindow();
+    alarm.ClearList();
+    const DateValue now = Now();
+    const int minute = HourOf(now) * 60 + MinuteOf(now);
+    const DateValue today = DateOnly(now);
+    const bool foreign = &db == m_services.shared;
+
+    QList<EventPtr> runList;
+    bool fired = false;
+    const QList<EventPtr> list = db.Events();
+    for (const EventPtr& e : list) {
+        if (e->Deleted || !e->AlarmSet() || DateOnly(e->DueDate()) != today ||
+            alarmMinute(e->AlarmTime()) != minute) {
+            continue;
+        }
+        if (e->ExecFile && !foreign) {
+            runList.append(e);
+            continue;
+        }
+        if (e->ExecFile) {
+            Log().LogEvent(QStringLiteral("Not opening ") + e->Filename.trimmed() +
+                           QStringLiteral(" - the event belongs to ") + e->Owner() +
+                           QStringLiteral(" and only the owner's own events open files"));
+        }
+        alarm.AddToList(e->Desc());
+        fired = true;
+    }
+    for (const EventPtr& e : runList) {
+        const QString file = e->Filename.trimmed();
+        if (!file.isEmpty() && QFileInfo::exists(file)) {
+            m_services.opener.OpenDocument(file);
+        } else {
+            Log().LogEvent(QStringLiteral("Can't run ") + file +
+                           QStringLiteral(" - file not found"));
+        }
+    }
+    if (fired) {
+        alarm.Heading(QStringLiteral("ALARM!"));
+        alarm.setSoundFlag(true);
+        alarm.MakeTopmost();
+    } else {
+        alarm.Unload();
+    }
+}
+
+void ShowReminders(ReminderServices& services) {
+    clsReminder reminder(services);
+    reminder.DisplayReminders();
+}
+
+void CheckAlarms(ReminderServices& services) {
+    clsReminder reminder(services);
+    reminder.DisplayAlarms(services.events);
+    if (networked(services.settings) && services.shared != nullptr) {
+        reminder.DisplayAlarms(*services.shared);
+    }
+}
+
+bool DeleteEvent(ReminderServices& services, const QString& idCode) {
+    const EventPtr e = services.events.ReadEvent(idCode);
+    if (!e) {
+        return false;
+    }
+    const QString owner =
+        services.settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText();
+    if (networked(services.settings) && e->Owner() != owner) {
+        services.dialogs.Message(QStringLiteral("You're not the owner of this event.  Only ") +
+                                 e->Owner() + QStringLiteral(" can delete it."));
+        return false;
+    }
+    services.events.DeleteRecord(idCode);
+    return true;
+}
+
+bool DeleteExpiredEvent(ReminderServices& services, const QString& idCode) {
+    if (!services.expired.ReadEvent(idCode)) {
+        return false;
+    }
+    services.expired.DeleteRecord(idCode);
+    return true;
+}

@@ -1,9 +1,0 @@
-#include "shared/ui/QtFileOpener.h"
-
-#include <QDesktopServices>
-#include <QFileInfo>
-#include <QUrl>
-
-bool QtFileOpener::OpenDocument(const QString& path) {
-    return QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()));
-}

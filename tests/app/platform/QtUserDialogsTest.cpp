@@ -1,0 +1,117 @@
+#include "app/platform/QtUserDialogs.h"
+
+#include "app/platform/DatePickerDialog.h"
+#include "shared/AppInfo.h"
+#include "support/ModalHelper.h"
+#include "support/TestSupport.h"
+
+#include <QAbstractButton>
+#include <QCalendarWidget>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// What a message box looked like when it came up.
+struct SeenBox {
+    QString title;
+    QString text;
+    QMessageBox::StandardButtons buttons;
+    QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
+};
+
+// Answers the next message box with button and remembers how it looked.
+void Answer(QMessageBox::StandardButton button, SeenBox* seen) {
+    WhenModalAppears([button, seen](QWidget* w) {
+        auto* box = qobject_cast<QMessageBox*>(w);
+        ASSERT_NE(box, nullptr);
+        seen->title = box->windowTitle();
+        seen->text = box->text();
+        seen->buttons = box->standardButtons();
+        if (box->defaultButton() != nullptr) {
+            seen->defaultButton = box->standardButton(box->defaultButton());
+        }
+        box->button(button)->click();
+    });
+}
+
+TEST(QtUserDialogs, MessageHasOkAndTheApplicationTitle) {
+    QtUserDialogs dialogs;
+    SeenBox seen;
+    Answer(QMessageBox::Ok, &seen);
+    dialogs.Message(QStringLiteral("line one\rline two"), {}, UserDialogs::Icon::Warning);
+    EXPECT_EQ(seen.title, AppInfo::Title());
+    EXPECT_EQ(seen.text, QStringLiteral("line one\nline two"));
+    EXPECT_EQ(seen.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
+}
+
+TEST(QtUserDialogs, YesNoReturnsTheButtonAndHonoursTheDefault) {
+    QtUserDialogs dialogs;
+    SeenBox seen;
+    Answer(QMessageBox::Yes, &seen);
+    EXPECT_TRUE(dialogs.AskYesNo(QStringLiteral("Delete?"), QStringLiteral("Own title"), false));
+    EXPECT_EQ(seen.title, QStringLiteral("Own title"));
+    EXPECT_EQ(seen.buttons, QMessageBox::Yes | QMessageBox::No);
+    EXPECT_EQ(seen.defaultButton, QMessageBox::No);
+
+    Answer(QMessageBox::No, &seen);
+    EXPECT_FALSE(dialogs.AskYesNo(QStringLiteral("Delete?"), {}, true));
+    EXPECT_EQ(seen.defaultButton, QMessageBox::Yes);
+}
+
+TEST(QtUserDialogs, RetryCancel) {
+    QtUserDialogs dialogs;
+    SeenBox seen;
+    Answer(QMessageBox::Retry, &seen);
+    EXPECT_TRUE(dialogs.AskRetryCancel(QStringLiteral("Disk full"), {}));
+    EXPECT_EQ(seen.buttons, QMessageBox::Retry | QMessageBox::Cancel);
+    Answer(QMessageBox::Cancel, &seen);
+    EXPECT_FALSE(dialogs.AskRetryCancel(QStringLiteral("Disk full"), {}));
+}
+
+TEST(QtUserDialogs, InputBoxGivesTheTypedTextOrNothingOnCancel) {
+    QtUserDialogs dialogs;
+    QString prompt;
+    WhenModalAppears([&prompt](QWidget* w) {
+        auto* box = qobject_cast<QInputDialog*>(w);
+        ASSERT_NE(box, nullptr);
+        prompt = box->labelText();
+        EXPECT_EQ(box->textValue(), QStringLiteral("old"));
+        box->setTextValue(QStringLiteral("Buy milk"));
+        box->accept();
+    });
+    EXPECT_EQ(dialogs.InputBox(QStringLiteral("Enter a todo item:"), QStringLiteral("Enter a task"),
+                               QStringLiteral("old")),
+              std::optional<QString>(QStringLiteral("Buy milk")));
+    EXPECT_EQ(prompt, QStringLiteral("Enter a todo item:"));
+
+    WhenModalAppears([](QWidget* w) { qobject_cast<QDialog*>(w)->reject(); });
+    EXPECT_FALSE(dialogs.InputBox(QStringLiteral("Change"), {}, {}).has_value());
+}
+
+TEST(QtUserDialogs, DatePickerStartsAtTheGivenDayAndReturnsTheChosenOne) {
+    QtUserDialogs dialogs;
+    WhenModalAppears([](QWidget* w) {
+        auto* picker = qobject_cast<DatePickerDialog*>(w);
+        ASSERT_NE(picker, nullptr);
+        EXPECT_EQ(picker->findChild<QLabel*>(QStringLiteral("lblPrompt"))->text(),
+                  QStringLiteral("Enter start date for this event"));
+        auto* calendar = picker->findChild<QCalendarWidget*>(QStringLiteral("calDate"));
+        EXPECT_EQ(calendar->selectedDate(), QDate(2009, 3, 5));
+        calendar->setSelectedDate(QDate(2009, 4, 1));
+        picker->accept();
+    });
+    EXPECT_EQ(
+        dialogs.PickDate(QStringLiteral("Enter start date for this event"), D("2009-03-05 14:00")),
+        std::optional<DateValue>(D("2009-04-01")));
+
+    WhenModalAppears([](QWidget* w) { qobject_cast<QDialog*>(w)->reject(); });
+    EXPECT_FALSE(dialogs.PickDate(QStringLiteral("x"), D("2009-03-05")).has_value());
+}
+
+} // namespace

@@ -1,0 +1,150 @@
+// The reminder window offscreen, driven tick by tick.
+#include "app/reminders/frmReminder.h"
+#include "shared/cSHAREDSettings.h"
+#include "support/FakeReminderWindows.h"
+#include "support/TestSupport.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+class ReminderWindow : public ::testing::Test {
+protected:
+    ReminderWindow() {
+        settings.sSet(QStringLiteral("WavFile"), home.file(QStringLiteral("alarm.wav")));
+    }
+    ~ReminderWindow() override { delete window.data(); }
+
+    void tick(int times = 1) {
+        for (int i = 0; i < times; ++i) {
+            window->Timer1_Timer();
+        }
+    }
+
+    TempHome home;
+    cSHAREDSettings settings;
+    FakeSoundPlayer player;
+    QPointer<frmReminder> window = new frmReminder(settings, player);
+};
+
+TEST_F(ReminderWindow, ControlsAndCaptions) {
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("TVO - Reminder"));
+    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblHeading"))->text(),
+              QStringLiteral("REMINDER"));
+    EXPECT_EQ(window->findChild<QPushButton*>(QStringLiteral("cmdRemindMe"))->text(),
+              QStringLiteral("&Sleep"));
+    EXPECT_EQ(window->findChild<QPushButton*>(QStringLiteral("cmdContinue"))->text(),
+              QStringLiteral("&Continue"));
+    EXPECT_EQ(window->findChild<QLineEdit*>(QStringLiteral("txtSleep"))->text(),
+              QStringLiteral("10"));
+    ASSERT_NE(window->findChild<QListWidget*>(QStringLiteral("lstReminders")), nullptr);
+    window->Heading(QStringLiteral("COMING UP"));
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("COMING UP"));
+    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblHeading"))->text(),
+              QStringLiteral("COMING UP"));
+}
+
+TEST_F(ReminderWindow, LinesOrderedByDayCountNewestFirstAmongEquals) {
+    window->AddToList(QStringLiteral("In 5 days: A"));
+    window->AddToList(QStringLiteral("In 2 days: B"));
+    window->AddToList(QStringLiteral("In 5 days: C"));
+    window->AddToList(QStringLiteral("Plain"));
+    window->AddToList(QStringLiteral("In 1 day: D"));
+    EXPECT_EQ(window->lines(),
+              (QStringList{QStringLiteral("Plain"), QStringLiteral("In 1 day: D"),
+                           QStringLiteral("In 2 days: B"), QStringLiteral("In 5 days: C"),
+                           QStringLiteral("In 5 days: A")}));
+    window->ClearList();
+    EXPECT_TRUE(window->lines().isEmpty());
+}
+
+TEST_F(ReminderWindow, LineNumberReadsTheCountAfterIn) {
+    EXPECT_EQ(frmReminder::LineNumber(QStringLiteral("In 12 days: x")), 12);
+    EXPECT_EQ(frmReminder::LineNumber(QStringLiteral("3 apples")), 3);
+    EXPECT_EQ(frmReminder::LineNumber(QStringLiteral("Dentist")), 0);
+    EXPECT_EQ(frmReminder::LineNumber(QStringLiteral("In 40000 days: far")), 32767);
+}
+
+TEST_F(ReminderWindow, ComesUpAfterTwoSecondsThenNagsEveryThirty) {
+    window->setSoundFlag(true);
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(window->timer().interval(), frmReminder::kFirstShowMs);
+    EXPECT_TRUE(window->timer().isActive());
+    tick();
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(window->timer().interval(), frmReminder::kRepeatMs);
+    tick();
+    EXPECT_EQ(player.played.size(), 2) << "the sound repeats with every nag";
+}
+
+TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {
+    const struct {
+        const char* entry;
+        int minutes;
+    } cases[] = {{"10", 10}, {"", 1}, {"soon", 1}, {" 2 ", 2}};
+    for (const auto& c : cases) {
+        delete window.data();
+        window = new frmReminder(settings, player);
+        window->setSoundFlag(true);
+        tick();
+        player.played.clear();
+        window->findChild<QLineEdit*>(QStringLiteral("txtSleep"))
+            ->setText(QString::fromLatin1(c.entry));
+        QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdRemindMe")),
+                          Qt::LeftButton);
+        EXPECT_TRUE(window->sleeping()) << c.entry;
+        EXPECT_FALSE(window->isVisible()) << c.entry;
+        EXPECT_EQ(window->timer().interval(), frmReminder::kSleepTickMs);
+
+        tick(c.minutes * 60 - 1);
+        EXPECT_FALSE(window->isVisible()) << c.entry << ": one second early";
+        tick();
+        EXPECT_TRUE(window->isVisible()) << c.entry << ": back after the full minutes";
+        EXPECT_EQ(player.played.size(), 1) << c.entry;
+        EXPECT_FALSE(window->timer().isActive()) << c.entry << ": no more repeats";
+    }
+}
+
+TEST_F(ReminderWindow, ContinueAndTheCloseBoxUnload) {
+    tick();
+    QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdContinue")),
+                      Qt::LeftButton);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window.isNull());
+
+    window = new frmReminder(settings, player);
+    tick();
+    window->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window.isNull());
+}
+
+TEST_F(ReminderWindow, SoundRules) {
+    const QString own = home.file(QStringLiteral("own.wav"));
+    WriteFileBytes(own, "RIFF");
+    window->setSoundFile(own);
+    window->PlayReminderSound();
+    EXPECT_EQ(player.played.last(), own);
+
+    // A sound file that is gone falls back to the default, written when missing.
+    window->setSoundFile(home.file(QStringLiteral("deleted.wav")));
+    window->PlayReminderSound();
+    EXPECT_EQ(player.played.last(), home.file(QStringLiteral("alarm.wav")));
+    EXPECT_EQ(window->soundFile(), home.file(QStringLiteral("alarm.wav")));
+    EXPECT_FALSE(ReadFileBytes(home.file(QStringLiteral("alarm.wav"))).isEmpty());
+
+    player.played.clear();
+    settings.sSet(QStringLiteral("NoSounds"), true);
+    window->PlayReminderSound();
+    settings.sSet(QStringLiteral("NoSounds"), false);
+    player.available = false;
+    window->PlayReminderSound();
+    EXPECT_TRUE(player.played.isEmpty()) << "silent with NoSounds or without an output device";
+}
+
+} // namespace

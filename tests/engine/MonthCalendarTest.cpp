@@ -1,0 +1,223 @@
+// The month grid and the expansion of events into the days of one month.
+#include "engine/MonthCalendar.h"
+#include "support/TestSupport.h"
+
+#include <QMap>
+
+namespace {
+
+EventPtr Recurring(const QString& desc, int type, DateValue due) {
+    auto e = std::make_shared<clsEvent>();
+    e->setDesc(desc);
+    e->setRecurring(true);
+    e->setRecurrenceType(type);
+    e->setDueDate(due);
+    e->setStartDate(due);
+    return e;
+}
+
+EventPtr OneOff(const QString& desc, DateValue due, int16_t layer = 1) {
+    auto e = std::make_shared<clsEvent>();
+    e->setDesc(desc);
+    e->setDueDate(due);
+    e->setLayer(layer);
+    return e;
+}
+
+// The month's days of an event, found the slow way: one occurrence after
+// another from the event's own due date, as the view has always walked them.
+QList<int> StepwiseDays(clsEvent event, int year, int month) {
+    const DateValue first = DateSerial(year, month, 1);
+    const DateValue last = DateSerial(year, month + 1, 0);
+    QList<int> days;
+    DateValue due = event.DueDate();
+    for (int guard = 0; due < first && guard < 100000; ++guard) {
+        event.CalcNextAfterDate(due + 1);
+        due = event.DueDate();
+    }
+    while (due >= first && due <= last) {
+        days.append(DayOf(due));
+        event.CalcNextAfterDate(due + 1);
+        if (event.DueDate() <= due) {
+            break;
+        }
+        due = event.DueDate();
+    }
+    return days;
+}
+
+QList<int> DaysOf(const MonthCalendar& month, const QString& line) {
+    QList<int> days;
+    for (int day = 1; day <= month.DayCount(); ++day) {
+        days.append(QList<int>(month.Lines(day).count(line), day));
+    }
+    return days;
+}
+
+} // namespace
+
+TEST(MonthCalendar, GridPlacesTheFirstByItsWeekday) {
+    const struct {
+        int year, month, firstBox, lastBox;
+    } cases[] = {
+        {2009, 2, 0, 27},                    // 1st a Sunday, 28 days
+        {2004, 2, 0, 28},                    // 1st a Sunday, leap year
+        {2009, 8, 6, 36},                    // 1st a Saturday, 31 days: the sixth row is needed
+        {2009, 3, 0, 30}, {2008, 12, 1, 31}, // 1st a Monday
+    };
+    for (const auto& c : cases) {
+        const MonthCalendar month(c.year, c.month);
+        EXPECT_EQ(month.BoxOfDay(1), c.firstBox) << c.year << "-" << c.month;
+        EXPECT_EQ(month.BoxOfDay(month.DayCount()), c.lastBox) << c.year << "-" << c.month;
+        for (int box = 0; box < MonthCalendar::kBoxCount; ++box) {
+            const int day = month.DayOfBox(box);
+            if (box < c.firstBox || box > c.lastBox) {
+                EXPECT_EQ(day, 0) << "box " << box;
+            } else {
+                EXPECT_EQ(month.BoxOfDay(day), box);
+            }
+        }
+    }
+}
+
+TEST(MonthCalendar, OccurrencesMatchStepByStepForEveryRule) {
+    FixedClock clock(QStringLiteral("2009-01-15 10:00"));
+    struct Case {
+        const char* name;
+        std::function<EventPtr()> make;
+    };
+    const Case cases[] = {
+        {"weekdays Mon+Fri",
+         [] {
+             auto e = Recurring(QStringLiteral("w"), clsEvent::DaysOfWeek, D("2008-06-02"));
+             e->setWeekDays(static_cast<int16_t>((1 << 1) | (1 << 5)));
+             return e;
+         }},
+        {"day 31 monthly",
+         [] {
+             auto e = Recurring(QStringLiteral("m"), clsEvent::DayOfMonthType, D("2009-01-31"));
+             e->setDayOfMonth(31);
+             e->setMonthNumber(clsEvent::kEveryMonthType1);
+             return e;
+         }},
+        {"every 1 month from the 31st",
+         [] {
+             auto e = Recurring(QStringLiteral("x"), clsEvent::EveryXMonths, D("2008-01-31"));
+             e->setPeriod(1);
+             return e;
+         }},
+        {"every 2 weeks",
+         [] {
+             auto e = Recurring(QStringLiteral("2w"), clsEvent::Weekly, D("2008-07-01"));
+             e->setPeriod(2);
+             return e;
+         }},
+        {"last Sunday",
+         [] {
+             auto e = Recurring(QStringLiteral("ls"), clsEvent::NthWeekday, D("2008-05-25"));
+             e->setDaynumber(clsEvent::kLastWeekday);
+             e->setDayOfWeek(1);
+             e->setMonthNumber(clsEvent::kEveryMonthType4);
+             return e;
+         }},
+        {"every 3 days",
+         [] {
+             auto e = Recurring(QStringLiteral("3d"), clsEvent::EveryXDays, D("2008-09-09"));
+             e->setPeriod(3);
+             return e;
+         }},
+    };
+    for (const Case& c : cases) {
+        for (const auto& [year, month] : {std::pair{2009, 1}, {2009, 2}, {2009, 4}, {2010, 3}}) {
+            const EventPtr event = c.make();
+            const QList<int> expected = StepwiseDays(*event, year, month);
+            MonthCalendar calendar(year, month);
+            calendar.AddEvent(*event, MonthCalendar::kAllLayers, false);
+            EXPECT_EQ(DaysOf(calendar, event->Desc()), expected)
+                << c.name << " " << year << "-" << month;
+            EXPECT_FALSE(expected.isEmpty()) << c.name << " " << year << "-" << month;
+        }
+    }
+}
+
+TEST(MonthCalendar, DailyEventMonthsBackFillsEveryDay) {
+    FixedClock clock(QStringLiteral("2009-03-01 08:00"));
+    auto daily = Recurring(QStringLiteral("Feed the cat"), clsEvent::EveryXDays, D("2008-10-01"));
+    daily->setPeriod(1);
+    MonthCalendar march(2009, 3);
+    march.AddEvent(*daily, MonthCalendar::kAllLayers, false);
+    for (int day = 1; day <= 31; ++day) {
+        EXPECT_EQ(march.Lines(day), QStringList{QStringLiteral("Feed the cat")}) << day;
+    }
+}
+
+TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
+    const DateValue day = D("2009-03-05");
+    auto longOneOff = OneOff(QStringLiteral("Dentist appointment downtown"), day);
+    auto longRecurring =
+        Recurring(QStringLiteral("Weekly team meeting in room 4"), clsEvent::EveryXDays, day);
+    longRecurring->setPeriod(7);
+    longRecurring->setOwner(QStringLiteral("Bob"));
+    longOneOff->setOwner(QStringLiteral("Ann"));
+
+    MonthCalendar plain(2009, 3);
+    plain.AddEvents({longOneOff, longRecurring}, MonthCalendar::kAllLayers, false);
+    EXPECT_EQ(plain.Lines(5), (QStringList{QStringLiteral("Dentist appo"),
+                                           QStringLiteral("Weekly team meeting in")}));
+    EXPECT_EQ(plain.Lines(12), QStringList{QStringLiteral("Weekly team meeting in")});
+
+    longRecurring->setDueDate(day);
+    longRecurring->setStartDate(day);
+    MonthCalendar networked(2009, 3);
+    networked.AddEvents({longOneOff, longRecurring}, MonthCalendar::kAllLayers, true);
+    EXPECT_EQ(networked.Lines(5), (QStringList{QStringLiteral("Dentist appo [Ann]"),
+                                               QStringLiteral("Weekly team meeting in [Bob]")}));
+}
+
+TEST(MonthCalendar, LayerFilter) {
+    const DateValue day = D("2009-03-05");
+    auto inTwo = OneOff(QStringLiteral("two"), day, 2);
+    auto inThree = OneOff(QStringLiteral("three"), day, 3);
+    auto sharedInThree = OneOff(QStringLiteral("flagged"), day, 3);
+    sharedInThree->SharedEvent = true;
+    auto inZero = OneOff(QStringLiteral("zero"), day, 0);
+    const QList<EventPtr> all{inTwo, inThree, sharedInThree, inZero};
+    const QMap<int, QStringList> expected{
+        {2, {QStringLiteral("two")}},
+        {3, {QStringLiteral("three"), QStringLiteral("flagged")}},
+        {0, {QStringLiteral("flagged"), QStringLiteral("zero")}},
+        {20,
+         {QStringLiteral("two"), QStringLiteral("three"), QStringLiteral("flagged"),
+          QStringLiteral("zero")}},
+        {7, {}},
+    };
+    for (auto it = expected.begin(); it != expected.end(); ++it) {
+        MonthCalendar month(2009, 3);
+        month.AddEvents(all, it.key(), false);
+        EXPECT_EQ(month.Lines(5), it.value()) << "layer " << it.key();
+    }
+}
+
+TEST(MonthCalendar, RuleThatCannotAdvanceIsListedOnceWithoutHanging) {
+    auto unknown = Recurring(QStringLiteral("odd"), 9, D("2009-03-05"));
+    auto emptyMask = Recurring(QStringLiteral("mask"), clsEvent::DaysOfWeek, D("2009-03-06"));
+    emptyMask->setWeekDays(0);
+    MonthCalendar month(2009, 3);
+    month.AddEvents({unknown, emptyMask}, MonthCalendar::kAllLayers, false);
+    EXPECT_EQ(month.TotalLines(), 2);
+    EXPECT_EQ(month.Lines(5), QStringList{QStringLiteral("odd")});
+}
+
+TEST(MonthCalendar, EventListText) {
+    MonthCalendar month(2009, 2);
+    month.AddEvents({OneOff(QStringLiteral("A"), D("2009-02-01")),
+                     OneOff(QStringLiteral("B"), D("2009-02-01")),
+                     OneOff(QStringLiteral("C"), D("2009-02-28"))},
+                    MonthCalendar::kAllLayers, false);
+    const QStringList lines = month.EventListText().split(QLatin1Char('\n'));
+    ASSERT_EQ(lines.size(), 1 + 28 + 1);
+    EXPECT_EQ(lines[0], QStringLiteral("Events for February 2009"));
+    EXPECT_EQ(lines[1], QStringLiteral("Sun 1\tA; B"));
+    EXPECT_EQ(lines[2], QStringLiteral("Mon 2\t"));
+    EXPECT_EQ(lines[28], QStringLiteral("Sat 28\tC"));
+}

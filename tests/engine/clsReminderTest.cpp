@@ -1,0 +1,306 @@
+// The reminder engine against real databases in a temporary folder, a fixed
+// clock and recording windows.
+#include "engine/clsReminder.h"
+#include "engine/RefreshTick.h"
+#include "shared/Clock.h"
+#include "shared/cSHAREDSettings.h"
+#include "storage/clsDbXml.h"
+#include "support/FakeReminderWindows.h"
+#include "support/LogLines.h"
+#include "support/ScriptedDialogs.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+class ReminderEngine : public ::testing::Test {
+protected:
+    ReminderEngine() {
+        settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
+        events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
+        expired.SetDBFilename(home.file(QStringLiteral("Expired.xml")));
+    }
+
+    EventPtr add(const QString& desc, const QString& due, bool recurring = false) {
+        auto e = std::make_shared<clsEvent>();
+        e->setDesc(desc);
+        e->setDueDate(D(due));
+        e->setRecurring(recurring);
+        e->setOwner(QStringLiteral("Ann"));
+        events.StoreRecord(e, true);
+        return e;
+    }
+    EventPtr addAlarm(const QString& desc, const QString& due, int h, int m, int warning) {
+        EventPtr e = add(desc, due);
+        e->setAlarmSet(true);
+        e->setDueTime(TimeSerial(h, m));
+        e->setMinutesWarning(static_cast<int16_t>(warning));
+        e->setAlarmTime(e->DueTime() - TimeSerial(0, warning));
+        return e;
+    }
+    // Saves and reads the events back, as the program does between runs.
+    void saveAndReload() {
+        events.SaveDB();
+        events.LoadDB(events.DBFilename());
+    }
+    QStringList newLogLines() { return LoggedTexts().mid(logStart); }
+
+    TempHome home;
+    cSHAREDSettings settings;
+    clsDbXml events{settings};
+    clsDbXml expired{settings};
+    FakeReminderWindowFactory windows;
+    FakeFileOpener opener;
+    ScriptedDialogs dialogs;
+    ReminderServices services{settings, events, expired, nullptr, windows, opener, dialogs};
+    qsizetype logStart = LoggedTexts().size();
+};
+
+TEST_F(ReminderEngine, ComingUpWithinTheWarningDays) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
+    add(QStringLiteral("Dentist"), QStringLiteral("2009-03-08"))->setDaysWarning(3);
+    add(QStringLiteral("Too early"), QStringLiteral("2009-03-08"))->setDaysWarning(2);
+    add(QStringLiteral("Bill"), QStringLiteral("2009-03-06"))->setDaysWarning(7);
+    add(QStringLiteral("Only on the day"), QStringLiteral("2009-03-06"))->setDaysWarning(0);
+    ShowReminders(services);
+
+    FakeReminderWindow* comingUp = windows.withHeading(QStringLiteral("COMING UP"));
+    ASSERT_NE(comingUp, nullptr);
+    EXPECT_EQ(comingUp->lines, (QStringList{QStringLiteral("In 3 days: Dentist"),
+                                            QStringLiteral("In 1 day: Bill")}));
+    EXPECT_EQ(windows.shown().size(), 1u) << "no today window without events today";
+    EXPECT_TRUE(newLogLines().contains(QStringLiteral("Showing upcoming reminders")));
+}
+
+TEST_F(ReminderEngine, TodayWindowTakesTheLastSoundAndSkipsRunFiles) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
+    EventPtr a = add(QStringLiteral("Birthday"), QStringLiteral("2009-03-05"));
+    a->PlayWav = true;
+    a->WavFile = QStringLiteral("/sounds/a.wav");
+    EventPtr b = add(QStringLiteral("Call"), QStringLiteral("2009-03-05"));
+    b->PlayWav = true; // no file of its own: keeps a's
+    EventPtr run = add(QStringLiteral("Backup script"), QStringLiteral("2009-03-05"));
+    run->ExecFile = true;
+    ShowReminders(services);
+
+    FakeReminderWindow* today = windows.withHeading(QStringLiteral("TODAY!"));
+    ASSERT_NE(today, nullptr);
+    EXPECT_EQ(today->lines, (QStringList{QStringLiteral("Birthday"), QStringLiteral("Call")}));
+    EXPECT_TRUE(today->soundFlag);
+    EXPECT_EQ(today->soundFile, QStringLiteral("/sounds/a.wav"));
+    EXPECT_TRUE(newLogLines().contains(QStringLiteral("Showing today's reminders")));
+}
+
+TEST_F(ReminderEngine, NothingDueLeavesNoWindow) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
+    add(QStringLiteral("Far away"), QStringLiteral("2009-06-01"))->setDaysWarning(3);
+    ShowReminders(services);
+    CheckAlarms(services);
+    EXPECT_FALSE(windows.made.empty());
+    EXPECT_TRUE(windows.shown().empty());
+}
+
+TEST_F(ReminderEngine, PassedEventsRollForwardOrLeave) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
+    EventPtr weekly = add(QStringLiteral("Team meeting"), QStringLiteral("2009-03-04"), true);
+    weekly->setRecurrenceType(clsEvent::Weekly);
+    weekly->setPeriod(1);
+    weekly->setStartDate(D(QStringLiteral("2009-03-04")));
+    EventPtr once = add(QStringLiteral("Parcel"), QStringLiteral("2009-03-04"));
+    const QString onceId = once->IDCode;
+    ShowReminders(services);
+
+    EXPECT_EQ(FormatYMD(weekly->DueDate()), QStringLiteral("2009-03-11"));
+    EXPECT_EQ(weekly->DaysLeft(), 6);
+    const QStringList log = newLogLines();
+    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and updated: 2009-03-04 Team meeting")));
+    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and deleted: 2009-03-04 Parcel")));
+
+    // Both saved: the rolled date is in the file, the one-off is gone from it,
+    // and (as users' files always behaved) it is not in "Expired.xml" either.
+    clsDbXml reread(settings);
+    reread.LoadDB(events.DBFilename());
+    ASSERT_EQ(reread.RecordCount(), 1);
+    EXPECT_EQ(FormatYMD(reread.Events().first()->DueDate()), QStringLiteral("2009-03-11"));
+    EXPECT_FALSE(reread.ReadEvent(onceId));
+    ASSERT_TRUE(QFileInfo::exists(expired.DBFilename()));
+    clsDbXml rereadExpired(settings);
+    rereadExpired.LoadDB(expired.DBFilename());
+    EXPECT_FALSE(rereadExpired.ReadEvent(onceId));
+}
+
+TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
+    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 9, 0, 15);
+    saveAndReload(); // the alarm time as it comes back from the file
+    const struct {
+        const char* now;
+        bool fires;
+    } ticks[] = {{"2009-03-05 08:44", false},
+                 {"2009-03-05 08:45", true},
+                 {"2009-03-05 08:46", false},
+                 {"2009-03-04 08:45", false},
+                 {"2009-03-05 09:00", false}};
+    for (const auto& t : ticks) {
+        FixedClock clock(QString::fromLatin1(t.now));
+        windows.made.clear();
+        CheckAlarms(services);
+        FakeReminderWindow* alarm = windows.withHeading(QStringLiteral("ALARM!"));
+        EXPECT_EQ(alarm != nullptr, t.fires) << t.now;
+        if (alarm != nullptr) {
+            EXPECT_EQ(alarm->lines, QStringList{QStringLiteral("Doctor")});
+            EXPECT_TRUE(alarm->soundFlag);
+            EXPECT_TRUE(alarm->topmost);
+        }
+    }
+}
+
+TEST_F(ReminderEngine, TwoTicksInTheAlarmMinuteRaiseTwoWindows) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:45"));
+    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 9, 0, 15);
+    CheckAlarms(services);
+    Clock::advance(30);
+    CheckAlarms(services);
+    EXPECT_EQ(windows.shown().size(), 2u);
+}
+
+TEST_F(ReminderEngine, RunFileEventsOpenTheirFileOrLogItsAbsence) {
+    FixedClock clock(QStringLiteral("2009-03-05 07:00"));
+    const QString script = home.file(QStringLiteral("backup.sh"));
+    WriteFileBytes(script, "#!/bin/sh\n");
+    EventPtr present =
+        addAlarm(QStringLiteral("Run backup"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    present->ExecFile = true;
+    present->Filename = QStringLiteral("  ") + script + QStringLiteral(" ");
+    EventPtr missing =
+        addAlarm(QStringLiteral("Run missing"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    missing->ExecFile = true;
+    missing->Filename = home.file(QStringLiteral("gone.sh"));
+    CheckAlarms(services);
+
+    EXPECT_EQ(opener.opened, QStringList{script});
+    EXPECT_TRUE(windows.shown().empty()) << "a run-a-file event shows no alarm line";
+    EXPECT_TRUE(newLogLines().contains(QStringLiteral("Can't run ") + missing->Filename +
+                                       QStringLiteral(" - file not found")));
+}
+
+TEST_F(ReminderEngine, AnotherUsersRunFileEventNeverOpensItsFile) {
+    FixedClock clock(QStringLiteral("2009-03-05 07:00"));
+    settings.sSet(QStringLiteral("Networked"), true);
+    const QString script = home.file(QStringLiteral("evil.sh"));
+    WriteFileBytes(script, "#!/bin/sh\n");
+    clsDbXml shared(settings);
+    auto e = std::make_shared<clsEvent>();
+    e->setDesc(QStringLiteral("Bob's task"));
+    e->setOwner(QStringLiteral("Bob"));
+    e->setDueDate(D(QStringLiteral("2009-03-05")));
+    e->setAlarmSet(true);
+    e->setAlarmTime(TimeSerial(7, 0));
+    e->ExecFile = true;
+    e->Filename = script;
+    shared.StoreRecord(e, true);
+    services.shared = &shared;
+    // Ann's own alarm in the same minute stays up next to Bob's.
+    addAlarm(QStringLiteral("Ann's alarm"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    CheckAlarms(services);
+
+    EXPECT_TRUE(opener.opened.isEmpty());
+    const auto shown = windows.shown();
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(shown[0]->lines, QStringList{QStringLiteral("Ann's alarm")});
+    EXPECT_EQ(shown[1]->lines, QStringList{QStringLiteral("Bob's task")});
+    bool logged = false;
+    for (const QString& line : newLogLines()) {
+        logged = logged || (line.contains(script) && line.contains(QStringLiteral("Bob")));
+    }
+    EXPECT_TRUE(logged);
+}
+
+TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
+    EventPtr mine = add(QStringLiteral("Mine"), QStringLiteral("2009-03-05"));
+    EventPtr bobs = add(QStringLiteral("Bob's"), QStringLiteral("2009-03-05"));
+    bobs->setOwner(QStringLiteral("Bob"));
+
+    settings.sSet(QStringLiteral("Networked"), true);
+    EXPECT_FALSE(DeleteEvent(services, bobs->IDCode));
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{
+                  QStringLiteral("You're not the owner of this event.  Only Bob can delete it.")});
+    EXPECT_FALSE(bobs->Deleted);
+    EXPECT_TRUE(DeleteEvent(services, mine->IDCode));
+    EXPECT_TRUE(mine->Deleted);
+
+    settings.sSet(QStringLiteral("Networked"), false);
+    EXPECT_TRUE(DeleteEvent(services, bobs->IDCode)) << "single-user mode has no owners to check";
+    EXPECT_FALSE(DeleteEvent(services, QStringLiteral("999999")));
+    EXPECT_EQ(dialogs.count(), 1);
+}
+
+TEST_F(ReminderEngine, DeleteExpiredEventOnlyWhenPresent) {
+    auto e = std::make_shared<clsEvent>();
+    e->setDesc(QStringLiteral("Old"));
+    expired.StoreRecord(e, true);
+    EXPECT_FALSE(DeleteExpiredEvent(services, QStringLiteral("000000")));
+    EXPECT_TRUE(DeleteExpiredEvent(services, e->IDCode));
+    EXPECT_TRUE(e->Deleted);
+}
+
+// ---- the refresh tick ----
+
+class RefreshTickTest : public ReminderEngine {
+protected:
+    RefreshTick tick{services, {[this](bool on) { timerStates << on; }, [this] { ++refills; }}};
+    QList<bool> timerStates;
+    int refills = 0;
+};
+
+TEST_F(RefreshTickTest, NewDayShowsRemindersOnceAndAlarmsEveryTick) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:44"));
+    add(QStringLiteral("Today's thing"), QStringLiteral("2009-03-05"));
+    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 9, 0, 15);
+    events.SaveDB();
+
+    tick.TimerRefresh_Timer(); // first tick: the day is new
+    EXPECT_EQ(refills, 1);
+    EXPECT_EQ(tick.storedDay(), 5);
+    EXPECT_NE(windows.withHeading(QStringLiteral("TODAY!")), nullptr);
+    EXPECT_EQ(timerStates, (QList<bool>{false, true})) << "the timer is off during its own tick";
+
+    // Later ticks of the same day touch no data file and show no reminders.
+    const QDateTime stamp = QFileInfo(events.DBFilename()).lastModified();
+    windows.made.clear();
+    Clock::advance(60);
+    tick.TimerRefresh_Timer();
+    EXPECT_EQ(refills, 1);
+    EXPECT_EQ(windows.withHeading(QStringLiteral("TODAY!")), nullptr);
+    EXPECT_NE(windows.withHeading(QStringLiteral("ALARM!")), nullptr) << "08:45: the alarm";
+    EXPECT_EQ(QFileInfo(events.DBFilename()).lastModified(), stamp);
+
+    // The first tick of the next day is a new day again.
+    Clock::advance(24 * 3600);
+    tick.TimerRefresh_Timer();
+    EXPECT_EQ(refills, 2);
+    EXPECT_EQ(tick.storedDay(), 6);
+}
+
+TEST_F(RefreshTickTest, NetworkedRefillsWhenTheSharedFilesChange) {
+    FixedClock clock(QStringLiteral("2009-03-05 10:00"));
+    settings.sSet(QStringLiteral("Networked"), true);
+    settings.sSet(QStringLiteral("SharedDatapath"), home.path());
+    const QString list = home.file(QStringLiteral("TVOShared.ini"));
+    WriteFileBytes(list, "Ann\r\nBob\r\n");
+    clsDbXml shared(settings);
+    shared.LoadMultiple(list);
+    services.shared = &shared;
+
+    tick.TimerRefresh_Timer();
+    EXPECT_EQ(refills, 1);
+    tick.TimerRefresh_Timer();
+    EXPECT_EQ(refills, 1) << "nothing changed";
+    WriteFileBytes(home.file(QStringLiteral("Shared_Bob.xml")), "");
+    tick.TimerRefresh_Timer();
+    EXPECT_EQ(refills, 2) << "Bob's file appeared";
+}
+
+} // namespace

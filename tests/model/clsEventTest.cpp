@@ -1,0 +1,78 @@
+#include "model/clsEvent.h"
+#include "support/TestSupport.h"
+
+namespace {
+
+TEST(clsEvent, NewEventIsAllZeroEmptyAndFalse) {
+    const clsEvent e;
+    EXPECT_TRUE(e.IDCode.isEmpty());
+    EXPECT_FALSE(e.ExecFile || e.PlayWav || e.ShareWithSpecific || e.MailSent || e.SharedEvent ||
+                 e.Deleted || e.AlarmSet() || e.Recurring());
+    EXPECT_EQ(e.RecurrenceType(), 0);
+    EXPECT_EQ(e.WeekDays(), 0);
+    EXPECT_EQ(e.DueDate(), 0.0);
+    EXPECT_EQ(e.StartDate(), 0.0);
+    EXPECT_TRUE(e.Desc().isEmpty() && e.Owner().isEmpty());
+}
+
+TEST(clsEvent, DateSettersKeepTheDateOnly) {
+    clsEvent e;
+    e.setDueTime(TimeSerial(9, 30));
+    e.setDueDate(D(QStringLiteral("2009-03-05 17:45")));
+    e.setStartDate(D(QStringLiteral("2009-03-01 23:59")));
+    EXPECT_EQ(FormatYMDHM(e.DueDate()), QStringLiteral("2009-03-05 00:00"));
+    EXPECT_EQ(FormatYMDHM(e.StartDate()), QStringLiteral("2009-03-01 00:00"));
+    EXPECT_EQ(FormatHM(e.DueTime()), QStringLiteral("09:30")) << "the time field is untouched";
+
+    e.setDueDate(-1.25); // 1899-12-29 06:00: the day is -1, not a truncated -1 plus a bit
+    EXPECT_EQ(e.DueDate(), -1.0);
+
+    // Other setters store what they are given, with no checks.
+    e.setAlarmTime(TimeSerial(0, 0) - TimeSerial(0, 15));
+    EXPECT_LT(e.AlarmTime(), 0.0);
+    e.setMinutesWarning(600);
+    EXPECT_EQ(e.MinutesWarning(), 600);
+}
+
+TEST(clsEvent, NameInSharedMatchesEntryEndsIgnoringCase) {
+    struct Case {
+        const char* list;
+        const char* name;
+        bool expected;
+    } cases[] = {
+        {"Ann\r\n", "ann", true},
+        {"Anne\r\n", "Ann", false}, // the end of the entry is anchored
+        {"JoAnn\r\n", "Ann", true}, // its start is not: a tail matches
+        {"JimBob\r\nAnn\r\n", "Bob", true},
+        {"Ann\r\nBob\r\n", "BOB", true},
+        {"Ann", "Ann", false}, // an entry without its CR LF is not listed
+        {"", "Ann", false},
+        {"Ann\nBob\n", "Ann", false},
+    };
+    for (const Case& c : cases) {
+        clsEvent e;
+        e.ShareNames = QString::fromLatin1(c.list);
+        EXPECT_EQ(e.NameInShared(QString::fromLatin1(c.name)), c.expected)
+            << c.name << " in " << c.list;
+    }
+}
+
+TEST(clsEvent, DaysLeftCountsWholeDaysFromToday) {
+    FixedClock clock(QStringLiteral("2009-03-05 23:30"));
+    clsEvent e;
+    const struct {
+        const char* due;
+        int32_t days;
+    } cases[] = {{"2009-03-05", 0},
+                 {"2009-03-06", 1},
+                 {"2009-03-04", -1},
+                 {"2010-03-05", 365},
+                 {"2008-03-05", -365}};
+    for (const auto& c : cases) {
+        e.setDueDate(D(QString::fromLatin1(c.due)));
+        e.CalcDaysLeft();
+        EXPECT_EQ(e.DaysLeft(), c.days) << c.due;
+    }
+}
+
+} // namespace

@@ -204,6 +204,7 @@ void frmMain::buildMenus() {
     }
     file->addSeparator();
     file->addAction(action(QStringLiteral("exit")));
+    buildEditMenu();
     QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
     view->addAction(action(QStringLiteral("monthview")));
     view->addAction(action(QStringLiteral("tasklist")));

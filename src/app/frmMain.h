@@ -8,6 +8,7 @@
 #include <QMainWindow>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 
 class EventListModel;
@@ -17,6 +18,8 @@ class QCheckBox;
 class QComboBox;
 class QMenu;
 class QSystemTrayIcon;
+class QUndoStack;
+class EventChangeCommand;
 class ReminderWindowFactory;
 class frmRunner;
 
@@ -67,6 +70,8 @@ public:
     RefreshTick& refreshTick() { return *m_tick; }
     QTimer& refreshTimer() { return m_refreshTimer; }
     ReminderServices& services() { return m_services; }
+    // Undo and redo of the changes made from this window (frmMainHistory.cpp).
+    QUndoStack& history() { return *m_history; }
     // The rows selected, in list order.
     QList<EventCommands::ListRow> SelectedRows() const;
     int SelectedRow() const;
@@ -95,6 +100,14 @@ private:
     QAction* action(const QString& key) const;
     // Pops menu up below the toolbar button of key.
     void popupUnderButton(QMenu* menu, const QString& key);
+    // The Edit menu with Undo and Redo, after the File menu.
+    void buildEditMenu();
+    // Pushes a change that was just made onto the history (unless it
+    // changed nothing).
+    void record(EventChangeCommand* command);
+    // Refills after an undo or redo and selects the events it touched.
+    void historyStepDone(const QList<EventPtr>& touched, bool applied);
+    std::function<void(const QList<EventPtr>&, bool)> stepDone();
 
     AppContext& m_app;
     std::unique_ptr<ReminderWindowFactory> m_windows;
@@ -111,6 +124,7 @@ private:
     QMenu* m_helpMenu = nullptr;
     QMenu* m_rightClick = nullptr;
     QSystemTrayIcon* m_tray = nullptr;
+    QUndoStack* m_history = nullptr;
     QString m_searchTerm;
     bool m_quitting = false;
 };

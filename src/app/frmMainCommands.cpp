@@ -4,6 +4,7 @@
 #include "app/AppBackup.h"
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
+#include "app/UndoCommands.h"
 #include "app/dialogs/EventEditFlow.h"
 #include "app/dialogs/frmEditLayers.h"
 #include "app/dialogs/frmMonthView.h"
@@ -17,6 +18,7 @@
 #include "shared/IFileOpener.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
 #include "storage/BackupArchive.h"
 #include "storage/DataFiles.h"
@@ -26,9 +28,16 @@
 #include <QDir>
 #include <QFile>
 #include <QMenu>
+#include <QStatusBar>
 #include <QToolBar>
+#include <QUndoStack>
 
 using EventCommands::ListRow;
+
+namespace {
+// How long the status bar shows what a push did.
+constexpr int kPushMessageMs = 6000;
+} // namespace
 
 void frmMain::Toolbar1_ButtonClick(const QString& key) {
     // The keys are distinct, so the order of the comparisons is only the
@@ -86,16 +95,33 @@ void frmMain::PushSelectedEvent() {
     if (!guard(EventCommands::PushRefusal(target))) {
         return;
     }
-    if (EventCommands::PushToNextOccurrence(m_services, target)) {
-        FillEvents();
-        SelectRow(m_model->FindRow(target.idCode, target.marker == EventCommands::kExpiredMarker
-                                                      ? EventListModel::Source::Expired
-                                                      : EventListModel::Source::Local));
+    // No question first: the push can be undone, and the status bar says so.
+    EventChange change;
+    const EventPtr pushed = EventCommands::PushToNextOccurrence(m_services, target, &change);
+    if (!pushed) {
+        return;
     }
+    if (!change.IsEmpty()) {
+        statusBar()->showMessage(
+            QStringLiteral("Pushed %1 to %2 \u2014 Ctrl+Z to undo")
+                .arg(
+                    EventChangeCommand::Quoted(*pushed),
+                    cSharedDateSubs::FormatDayDate(
+                        pushed->DueDate(),
+                        m_app.settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt())),
+            kPushMessageMs);
+    }
+    record(new PushEventCommand(std::move(change), *pushed, stepDone()));
+    FillEvents();
+    SelectRow(m_model->FindRow(target.idCode, target.marker == EventCommands::kExpiredMarker
+                                                  ? EventListModel::Source::Expired
+                                                  : EventListModel::Source::Local));
 }
 
 void frmMain::DeleteSelectedEvents() {
-    const bool skipped = EventCommands::DeleteRows(m_services, SelectedRows());
+    EventChange change;
+    const bool skipped = EventCommands::DeleteRows(m_services, SelectedRows(), &change);
+    record(new DeleteEventsCommand(std::move(change), stepDone()));
     if (skipped) {
         m_app.dialogs.Message(EventCommands::kDeleteRefusal);
     }
@@ -169,6 +195,7 @@ void frmMain::ViewLog() {
 void frmMain::ReloadDatabases() {
     DataFiles::LoadDatabases(m_app.settings, m_app.events, m_app.expired, m_app.shared);
     m_services.shared = DataFiles::Networked(m_app.settings) ? &m_app.shared.SharedSet() : nullptr;
+    m_history->clear(); // its objects belong to the lists just replaced
     FillCategories();
     FillEvents();
     emit optionsReloaded();
@@ -179,6 +206,10 @@ void frmMain::AddEvent() {
     const EventPtr added = EventEditFlow::AddNewEvent(m_app, this);
     m_refreshTimer.start(RefreshTick::kIntervalMs);
     if (added) {
+        EventChange change;
+        change.WatchAdded(m_app.events, added);
+        change.Finish();
+        record(new AddEventCommand(std::move(change), *added, stepDone()));
         FillEvents();
         SelectRow(m_model->FindRow(added->IDCode));
     }
@@ -192,8 +223,13 @@ void frmMain::EditSelectedEvent() {
         const ListRow target{m_model->IDCode(row), m_model->marker(row)};
         const bool expired = target.marker == EventCommands::kExpiredMarker;
         const EventPtr e = m_model->event(row);
+        clsDbXml& db = expired ? m_app.expired : m_app.events;
+        EventChange change;
+        change.Watch(db, e);
         if (guard(EventCommands::EditRefusal(target)) && e &&
-            EventEditFlow::EditEvent(m_app, expired ? m_app.expired : m_app.events, e, this)) {
+            EventEditFlow::EditEvent(m_app, db, e, this)) {
+            change.Finish();
+            record(new EditEventCommand(std::move(change), *e, stepDone()));
             FillEvents();
             m_list->clearSelection();
             SelectRow(m_model->FindRow(target.idCode, expired ? EventListModel::Source::Expired
@@ -204,9 +240,17 @@ void frmMain::EditSelectedEvent() {
 }
 
 void frmMain::EditLayers() {
+    CategoryRename rename(m_app.layers, m_app.settings, m_app.settingsFile,
+                          CategoryRename::Names(m_app.layers));
     frmEditLayers editor(m_app, this);
     editor.exec();
     if (editor.Accepted()) {
+        if (rename.Finish()) {
+            m_history->push(new RenameCategoriesCommand(std::move(rename), [this] {
+                FillCategories();
+                FillEvents();
+            }));
+        }
         FillCategories();
         FillEvents();
     }
@@ -251,8 +295,12 @@ void frmMain::ShareWith() {
     if (dialog.exec() != QDialog::Accepted) {
         return;
     }
+    EventChange change;
+    change.Watch(m_app.events, e);
     dialog.ApplyTo(*e);
     m_app.events.SaveDB(); // publishes the shared events in networked mode
+    change.Finish();
+    record(new ShareWithCommand(std::move(change), *e, stepDone()));
     FillEvents();
     SelectRow(m_model->FindRow(target.idCode));
 }

@@ -17,7 +17,21 @@ QString PushRefusal(const ListRow& row) {
                : QString();
 }
 
-bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows) {
+namespace {
+
+clsDbXml& databaseOf(ReminderServices& services, const ListRow& row) {
+    return row.marker == kExpiredMarker ? services.expired : services.events;
+}
+
+} // namespace
+
+bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows, EventChange* change) {
+    if (change != nullptr) {
+        for (const ListRow& row : rows) {
+            change->Watch(databaseOf(services, row),
+                          databaseOf(services, row).ReadEvent(row.idCode));
+        }
+    }
     bool skipped = false;
     for (const ListRow& row : rows) {
         if (row.marker == kOtherUsersMarker) {
@@ -28,22 +42,31 @@ bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows) {
             DeleteEvent(services, row.idCode);
         }
     }
+    if (change != nullptr) {
+        change->Finish();
+    }
     return skipped;
 }
 
-EventPtr PushToNextOccurrence(ReminderServices& services, const ListRow& row) {
+EventPtr PushToNextOccurrence(ReminderServices& services, const ListRow& row, EventChange* change) {
     if (!PushRefusal(row).isEmpty()) {
         return nullptr;
     }
-    clsDbXml& db = row.marker == kExpiredMarker ? services.expired : services.events;
+    clsDbXml& db = databaseOf(services, row);
     const EventPtr e = db.ReadEvent(row.idCode);
     if (!e) {
         return nullptr;
+    }
+    if (change != nullptr) {
+        change->Watch(db, e);
     }
     // The next occurrence strictly after the current due date.
     e->CalcNextAfterDate(DateOnly(e->DueDate()) + 1);
     e->CalcDaysLeft();
     db.SaveDB();
+    if (change != nullptr) {
+        change->Finish();
+    }
     return e;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/EventChange.h"
 #include "engine/ReminderServices.h"
 #include "model/clsEvent.h"
 
@@ -31,12 +32,16 @@ inline const QString kDeleteRefusal =
 
 // Deletes the rows in list order: expired rows from the expired database,
 // the others from the events database; other users' rows are skipped. True
-// when any row was skipped (the caller then shows kDeleteRefusal).
-bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows);
+// when any row was skipped (the caller then shows kDeleteRefusal). With a
+// change, the rows' events are recorded in it for undo.
+bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows,
+                EventChange* change = nullptr);
 
 // Moves the row's event to its next occurrence after its current due date and
-// saves its database. The event, or null when it is not found.
-EventPtr PushToNextOccurrence(ReminderServices& services, const ListRow& row);
+// saves its database (recorded in change, when given). The event, or null
+// when it is not found.
+EventPtr PushToNextOccurrence(ReminderServices& services, const ListRow& row,
+                              EventChange* change = nullptr);
 
 // The first row at or after start whose text contains term, ignoring case;
 // -1 when none (the search does not wrap).

@@ -51,6 +51,9 @@ public:
     // sharing has always matched and is kept.
     bool NameInShared(const QString& name) const;
 
+    // Every field equal (undo uses it to leave out records a change did not touch).
+    friend bool operator==(const clsEvent&, const clsEvent&) = default;
+
     DateValue AlarmTime() const { return m_AlarmTime; }
     void setAlarmTime(DateValue v) { m_AlarmTime = v; }
     QString Owner() const { return m_Owner; }

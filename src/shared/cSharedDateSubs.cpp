@@ -174,6 +174,12 @@ QString cSharedDateSubs::FormatWith(DateValue date, const QString& format, const
         } else if (at("MM")) {
             out += TwoDigits(afterHours ? time.minute() : day.month());
             i += 2;
+        } else if (at("DDDD")) {
+            out += locale.dayName(day.dayOfWeek(), QLocale::LongFormat);
+            i += 4;
+        } else if (at("DDD")) {
+            out += locale.dayName(day.dayOfWeek(), QLocale::ShortFormat);
+            i += 3;
         } else if (at("DD")) {
             out += TwoDigits(day.day());
             i += 2;
@@ -199,6 +205,12 @@ QString cSharedDateSubs::FormatWith(DateValue date, const QString& format, const
         afterHours = false;
     }
     return out;
+}
+
+QString cSharedDateSubs::FormatDayDate(DateValue date, int dateStyle, const QLocale& locale) {
+    return FormatWith(
+        date, dateStyle == 1 ? QStringLiteral("DDD DD/MM/YYYY") : QStringLiteral("DDD MM/DD/YYYY"),
+        locale);
 }
 
 QString cSharedDateSubs::format(DateValue date, const QString& formatString,

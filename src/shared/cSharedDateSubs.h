@@ -14,8 +14,8 @@
 // probe date, 25 December 2001, and builds the format strings from it.
 //
 // Format strings use the traditional letters: YYYY / YY year, MMM month name,
-// MM month number, DD day, HH:MM hours and minutes; other characters are
-// written as they are.
+// MM month number, DDDD / DDD weekday name, DD day, HH:MM hours and minutes;
+// other characters are written as they are.
 class cSharedDateSubs {
 public:
     // probeText: the short-date text of 25 December 2001 to learn from; empty
@@ -62,6 +62,9 @@ public:
     // date written with a format string of the letters above; month names
     // from locale.
     static QString FormatWith(DateValue date, const QString& format, const QLocale& locale);
+    // "Fri 28/03/2025": the short weekday name, then the date in the order of
+    // the setting "DateStyle" (1 = day before month, anything else month first).
+    static QString FormatDayDate(DateValue date, int dateStyle, const QLocale& locale = QLocale());
 
 private:
     QString fDateSeparator() const;

@@ -14,6 +14,7 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 
@@ -136,6 +137,7 @@ void clsDbXml::removeAt(qsizetype index) {
 }
 
 void clsDbXml::clearList() {
+    ++m_generation;
     m_events.clear();
     m_idCounts.clear();
     m_indexValid = true;
@@ -313,6 +315,22 @@ void clsDbXml::StoreRecord(const EventPtr& event, bool asNew) {
         }
     }
     append(event);
+}
+
+bool clsDbXml::TakeRecord(const EventPtr& event) {
+    const qsizetype index = m_events.indexOf(event);
+    if (index < 0) {
+        return false;
+    }
+    removeAt(index);
+    return true;
+}
+
+void clsDbXml::InsertRecord(qsizetype index, const EventPtr& event) {
+    m_events.insert(std::clamp<qsizetype>(index, 0, m_events.size()), event);
+    if (m_indexValid) {
+        ++m_idCounts[event->IDCode];
+    }
 }
 
 void clsDbXml::WipeDiskFile() {

@@ -59,6 +59,15 @@ public:
     // Deletes DBFilename from the disk, if it is there.
     void WipeDiskFile();
 
+    // For undo: takes this object out of the list (false when it is not in
+    // it) and puts an object back at a position (clamped to the list), both
+    // without saving.
+    bool TakeRecord(const EventPtr& event);
+    void InsertRecord(qsizetype index, const EventPtr& event);
+    // Counts the times the list was emptied (a load replaces it): objects
+    // taken from the list before a newer count are no longer in it.
+    quint64 ListGeneration() const { return m_generation; }
+
     // Owner maintenance (names compared trimmed, case ignored), each saving.
     void WipeRecordsByOwner(const QString& owner);
     void SetAllToSingleUser();
@@ -121,6 +130,7 @@ private:
     QStringList m_sharedFiles;    // merged set: files in list order
     QList<qint64> m_sharedStamps; // and their stamps when loaded (0 = absent)
     bool m_mergedSet = false;
+    quint64 m_generation = 0;
     bool m_networked = false;
     std::function<void(clsDbXml&)> m_publisher;
 };

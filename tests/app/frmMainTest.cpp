@@ -25,9 +25,14 @@
 #include <QDialog>
 #include <QFileInfo>
 #include <QItemSelectionModel>
+#include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QRadioButton>
+#include <QStatusBar>
 #include <QToolBar>
+#include <QUndoStack>
 
 namespace {
 
@@ -177,17 +182,103 @@ TEST_F(MainWindow, DeleteAsksFirstAndNoKeepsEverything) {
     EXPECT_GE(rowOf(QStringLiteral("Keep me")), 0);
 }
 
-TEST_F(MainWindow, PushMovesToTheNextOccurrence) {
-    EventPtr weekly = add(events, QStringLiteral("Gym"), QStringLiteral("2009-03-06"));
-    weekly->setRecurring(true);
-    weekly->setRecurrenceType(clsEvent::Weekly);
-    weekly->setPeriod(1);
-    weekly->setStartDate(D(QStringLiteral("2009-03-06")));
+// Every kind of change made from the window is undone and redone through the
+// Edit menu: undo gives the files back byte for byte, redo gives the bytes of
+// the change itself, and undoing everything gives the files we started with.
+TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
+    settings.sSet(QStringLiteral("DateStyle"), 1);
+    EventPtr gym = add(events, QStringLiteral("Gym"), QStringLiteral("2009-03-06"));
+    gym->setRecurring(true);
+    gym->setRecurrenceType(clsEvent::Weekly);
+    gym->setPeriod(1);
+    gym->setStartDate(D(QStringLiteral("2009-03-06")));
+    add(events, QStringLiteral("Tax"), QStringLiteral("2009-04-30"));
+    add(expired, QStringLiteral("Old"), QStringLiteral("2009-02-01"))->setDaysLeft(-32);
+    events.SaveDB();
+    expired.SaveDB();
+    settings.SaveSettings(context.settingsFile);
     open();
-    select({QStringLiteral("Gym")});
-    window->PushSelectedEvent();
-    EXPECT_EQ(FormatYMD(weekly->DueDate()), QStringLiteral("2009-03-13"));
-    EXPECT_EQ(window->SelectedRow(), rowOf(QStringLiteral("Gym")));
+    window->findChild<QCheckBox*>(QStringLiteral("chkExpired"))->setChecked(true);
+    auto* undo = window->findChild<QAction*>(QStringLiteral("mnuUndo"));
+    auto* redo = window->findChild<QAction*>(QStringLiteral("mnuRedo"));
+    auto files = [&] {
+        return QList<QByteArray>{ReadFileBytes(events.DBFilename()),
+                                 ReadFileBytes(expired.DBFilename()),
+                                 ReadFileBytes(context.settingsFile)};
+    };
+    auto editor = [](const char* desc) {
+        return [desc](QWidget* modal) {
+            modal->findChild<QPlainTextEdit*>(QStringLiteral("txtDesc"))
+                ->setPlainText(QString::fromLatin1(desc));
+            modal->findChild<QCheckBox*>(QStringLiteral("chkDay5"))->setChecked(true);
+            modal->findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
+        };
+    };
+    const QList<QPair<const char*, std::function<void()>>> kinds = {
+        {"Undo Add 'Dentist'",
+         [&] {
+             WhenModalAppears(editor("Dentist"));
+             window->AddEvent();
+         }},
+        {"Undo Edit 'Gym at 7'", // moves it to the end of the file; undo puts it back
+         [&] {
+             select({QStringLiteral("Gym")});
+             WhenModalAppears(editor("Gym at 7"));
+             window->EditSelectedEvent();
+         }},
+        {"Undo Push 'Gym at 7'",
+         [&] {
+             select({QStringLiteral("Gym at 7")});
+             window->PushSelectedEvent();
+             EXPECT_EQ(window->statusBar()->currentMessage(),
+                       QStringLiteral("Pushed 'Gym at 7' to Fri 13/03/2009 \u2014 Ctrl+Z to undo"));
+             EXPECT_EQ(window->SelectedRow(), rowOf(QStringLiteral("Gym at 7")));
+         }},
+        {"Undo Share 'Tax'",
+         [&] {
+             select({QStringLiteral("Tax")});
+             WhenModalAppears([](QWidget* modal) {
+                 modal->findChild<QCheckBox*>(QStringLiteral("chkShared"))->setChecked(true);
+                 static_cast<QDialog*>(modal)->accept();
+             });
+             window->ShareWith();
+         }},
+        {"Undo Delete 3 events",
+         [&] {
+             select({QStringLiteral("Gym at 7"), QStringLiteral("Old"), QStringLiteral("Tax")});
+             dialogs.answerYes();
+             window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
+         }},
+        {"Undo Rename category 'Layer 3' to 'Work'",
+         [&] {
+             WhenModalAppears([](QWidget* modal) {
+                 modal->findChild<QLineEdit*>(QStringLiteral("txtDesc3"))
+                     ->setText(QStringLiteral("Work"));
+                 modal->findChild<QPushButton*>(QStringLiteral("cmdAccept"))->click();
+             });
+             window->EditLayers();
+         }},
+    };
+    const QList<QByteArray> initial = files();
+    for (const auto& [undoText, change] : kinds) {
+        const QList<QByteArray> before = files();
+        change();
+        const QList<QByteArray> after = files();
+        ASSERT_NE(after, before) << undoText;
+        EXPECT_EQ(undo->text().remove(QLatin1Char('&')), QString::fromLatin1(undoText));
+        undo->trigger();
+        EXPECT_EQ(files(), before) << undoText;
+        redo->trigger();
+        EXPECT_EQ(files(), after) << undoText;
+    }
+    EXPECT_EQ(window->history().count(), kinds.size());
+    EXPECT_EQ(rowOf(QStringLiteral("Old")), -1);
+    while (window->history().canUndo()) {
+        undo->trigger();
+    }
+    EXPECT_EQ(files(), initial);
+    EXPECT_GE(rowOf(QStringLiteral("Old")), 0) << "the list is refilled";
+    EXPECT_EQ(rowOf(QStringLiteral("Dentist")), -1);
 }
 
 TEST_F(MainWindow, FindAndFindNext) {

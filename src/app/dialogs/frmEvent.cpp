@@ -91,6 +91,7 @@ void frmEvent::Form_Load() {
     chkShared_Click();
     SetupRelatedItems();
     UpdateAlarmAdvice();
+    UpdateNextDates();
     txtDesc->setFocus();
 }
 

@@ -63,6 +63,9 @@ public:
     void lblWeeklyStartDate_Click();
     void lblDailyStartDate_Click();
     void UpdateAlarmAdvice();
+    // The line under the recurrence tabs: the next dates of the rule as it
+    // stands in the controls (see OccurrencePreview).
+    void UpdateNextDates();
 
     // The controls' state as the save rules take it, and back.
     EventEditorInput Input() const;
@@ -133,6 +136,7 @@ private:
     QCheckBox* chkSpecificShare = nullptr;
     QListWidget* lstUsers = nullptr;
     QTabWidget* TabStrip1 = nullptr;
+    QLabel* lblNextDates = nullptr;
     QList<QWidget*> fraEvent;
     QList<QCheckBox*> chkDay; // index 1..7; 0 unused
     QLineEdit* txtDayOfMonth = nullptr;

@@ -4,6 +4,7 @@
 #include "app/dialogs/StartDateLabel.h"
 #include "app/dialogs/frmEvent.h"
 #include "app/dialogs/frmEventWidgets.h"
+#include "engine/OccurrencePreview.h"
 #include "shared/AppPaths.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
@@ -49,6 +50,13 @@ void frmEvent::UpdateAlarmAdvice() {
     lblAlarmAdvice->setText(chkTimed->isChecked() ? EventEditorRules::AlarmAdvice(
                                                         txtTime->text(), txtMinutesWarning->text())
                                                   : QString());
+}
+
+void frmEvent::UpdateNextDates() {
+    const OccurrencePreview preview = OccurrencePreview::Of(Input(), m_event, m_context.settings);
+    // A warning sign in front of a rule that gives no date.
+    lblNextDates->setText((preview.dates.isEmpty() ? QStringLiteral("\u26A0 ") : QString()) +
+                          preview.Text(m_dateStyle));
 }
 
 void frmEvent::cmdPickWav_Click() {
@@ -106,6 +114,7 @@ void frmEvent::pickStartDate(QLabel* label) {
         m_context.dialogs.PickDate(QString::fromLatin1(StartDateLabel::kPrompt), initial);
     if (day) {
         label->setText(EventEditorRules::FormatStartDate(*day, m_dateStyle));
+        UpdateNextDates();
     }
 }
 

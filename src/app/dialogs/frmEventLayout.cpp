@@ -30,9 +30,17 @@ void frmEvent::buildControls() {
     buildSharingBox();
     QLayout* buttons = buildButtonRow();
 
+    lblNextDates = new QLabel(this);
+    lblNextDates->setObjectName(QStringLiteral("lblNextDates"));
+    lblNextDates->setWordWrap(true);
+    lblNextDates->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto* rule = new QVBoxLayout;
+    rule->addWidget(TabStrip1, 1);
+    rule->addWidget(lblNextDates);
+
     auto* middle = new QHBoxLayout;
     middle->addWidget(whenBox);
-    middle->addWidget(TabStrip1, 1);
+    middle->addLayout(rule, 1);
 
     auto* lower = new QHBoxLayout;
     lower->addWidget(actionsBox, 1);
@@ -244,6 +252,18 @@ void frmEvent::connectHandlers() {
     connect(txtTime, &QLineEdit::textChanged, this, &frmEvent::UpdateAlarmAdvice);
     connect(txtMinutesWarning, &QLineEdit::textChanged, this, &frmEvent::UpdateAlarmAdvice);
     connect(TabStrip1, &QTabWidget::currentChanged, this, &frmEvent::UpdateEventFrames);
+    // Every control of the rule updates the line of next dates.
+    connect(TabStrip1, &QTabWidget::currentChanged, this, &frmEvent::UpdateNextDates);
+    connect(optRepeat, &QRadioButton::toggled, this, &frmEvent::UpdateNextDates);
+    for (int i = 1; i <= 7; ++i) {
+        connect(chkDay[i], &QCheckBox::toggled, this, &frmEvent::UpdateNextDates);
+    }
+    for (QLineEdit* box : {txtDayOfMonth, txtMonthlyPeriod, txtWeeklyPeriod, txtDailyPeriod}) {
+        connect(box, &QLineEdit::textChanged, this, &frmEvent::UpdateNextDates);
+    }
+    for (QListWidget* list : {lstMonthNames, lstDayNumber, lstDayName, lstMonths}) {
+        connect(list, &QListWidget::currentRowChanged, this, &frmEvent::UpdateNextDates);
+    }
     connect(lblMonthlyStartDate, &StartDateLabel::activated, this,
             &frmEvent::lblMonthlyStartDate_Click);
     connect(lblWeeklyStartDate, &StartDateLabel::activated, this,

@@ -16,6 +16,7 @@
 #include <QTabWidget>
 #include <QTest>
 
+#include <functional>
 #include <memory>
 
 namespace {
@@ -46,59 +47,105 @@ protected:
     std::unique_ptr<frmEvent> window;
 };
 
-TEST_F(EventEditor, OpensWithItsCaptionsListsAndDefaults) {
+// What a new event starts from: the first tab, today's month and day, the
+// start dates asking for a date in the user's order, single-user controls.
+TEST_F(EventEditor, OpensWithItsDefaults) {
     frmEvent& w = open();
-    EXPECT_EQ(w.windowTitle(), QStringLiteral("TVO - Add/Edit event"));
     auto* tabs = Control<QTabWidget>(&w, "TabStrip1");
     ASSERT_EQ(tabs->count(), 6);
-    const QStringList captions = {QStringLiteral("Day of week"),    QStringLiteral("Monthly"),
-                                  QStringLiteral("Every X Months"), QStringLiteral("Weekly"),
-                                  QStringLiteral("Day X of Month"), QStringLiteral("Every X days")};
-    for (int i = 0; i < 6; ++i) {
-        EXPECT_EQ(tabs->tabText(i), captions[i]);
-        EXPECT_EQ(tabs->widget(i)->objectName(), QStringLiteral("fraEvent%1").arg(i));
-    }
-    EXPECT_EQ(tabs->tabToolTip(4), QStringLiteral("Day X in month"));
     EXPECT_EQ(tabs->currentIndex(), 0);
     EXPECT_EQ(w.RecurrenceType(), 0);
-
     const QListWidget* months = list("lstMonthNames");
     ASSERT_EQ(months->count(), 13);
-    EXPECT_EQ(months->item(0)->text(), QStringLiteral("January"));
     EXPECT_EQ(months->item(12)->text(), QStringLiteral("Every Month"));
     EXPECT_EQ(months->currentRow(), 2) << "the current month";
     EXPECT_EQ(box("txtDayOfMonth")->text(), QStringLiteral("5")) << "today's day";
     EXPECT_EQ(list("lstMonths")->item(0)->text(), QStringLiteral("Every Month"));
-    EXPECT_EQ(list("lstMonths")->item(12)->text(), QStringLiteral("December"));
-    EXPECT_EQ(list("lstDayNumber")->item(4)->text(), QStringLiteral("Last"));
-    EXPECT_EQ(list("lstDayName")->item(0)->text(), QStringLiteral("Sunday"));
-    EXPECT_EQ(check("chkDay1")->text(), QStringLiteral("Monday"));
-    EXPECT_EQ(check("chkDay7")->text(), QStringLiteral("Sunday"));
-
-    auto* layers = Control<QComboBox>(&w, "cmbLayers");
-    ASSERT_EQ(layers->count(), 21);
-    EXPECT_EQ(layers->itemText(0), QStringLiteral("Shared"));
-    EXPECT_EQ(layers->currentIndex(), 1);
-
-    EXPECT_EQ(box("txtTime")->text(), QStringLiteral("HH:MM"));
-    EXPECT_EQ(box("txtTime")->toolTip(),
-              QStringLiteral("Event time. Please use 24-hour format, eg. 11pm is 23:00"));
-    EXPECT_EQ(box("txtMinutesWarning")->text(), QStringLiteral("30"));
-    EXPECT_EQ(box("txtFrequency")->text(), QStringLiteral("00"));
+    EXPECT_EQ(Control<QComboBox>(&w, "cmbLayers")->currentIndex(), 1);
     for (const char* name : {"lblMonthlyStartDate", "lblWeeklyStartDate", "lblDailyStartDate"}) {
         EXPECT_EQ(label(name)->text(), QStringLiteral("DD/MM/YYYY")) << name;
     }
     EXPECT_TRUE(check("chkEmailTo")->isHidden());
-    EXPECT_TRUE(box("txtEmailAlert")->isHidden());
     EXPECT_TRUE(Control<QGroupBox>(&w, "FrameShared")->isHidden()) << "single-user mode";
     EXPECT_TRUE(Control<QRadioButton>(&w, "optRepeat")->isChecked());
 }
 
-TEST_F(EventEditor, MonthFirstDateStyleShowsItsFormat) {
-    settings.sSet(QStringLiteral("DateStyle"), 2);
-    frmEvent& w = open();
-    EXPECT_EQ(w.DateFormat(), QStringLiteral("MM/DD/YYYY"));
-    EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("MM/DD/YYYY"));
+// The line under the tabs shows the dates the rule gives as it is edited (the
+// clock says Thursday 5 March 2009), in the user's date style, and never
+// touches the event being edited.
+TEST_F(EventEditor, NextDatesFollowTheRuleAsItIsEdited) {
+    auto start = [this](const char* name, const char* day) {
+        dialogs.answerDate(D(QString::fromLatin1(day)));
+        QTest::mouseClick(label(name), Qt::LeftButton);
+    };
+    const struct {
+        int dateStyle;
+        std::function<void()> enter;
+        const char* shown;
+    } cases[] = {
+        {1,
+         [&] {
+             check("chkDay1")->click();
+             check("chkDay5")->click();
+         },
+         "Next: Fri 06/03/2009, Mon 09/03/2009, Fri 13/03/2009, Mon 16/03/2009, Fri 20/03/2009"},
+        {2,
+         [&] {
+             check("chkDay5")->click();
+             Control<QRadioButton>(window.get(), "optShowOnce")->click();
+         },
+         "Once: Fri 03/06/2009"},
+        {1,
+         [&] {
+             tab(clsEvent::DayOfMonthType);
+             box("txtDayOfMonth")->setText(QStringLiteral("31"));
+             list("lstMonthNames")->setCurrentRow(12);
+         },
+         "Next: Tue 31/03/2009, Thu 30/04/2009, Sun 31/05/2009, Tue 30/06/2009, Fri 31/07/2009"},
+        {1, // 31 January plus a month rolls over to 3 March, and the series stays on the 3rd
+         [&] {
+             tab(clsEvent::EveryXMonths);
+             box("txtMonthlyPeriod")->setText(QStringLiteral("1"));
+             start("lblMonthlyStartDate", "2009-01-31");
+         },
+         "Next: Fri 03/04/2009, Sun 03/05/2009, Wed 03/06/2009, Fri 03/07/2009, Mon 03/08/2009"},
+        {2,
+         [&] {
+             tab(clsEvent::Weekly);
+             box("txtWeeklyPeriod")->setText(QStringLiteral("2"));
+             start("lblWeeklyStartDate", "2009-03-03");
+         },
+         "Next: Tue 03/17/2009, Tue 03/31/2009, Tue 04/14/2009, Tue 04/28/2009, Tue 05/12/2009"},
+        {1,
+         [&] {
+             tab(clsEvent::NthWeekday);
+             list("lstDayNumber")->setCurrentRow(4);
+             list("lstDayName")->setCurrentRow(0);
+         },
+         "Next: Sun 29/03/2009, Sun 26/04/2009, Sun 31/05/2009, Sun 28/06/2009, Sun 26/07/2009"},
+        {1,
+         [&] {
+             tab(clsEvent::EveryXDays);
+             box("txtDailyPeriod")->setText(QStringLiteral("10"));
+             start("lblDailyStartDate", "2009-03-01");
+         },
+         "Next: Wed 11/03/2009, Sat 21/03/2009, Tue 31/03/2009, Fri 10/04/2009, Mon 20/04/2009"},
+        {1, [&] { tab(clsEvent::EveryXDays); }, "\u26A0 Please enter a valid starting date"},
+        {1, [] {}, "\u26A0 These settings never produce a date"}, // no weekday ticked
+    };
+    for (const auto& c : cases) {
+        settings.sSet(QStringLiteral("DateStyle"), c.dateStyle);
+        event = clsEvent();
+        event.setDesc(QStringLiteral("Untouched"));
+        event.setRecurring(true);
+        const clsEvent before = event;
+        open(true);
+        c.enter();
+        EXPECT_EQ(label("lblNextDates")->text(), QString::fromUtf8(c.shown));
+        EXPECT_TRUE(event == before) << c.shown;
+        EXPECT_EQ(window->DateFormat(),
+                  c.dateStyle == 1 ? QStringLiteral("DD/MM/YYYY") : QStringLiteral("MM/DD/YYYY"));
+    }
 }
 
 TEST_F(EventEditor, TimeEntryChecks) {

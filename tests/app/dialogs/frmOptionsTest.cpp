@@ -1,6 +1,7 @@
 // The options window and clsOptions2 offscreen, on a throw-away home folder.
 #include "app/dialogs/frmOptions.h"
 #include "app/dialogs/clsOptions2.h"
+#include "app/platform/Autostart.h"
 #include "shared/AppPaths.h"
 #include "support/ModalHelper.h"
 
@@ -195,6 +196,7 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
     check("chkSilentStart")->click();
     check("chkNoAutoBackups")->click();
     check("chkDisableAutoUpdate")->click();
+    check("chkNotifications")->click();
     button("cmdSave")->click();
 
     EXPECT_EQ(dialogs.count(), 0);
@@ -212,6 +214,21 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
     EXPECT_TRUE(reread.sGet(QStringLiteral("SilentStart")).toBool());
     EXPECT_TRUE(reread.sGet(QStringLiteral("NoAutoBackups")).toBool());
     EXPECT_FALSE(reread.sGet(QStringLiteral("DisableAutoUpdateCheck")).toBool());
+    EXPECT_FALSE(reread.sGet(QStringLiteral("DesktopNotifications")).toBool());
+    EXPECT_TRUE(Autostart::IsEnabled()) << "a first start offers the login entry ticked";
+}
+
+TEST_F(OptionsWindow, LoginBoxShowsTheEntrysPresenceAndRemovesIt) {
+    existingWav();
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Single"));
+    open();
+    EXPECT_FALSE(check("chkAutostart")->isChecked());
+    ASSERT_TRUE(Autostart::Apply(true, QStringLiteral("/usr/bin/tarvo")));
+    open();
+    EXPECT_TRUE(check("chkAutostart")->isChecked());
+    check("chkAutostart")->click();
+    button("cmdSave")->click();
+    EXPECT_FALSE(Autostart::IsEnabled());
 }
 
 TEST_F(OptionsWindow, DataPathWithBackslashLosesItsLastSeparatorOnly) {

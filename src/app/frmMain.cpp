@@ -3,6 +3,7 @@
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
 #include "app/frmRunner.h"
+#include "app/platform/DBusNotifier.h"
 #include "app/reminders/ReminderWindowFactory.h"
 #include "engine/clsReminder.h"
 #include "shared/cSHAREDSettings.h"
@@ -68,6 +69,9 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
     if (DataFiles::Networked(app.settings)) {
         m_services.shared = &app.shared.SharedSet();
     }
+    auto* notifier = new DBusNotifier(QDBusConnection::sessionBus(), this);
+    m_services.notifier = notifier;
+    connect(notifier, &DBusNotifier::openRequested, this, [this] { showForward(); });
     m_tick = std::make_unique<RefreshTick>(
         m_services, RefreshTick::Hooks{[this](bool on) {
                                            if (on) {

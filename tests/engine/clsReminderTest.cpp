@@ -93,6 +93,30 @@ TEST_F(ReminderEngine, TodayWindowTakesTheLastSoundAndSkipsRunFiles) {
     EXPECT_TRUE(newLogLines().contains(QStringLiteral("Showing today's reminders")));
 }
 
+TEST_F(ReminderEngine, DesktopNotificationsCarryTheDaysRemindersAndAlarms) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:45"));
+    FakeDesktopNotifier notifier;
+    services.notifier = &notifier;
+    add(QStringLiteral("Dentist"), QStringLiteral("2009-03-08"))->setDaysWarning(3);
+    add(QStringLiteral("Bill"), QStringLiteral("2009-03-06"))->setDaysWarning(3);
+    add(QStringLiteral("Birthday"), QStringLiteral("2009-03-05"));
+    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 9, 0, 15);
+    ShowReminders(services);
+    CheckAlarms(services);
+    using Sent = FakeDesktopNotifier::Sent;
+    const QList<Sent> expected = {
+        {QStringLiteral("COMING UP"),
+         {QStringLiteral("In 1 day: Bill"), QStringLiteral("In 3 days: Dentist")},
+         false},
+        {QStringLiteral("TODAY!"), {QStringLiteral("Birthday"), QStringLiteral("Doctor")}, false},
+        {QStringLiteral("ALARM!"), {QStringLiteral("Doctor")}, true}};
+    EXPECT_EQ(notifier.sent, expected);
+
+    settings.sSet(QStringLiteral("DesktopNotifications"), false);
+    CheckAlarms(services);
+    EXPECT_EQ(notifier.sent.size(), expected.size()) << "switched off in the options";
+}
+
 TEST_F(ReminderEngine, NothingDueLeavesNoWindow) {
     FixedClock clock(QStringLiteral("2009-03-05 08:00"));
     add(QStringLiteral("Far away"), QStringLiteral("2009-06-01"))->setDaysWarning(3);

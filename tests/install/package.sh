@@ -40,7 +40,7 @@ for size in "${icons[@]}"; do
   grep -q " ./usr/share/icons/hicolor/$size/apps/tarvo.png\$" <<< "$listing" || fail "no $size icon in the package"
 done
 depends=$(dpkg-deb -f "$deb" Depends)
-for lib in libqt6widgets6 libqt6multimedia6 libzip4; do
+for lib in libqt6widgets6 libqt6dbus6 libqt6multimedia6 libzip4; do
   grep -q "$lib" <<< "$depends" || fail "the package does not depend on $lib: $depends"
 done
 echo "install and package ok: $(basename "$deb")"

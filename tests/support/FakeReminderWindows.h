@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/IDesktopNotifier.h"
 #include "engine/IReminderWindow.h"
 #include "shared/IFileOpener.h"
 #include "shared/ISoundPlayer.h"
@@ -72,4 +73,17 @@ struct FakeSoundPlayer : ISoundPlayer {
     bool SoundAvailable() const override { return available; }
     void PlayWav(const QString& path) override { played << path; }
     void StopPlayingWAV() override { ++stops; }
+};
+
+struct FakeDesktopNotifier : IDesktopNotifier {
+    struct Sent {
+        QString heading;
+        QStringList lines;
+        bool critical;
+        bool operator==(const Sent&) const = default;
+    };
+    QList<Sent> sent;
+    void Notify(const QString& heading, const QStringList& lines, bool critical) override {
+        sent.append({heading, lines, critical});
+    }
 };

@@ -73,14 +73,16 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
     m_services.notifier = notifier;
     connect(notifier, &DBusNotifier::openRequested, this, [this] { showForward(); });
     m_tick = std::make_unique<RefreshTick>(
-        m_services, RefreshTick::Hooks{[this](bool on) {
-                                           if (on) {
-                                               m_refreshTimer.start(RefreshTick::kIntervalMs);
-                                           } else {
-                                               m_refreshTimer.stop();
-                                           }
-                                       },
-                                       [this] { FillEvents(); }});
+        m_services,
+        RefreshTick::Hooks{[this](bool on) {
+                               if (on) {
+                                   m_refreshTimer.start(RefreshTick::kIntervalMs);
+                               } else {
+                                   m_refreshTimer.stop();
+                               }
+                           },
+                           [this] { FillEvents(); },
+                           [this] { return m_app.settings.SaveSettings(m_app.settingsFile); }});
     m_refreshTimer.setObjectName(QStringLiteral("TimerRefresh"));
     connect(&m_refreshTimer, &QTimer::timeout, this, [this] { m_tick->TimerRefresh_Timer(); });
 
@@ -254,6 +256,8 @@ void frmMain::FormLoad(bool silentStart) {
 
     Log().LogEvent(QStringLiteral("Copying layer names into main form"));
     FillCategories();
+    // Before the day's reminders move any passed event on.
+    m_tick->ShowMissedSinceLastRun();
     Log().LogEvent(QStringLiteral("Displaying Reminders"));
     ShowReminders(m_services);
     m_tick->markDaySeen(); // the first tick need not show them again

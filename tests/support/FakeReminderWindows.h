@@ -18,6 +18,7 @@ struct FakeReminderWindow : IReminderWindow {
     QStringList lines;
     bool soundFlag = false;
     QString soundFile;
+    bool soundOnce = false;
     bool topmost = false;
     bool unloaded = false;
 
@@ -26,6 +27,7 @@ struct FakeReminderWindow : IReminderWindow {
     void Heading(const QString& text) override { heading = text; }
     void setSoundFlag(bool on) override { soundFlag = on; }
     void setSoundFile(const QString& path) override { soundFile = path; }
+    void setSoundOnce(bool once) override { soundOnce = once; }
     void MakeTopmost() override { topmost = true; }
     void Unload() override { unloaded = true; }
 };

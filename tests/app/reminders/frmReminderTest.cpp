@@ -80,6 +80,10 @@ TEST_F(ReminderWindow, ComesUpAfterTwoSecondsThenNagsEveryThirty) {
     EXPECT_EQ(window->timer().interval(), frmReminder::kRepeatMs);
     tick();
     EXPECT_EQ(player.played.size(), 2) << "the sound repeats with every nag";
+
+    window->setSoundOnce(true); // a missed-alarms list
+    tick(2);
+    EXPECT_EQ(player.played.size(), 3) << "once, then silent nags";
 }
 
 TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {

@@ -117,12 +117,14 @@ void clsReminder::DisplayReminders() {
 
     today.setSoundFile(QString());
     today.setSoundFlag(false);
-    QStringList todayLines;
+    bool anyToday = false;
+    QStringList todayLines; // for the notification
     for (const EventPtr& e : list) {
         if (e->Deleted || DateOnly(e->DueDate()) != todayDate || e->ExecFile) {
             continue; // run-a-file events belong to the alarm pass
         }
         today.AddToList(e->Desc());
+        anyToday = true;
         todayLines << e->Desc();
         if (e->PlayWav) {
             today.setSoundFlag(true);
@@ -131,7 +133,7 @@ void clsReminder::DisplayReminders() {
             }
         }
     }
-    if (!todayLines.isEmpty()) {
+    if (anyToday) {
         Log().LogEvent(QStringLiteral("Showing today's reminders"));
         today.Heading(QStringLiteral("TODAY!"));
         NotifyDesktop(m_services, QStringLiteral("TODAY!"), todayLines, false);
@@ -153,7 +155,8 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
     const bool foreign = &db == m_services.shared;
 
     QList<EventPtr> runList;
-    QStringList lines;
+    bool fired = false;
+    QStringList lines; // for the notification
     const QList<EventPtr> list = db.Events();
     for (const EventPtr& e : list) {
         if (e->Deleted || !e->AlarmSet() || DateOnly(e->DueDate()) != today ||
@@ -170,6 +173,7 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
                            QStringLiteral(" and only the owner's own events open files"));
         }
         alarm.AddToList(e->Desc());
+        fired = true;
         lines << e->Desc();
     }
     for (const EventPtr& e : runList) {
@@ -181,7 +185,7 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
                            QStringLiteral(" - file not found"));
         }
     }
-    if (!lines.isEmpty()) {
+    if (fired) {
         alarm.Heading(QStringLiteral("ALARM!"));
         alarm.setSoundFlag(true);
         alarm.MakeTopmost();

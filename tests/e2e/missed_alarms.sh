@@ -48,7 +48,8 @@ dbus-run-session --config-file="$home/bus.conf" -- xvfb-run -a -s "-screen 0 128
   set -uo pipefail
   log="$home/log.txt"
   openbox > /dev/null 2>&1 &
-  TARVO_HOME="$home" TARVO_NOW="2030-06-01 09:00" "$tarvo" > "$home/tarvo.out" 2>&1 &
+  XDG_CONFIG_HOME="$home/config" TARVO_HOME="$home" TARVO_NOW="2030-06-01 09:00" \
+    "$tarvo" > "$home/tarvo.out" 2>&1 &
   pid=$!
   for _ in $(seq 1 200); do grep -q "Filling events" "$log" 2>/dev/null && break; sleep 0.1; done
   for _ in $(seq 1 100); do xdotool search --name "^MISSED\$" > /dev/null 2>&1 && break; sleep 0.1; done

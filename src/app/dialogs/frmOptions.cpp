@@ -238,17 +238,34 @@ void frmOptions::buildControls() {
     layout->addLayout(buttons);
     setMinimumWidth(640);
 
-    const QList<QWidget*> order = {txtDatapath,      cmdDatapath,      txtAlarmWav,
-                                   cmdPickWav,       chkNoSound,       optSingle,
-                                   optNetworked,     txtSharedDBPath,  txtOwner,
-                                   cmdAddUser,       lstUsers,         cmdDel,
-                                   cmdReload,        optEuroDate,      optUSDate,
-                                   chkAutostart,     chkNotifications, chkSilentStart,
-                                   chkNoAutoBackups, chkPruneOld,      chkDisableAutoUpdate,
-                                   cmdHomePage,      cmdSave,          cmdAbort};
+    const QList<QWidget*> order = {txtDatapath,
+                                   cmdDatapath,
+                                   txtAlarmWav,
+                                   cmdPickWav,
+                                   chkNoSound,
+                                   optSingle,
+                                   optNetworked,
+                                   txtSharedDBPath,
+                                   txtOwner,
+                                   cmdAddUser,
+                                   lstUsers,
+                                   cmdDel,
+                                   cmdReload,
+                                   optEuroDate,
+                                   optUSDate,
+                                   chkSilentStart,
+                                   chkNoAutoBackups,
+                                   chkPruneOld,
+                                   chkDisableAutoUpdate,
+                                   cmdHomePage,
+                                   cmdSave,
+                                   cmdAbort};
     for (qsizetype i = 1; i < order.size(); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
+    setTabOrder(optUSDate, chkAutostart);
+    setTabOrder(chkAutostart, chkNotifications);
+    setTabOrder(chkNotifications, chkSilentStart);
 
     connect(cmdSave, &QPushButton::clicked, this, &frmOptions::cmdSave_Click);
     connect(cmdAbort, &QPushButton::clicked, this, &frmOptions::cmdAbort_Click);

@@ -11,7 +11,7 @@ ifneq ($(shell command -v ccache 2>/dev/null),)
 CMAKE_FLAGS += -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
 endif
 
-.PHONY: all deps configure build run test bench sanitize format tidy clean
+.PHONY: all deps configure build run test bench install package sanitize format tidy clean
 
 all: build
 
@@ -33,6 +33,15 @@ run: build
 
 test: build
 	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+
+# Installs under PREFIX (default /usr/local); DESTDIR stages it elsewhere.
+PREFIX ?= /usr/local
+install: build
+	@DESTDIR="$(DESTDIR)" cmake --install $(BUILD_DIR) --prefix "$(PREFIX)"
+
+# A Debian package (tarvo_<version>_<arch>.deb) in the build folder.
+package: build
+	@cd $(BUILD_DIR) && cpack
 
 bench: configure
 	@cmake --build $(BUILD_DIR) -j $(JOBS)

@@ -28,6 +28,7 @@ struct CountingWindow : IReminderWindow {
     void Heading(const QString&) override {}
     void setSoundFlag(bool) override {}
     void setSoundFile(const QString&) override {}
+    void setSoundOnce(bool) override {}
     void MakeTopmost() override {}
     void Unload() override {}
 };

@@ -10,6 +10,7 @@ packages=(
   libzip-dev
   libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev
   xvfb xauth x11-utils imagemagick poppler-utils fonts-dejavu-core
+  openbox xdotool dbus-daemon dbus-bin desktop-file-utils appstream
 )
 
 missing=()

@@ -27,6 +27,8 @@
 int Main(QApplication& app) {
     QApplication::setApplicationName(AppInfo::Title());
     QApplication::setApplicationVersion(AppInfo::VersionText());
+    // The menu entry's name, so that desktops match windows to it.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.example.tarvo"));
     AppResources::Init();
     QApplication::setWindowIcon(QIcon(QString::fromLatin1(AppResources::kIcon)));
     QApplication::setQuitOnLastWindowClosed(false); // the tray keeps the program alive

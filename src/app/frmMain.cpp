@@ -3,6 +3,7 @@
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
 #include "app/frmRunner.h"
+#include "app/platform/DBusNotifier.h"
 #include "app/reminders/ReminderWindowFactory.h"
 #include "engine/clsReminder.h"
 #include "shared/cSHAREDSettings.h"
@@ -68,15 +69,20 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
     if (DataFiles::Networked(app.settings)) {
         m_services.shared = &app.shared.SharedSet();
     }
+    auto* notifier = new DBusNotifier(QDBusConnection::sessionBus(), this);
+    m_services.notifier = notifier;
+    connect(notifier, &DBusNotifier::openRequested, this, [this] { showForward(); });
     m_tick = std::make_unique<RefreshTick>(
-        m_services, RefreshTick::Hooks{[this](bool on) {
-                                           if (on) {
-                                               m_refreshTimer.start(RefreshTick::kIntervalMs);
-                                           } else {
-                                               m_refreshTimer.stop();
-                                           }
-                                       },
-                                       [this] { FillEvents(); }});
+        m_services,
+        RefreshTick::Hooks{[this](bool on) {
+                               if (on) {
+                                   m_refreshTimer.start(RefreshTick::kIntervalMs);
+                               } else {
+                                   m_refreshTimer.stop();
+                               }
+                           },
+                           [this] { FillEvents(); },
+                           [this] { return m_app.settings.SaveSettings(m_app.settingsFile); }});
     m_refreshTimer.setObjectName(QStringLiteral("TimerRefresh"));
     connect(&m_refreshTimer, &QTimer::timeout, this, [this] { m_tick->TimerRefresh_Timer(); });
 
@@ -251,6 +257,8 @@ void frmMain::FormLoad(bool silentStart) {
 
     Log().LogEvent(QStringLiteral("Copying layer names into main form"));
     FillCategories();
+    // Before the day's reminders move any passed event on.
+    m_tick->ShowMissedSinceLastRun();
     Log().LogEvent(QStringLiteral("Displaying Reminders"));
     ShowReminders(m_services);
     m_tick->markDaySeen(); // the first tick need not show them again

@@ -19,6 +19,9 @@ public:
     // file that does not exist, empty included, means the default sound).
     virtual void setSoundFlag(bool on) = 0;
     virtual void setSoundFile(const QString& path) = 0;
+    // The sound plays only when the window first comes up, not again at
+    // each of its repeats (a catch-up list, not a live alarm).
+    virtual void setSoundOnce(bool once) = 0;
     // Keeps the window above all others (alarms).
     virtual void MakeTopmost() = 0;
     // Closes the window for good; used for windows that received no line.

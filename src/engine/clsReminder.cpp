@@ -1,5 +1,6 @@
 #include "engine/clsReminder.h"
 
+#include "engine/IDesktopNotifier.h"
 #include "engine/IReminderWindow.h"
 #include "shared/IFileOpener.h"
 #include "shared/UserDialogs.h"
@@ -9,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QMultiMap>
 
 #include <cmath>
 
@@ -89,21 +91,25 @@ void clsReminder::DisplayReminders() {
     const DateValue todayDate = TodayDate();
     const QList<EventPtr> list = m_services.events.Events();
     bool anyComingUp = false;
+    QMultiMap<int, QString> comingUpByDays; // the notification's lines, soonest first
     for (const EventPtr& e : list) {
         if (e->Deleted) {
             continue;
         }
         const auto days = static_cast<int>(std::llround(DateOnly(e->DueDate()) - todayDate));
         if (days >= 1 && days <= e->DaysWarning()) {
-            comingUp.AddToList(QStringLiteral("In ") + QString::number(days) +
-                               (days == 1 ? QStringLiteral(" day: ") : QStringLiteral(" days: ")) +
-                               e->Desc());
+            const QString line =
+                QStringLiteral("In ") + QString::number(days) +
+                (days == 1 ? QStringLiteral(" day: ") : QStringLiteral(" days: ")) + e->Desc();
+            comingUp.AddToList(line);
+            comingUpByDays.insert(days, line);
             anyComingUp = true;
         }
     }
     if (anyComingUp) {
         Log().LogEvent(QStringLiteral("Showing upcoming reminders"));
         comingUp.Heading(QStringLiteral("COMING UP"));
+        NotifyDesktop(m_services, QStringLiteral("COMING UP"), comingUpByDays.values(), false);
     } else {
         comingUp.Unload();
         m_comingUp = nullptr;
@@ -112,12 +118,14 @@ void clsReminder::DisplayReminders() {
     today.setSoundFile(QString());
     today.setSoundFlag(false);
     bool anyToday = false;
+    QStringList todayLines; // for the notification
     for (const EventPtr& e : list) {
         if (e->Deleted || DateOnly(e->DueDate()) != todayDate || e->ExecFile) {
             continue; // run-a-file events belong to the alarm pass
         }
         today.AddToList(e->Desc());
         anyToday = true;
+        todayLines << e->Desc();
         if (e->PlayWav) {
             today.setSoundFlag(true);
             if (!e->WavFile.isEmpty()) {
@@ -128,6 +136,7 @@ void clsReminder::DisplayReminders() {
     if (anyToday) {
         Log().LogEvent(QStringLiteral("Showing today's reminders"));
         today.Heading(QStringLiteral("TODAY!"));
+        NotifyDesktop(m_services, QStringLiteral("TODAY!"), todayLines, false);
     } else {
         today.Unload();
         m_today = nullptr;
@@ -147,6 +156,7 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
 
     QList<EventPtr> runList;
     bool fired = false;
+    QStringList lines; // for the notification
     const QList<EventPtr> list = db.Events();
     for (const EventPtr& e : list) {
         if (e->Deleted || !e->AlarmSet() || DateOnly(e->DueDate()) != today ||
@@ -164,6 +174,7 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
         }
         alarm.AddToList(e->Desc());
         fired = true;
+        lines << e->Desc();
     }
     for (const EventPtr& e : runList) {
         const QString file = e->Filename.trimmed();
@@ -178,6 +189,7 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
         alarm.Heading(QStringLiteral("ALARM!"));
         alarm.setSoundFlag(true);
         alarm.MakeTopmost();
+        NotifyDesktop(m_services, QStringLiteral("ALARM!"), lines, true);
     } else {
         alarm.Unload();
     }

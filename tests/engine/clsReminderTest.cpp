@@ -54,7 +54,9 @@ protected:
     FakeReminderWindowFactory windows;
     FakeFileOpener opener;
     ScriptedDialogs dialogs;
-    ReminderServices services{settings, events, expired, nullptr, windows, opener, dialogs};
+    FakeDesktopNotifier notifier;
+    ReminderServices services{settings, events, expired, nullptr,
+                              windows,  opener, dialogs, &notifier};
     qsizetype logStart = LoggedTexts().size();
 };
 
@@ -72,6 +74,11 @@ TEST_F(ReminderEngine, ComingUpWithinTheWarningDays) {
                                             QStringLiteral("In 1 day: Bill")}));
     EXPECT_EQ(windows.shown().size(), 1u) << "no today window without events today";
     EXPECT_TRUE(newLogLines().contains(QStringLiteral("Showing upcoming reminders")));
+    const FakeDesktopNotifier::Sent sent{
+        QStringLiteral("COMING UP"),
+        {QStringLiteral("In 1 day: Bill"), QStringLiteral("In 3 days: Dentist")},
+        false};
+    EXPECT_EQ(notifier.sent, QList{sent}) << "the notification lists the soonest first";
 }
 
 TEST_F(ReminderEngine, TodayWindowTakesTheLastSoundAndSkipsRunFiles) {
@@ -91,6 +98,11 @@ TEST_F(ReminderEngine, TodayWindowTakesTheLastSoundAndSkipsRunFiles) {
     EXPECT_TRUE(today->soundFlag);
     EXPECT_EQ(today->soundFile, QStringLiteral("/sounds/a.wav"));
     EXPECT_TRUE(newLogLines().contains(QStringLiteral("Showing today's reminders")));
+    EXPECT_EQ(notifier.sent.value(0).lines, today->lines);
+
+    settings.sSet(QStringLiteral("DesktopNotifications"), false);
+    ShowReminders(services);
+    EXPECT_EQ(notifier.sent.size(), 1) << "switched off in the options";
 }
 
 TEST_F(ReminderEngine, NothingDueLeavesNoWindow) {
@@ -152,6 +164,8 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
             EXPECT_EQ(alarm->lines, QStringList{QStringLiteral("Doctor")});
             EXPECT_TRUE(alarm->soundFlag);
             EXPECT_TRUE(alarm->topmost);
+            EXPECT_EQ(notifier.sent.last().heading, QStringLiteral("ALARM!"));
+            EXPECT_TRUE(notifier.sent.last().critical);
         }
     }
 }
@@ -250,9 +264,23 @@ TEST_F(ReminderEngine, DeleteExpiredEventOnlyWhenPresent) {
 
 class RefreshTickTest : public ReminderEngine {
 protected:
-    RefreshTick tick{services, {[this](bool on) { timerStates << on; }, [this] { ++refills; }}};
+    RefreshTick tick{services,
+                     {[this](bool on) { timerStates << on; }, [this] { ++refills; },
+                      [this] { return ++saves > 0; }}};
     QList<bool> timerStates;
     int refills = 0;
+    int saves = 0;
+
+    // The MISSED window's lines as the user reads them: the real window puts
+    // each line above the earlier ones, the fake appends.
+    QStringList missedLines() const {
+        FakeReminderWindow* w = windows.withHeading(QStringLiteral("MISSED"));
+        QStringList shown;
+        for (const QString& line : w != nullptr ? w->lines : QStringList()) {
+            shown.prepend(line);
+        }
+        return shown;
+    }
 };
 
 TEST_F(RefreshTickTest, NewDayShowsRemindersOnceAndAlarmsEveryTick) {
@@ -301,6 +329,69 @@ TEST_F(RefreshTickTest, NetworkedRefillsWhenTheSharedFilesChange) {
     WriteFileBytes(home.file(QStringLiteral("Shared_Bob.xml")), "");
     tick.TimerRefresh_Timer();
     EXPECT_EQ(refills, 2) << "Bob's file appeared";
+}
+
+TEST_F(RefreshTickTest, AClockJumpListsTheAlarmsOfTheGapOnceAndRunsNoFile) {
+    FixedClock clock(QStringLiteral("2009-03-05 07:00"));
+    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 8, 0, 0);
+    EventPtr daily = addAlarm(QStringLiteral("Pills"), QStringLiteral("2009-03-05"), 9, 0, 0);
+    daily->setRecurring(true);
+    daily->setWeekDays(254); // every day
+    EventPtr run = addAlarm(QStringLiteral("Backup"), QStringLiteral("2009-03-05"), 8, 30, 0);
+    run->ExecFile = true;
+    run->Filename = home.file(QStringLiteral("Events.xml"));
+    tick.TimerRefresh_Timer();
+    Clock::advance(90);
+    tick.TimerRefresh_Timer();
+    EXPECT_TRUE(missedLines().isEmpty()) << "90 seconds is no gap";
+
+    Clock::advance(27 * 3600); // asleep until Friday 10:01:30
+    windows.made.clear();
+    notifier.sent.clear();
+    tick.TimerRefresh_Timer();
+    const QStringList expected = {QStringLiteral("Missed while the computer was asleep:"),
+                                  QStringLiteral("Thu 03/05/2009 08:00  Doctor"),
+                                  QStringLiteral("Thu 03/05/2009 08:30  Backup (its file was "
+                                                 "not opened)"),
+                                  QStringLiteral("Thu 03/05/2009 09:00  Pills"),
+                                  QStringLiteral("Fri 03/06/2009 09:00  Pills")};
+    EXPECT_EQ(missedLines(), expected);
+    FakeReminderWindow* missed = windows.withHeading(QStringLiteral("MISSED"));
+    ASSERT_NE(missed, nullptr);
+    EXPECT_TRUE(missed->soundFlag && missed->soundOnce && missed->topmost);
+    EXPECT_TRUE(opener.opened.isEmpty()) << "a missed file is never run late";
+    EXPECT_TRUE(newLogLines().contains(
+        QStringLiteral("Missed alarm: 2009-03-05 08:30 Backup - its file is not run late")));
+    EXPECT_EQ(notifier.sent.value(0).lines, expected);
+    EXPECT_NE(windows.withHeading(QStringLiteral("TODAY!")), nullptr) << "then the new day's pass";
+}
+
+TEST_F(RefreshTickTest, StartUpListsTheAlarmsSinceTheLastRunWithinAWeek) {
+    FixedClock clock(QStringLiteral("2009-03-05 09:00"));
+    for (int h : {7, 8, 9}) {
+        addAlarm(QStringLiteral("At %1").arg(h), QStringLiteral("2009-03-05"), h, 0, 0);
+    }
+    addAlarm(QStringLiteral("Too old"), QStringLiteral("2009-02-25"), 8, 0, 0);
+    settings.sSet(QStringLiteral("LastRun"), QStringLiteral("2009-03-05 07:00"));
+    tick.ShowMissedSinceLastRun();
+    EXPECT_EQ(missedLines(), (QStringList{QStringLiteral("Missed while Tarvo was not running:"),
+                                          QStringLiteral("Thu 03/05/2009 08:00  At 8")}))
+        << "the last run's minute and this minute had their ticks";
+
+    windows.made.clear();
+    settings.sSet(QStringLiteral("LastRun"), QStringLiteral("2009-02-20 07:00"));
+    tick.ShowMissedSinceLastRun();
+    EXPECT_EQ(missedLines(), (QStringList{QStringLiteral("Missed while Tarvo was not running:"),
+                                          QStringLiteral("Thu 03/05/2009 07:00  At 7"),
+                                          QStringLiteral("Thu 03/05/2009 08:00  At 8")}))
+        << "seven days back at most: not the alarm of 02/25";
+
+    tick.TimerRefresh_Timer();
+    Clock::advance(20);
+    tick.TimerRefresh_Timer();
+    EXPECT_EQ(settings.sGet(QStringLiteral("LastRun")).toText(),
+              QStringLiteral("2009-03-05 09:00"));
+    EXPECT_EQ(saves, 1) << "saved once per minute";
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/IDesktopNotifier.h"
 #include "engine/IReminderWindow.h"
 #include "shared/IFileOpener.h"
 #include "shared/ISoundPlayer.h"
@@ -17,6 +18,7 @@ struct FakeReminderWindow : IReminderWindow {
     QStringList lines;
     bool soundFlag = false;
     QString soundFile;
+    bool soundOnce = false;
     bool topmost = false;
     bool unloaded = false;
 
@@ -25,6 +27,7 @@ struct FakeReminderWindow : IReminderWindow {
     void Heading(const QString& text) override { heading = text; }
     void setSoundFlag(bool on) override { soundFlag = on; }
     void setSoundFile(const QString& path) override { soundFile = path; }
+    void setSoundOnce(bool once) override { soundOnce = once; }
     void MakeTopmost() override { topmost = true; }
     void Unload() override { unloaded = true; }
 };
@@ -72,4 +75,17 @@ struct FakeSoundPlayer : ISoundPlayer {
     bool SoundAvailable() const override { return available; }
     void PlayWav(const QString& path) override { played << path; }
     void StopPlayingWAV() override { ++stops; }
+};
+
+struct FakeDesktopNotifier : IDesktopNotifier {
+    struct Sent {
+        QString heading;
+        QStringList lines;
+        bool critical;
+        bool operator==(const Sent&) const = default;
+    };
+    QList<Sent> sent;
+    void Notify(const QString& heading, const QStringList& lines, bool critical) override {
+        sent.append({heading, lines, critical});
+    }
 };

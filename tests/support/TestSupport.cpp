@@ -7,16 +7,18 @@
 #include <QFile>
 
 TempHome::TempHome() {
-    m_hadHome = qEnvironmentVariableIsSet(AppPaths::kHomeVariable);
-    m_oldHome = qgetenv(AppPaths::kHomeVariable);
-    qputenv(AppPaths::kHomeVariable, QFile::encodeName(m_dir.path()));
+    const std::pair<const char*, QString> vars[] = {
+        {AppPaths::kHomeVariable, m_dir.path()},
+        {"XDG_CONFIG_HOME", m_dir.path() + QStringLiteral("/config")}};
+    for (const auto& [name, value] : vars) {
+        m_saved.push_back({name, qgetenv(name), qEnvironmentVariableIsSet(name)});
+        qputenv(name, QFile::encodeName(value));
+    }
 }
 
 TempHome::~TempHome() {
-    if (m_hadHome) {
-        qputenv(AppPaths::kHomeVariable, m_oldHome);
-    } else {
-        qunsetenv(AppPaths::kHomeVariable);
+    for (const Saved& s : m_saved) {
+        s.was ? qputenv(s.name, s.value) : qunsetenv(s.name);
     }
 }
 

@@ -8,8 +8,11 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 // A test's own home folder: TARVO_HOME points at a fresh temporary folder for
-// the life of the object, and the global logger writes nowhere.
+// the life of the object, and XDG_CONFIG_HOME at its "config" subfolder (where
+// the login entry goes); the global logger writes nowhere.
 class TempHome {
 public:
     TempHome();
@@ -23,8 +26,12 @@ public:
 
 private:
     QTemporaryDir m_dir;
-    QByteArray m_oldHome;
-    bool m_hadHome = false;
+    struct Saved {
+        const char* name;
+        QByteArray value;
+        bool was;
+    };
+    std::vector<Saved> m_saved;
 };
 
 // Fixes the clock for the life of the object and puts it back afterwards.

@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "app/dialogs/clsOptions2.h"
+#include "app/platform/Autostart.h"
 #include "shared/AppPaths.h"
 #include "shared/OwnerId.h"
 #include "shared/TextEqual.h"
@@ -15,6 +16,7 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -177,7 +179,15 @@ void frmOptions::buildControls() {
     chkPruneOld->setToolTip(
         S("Normally, autobackups are kept forever. If ticked, TVO will delete backups over "
           "two weeks old"));
+    // The desktop: a login entry (its presence is the setting) and
+    // notifications beside the reminder windows.
+    chkAutostart = new QCheckBox(S("Start Tarvo when I log in"), this);
+    chkAutostart->setObjectName(QStringLiteral("chkAutostart"));
+    chkNotifications = new QCheckBox(S("Show reminders and alarms as desktop notifications"), this);
+    chkNotifications->setObjectName(QStringLiteral("chkNotifications"));
     auto* switches = new QVBoxLayout;
+    switches->addWidget(chkAutostart);
+    switches->addWidget(chkNotifications);
     switches->addWidget(chkSilentStart);
     switches->addWidget(chkNoAutoBackups);
     switches->addWidget(chkPruneOld);
@@ -253,6 +263,9 @@ void frmOptions::buildControls() {
     for (qsizetype i = 1; i < order.size(); ++i) {
         setTabOrder(order[i - 1], order[i]);
     }
+    setTabOrder(optUSDate, chkAutostart);
+    setTabOrder(chkAutostart, chkNotifications);
+    setTabOrder(chkNotifications, chkSilentStart);
 
     connect(cmdSave, &QPushButton::clicked, this, &frmOptions::cmdSave_Click);
     connect(cmdAbort, &QPushButton::clicked, this, &frmOptions::cmdAbort_Click);
@@ -289,6 +302,10 @@ void frmOptions::Form_Load() {
         settings.sGet(QStringLiteral("WavFile"), clsOptions2::DefaultAlarmFile()).toText());
     chkNoSound->setChecked(settings.sGet(QStringLiteral("NoSounds"), false).toBool());
     chkSilentStart->setChecked(settings.sGet(QStringLiteral("SilentStart"), false).toBool());
+    // The first start offers the login entry.
+    chkAutostart->setChecked(Autostart::IsEnabled() || txtOwner->text() == kNotSet);
+    chkNotifications->setChecked(
+        settings.sGet(QStringLiteral("DesktopNotifications"), true).toBool());
     chkNoAutoBackups->setChecked(settings.sGet(QStringLiteral("NoAutoBackups"), false).toBool());
     chkDisableAutoUpdate->setChecked(
         settings.sGet(QStringLiteral("DisableAutoUpdateCheck"), true).toBool());
@@ -429,6 +446,12 @@ void frmOptions::cmdSave_Click() {
     settings.sSet(QStringLiteral("DisableAutoUpdateCheck"), chkDisableAutoUpdate->isChecked());
     settings.sSet(QStringLiteral("SilentStart"), chkSilentStart->isChecked());
     settings.sSet(QStringLiteral("NoAutoBackups"), chkNoAutoBackups->isChecked());
+    settings.sSet(QStringLiteral("DesktopNotifications"), chkNotifications->isChecked());
+    if (!Autostart::Apply(chkAutostart->isChecked(), QCoreApplication::applicationFilePath())) {
+        m_context.dialogs.Message(S("Unable to change ") + Autostart::EntryPath() +
+                                      S(", so starting at login stays as it was."),
+                                  {}, UserDialogs::Icon::Warning);
+    }
     m_cancelled = false;
     settings.sSet(QStringLiteral("SharedDataPath"), txtSharedDBPath->text());
     ApplyOwnerChange(id, networked);

@@ -93,6 +93,8 @@ private:
     QCheckBox* chkNoAutoBackups = nullptr;
     QCheckBox* chkDisableAutoUpdate = nullptr;
     QCheckBox* chkPruneOld = nullptr;
+    QCheckBox* chkAutostart = nullptr;
+    QCheckBox* chkNotifications = nullptr;
     QPushButton* cmdHomePage = nullptr;
     QPushButton* cmdSave = nullptr;
     QPushButton* cmdAbort = nullptr;

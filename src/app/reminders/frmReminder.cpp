@@ -147,6 +147,7 @@ void frmReminder::Timer1_Timer() {
         m_timer.start(kRepeatMs);
         if (m_soundFlag) {
             PlayReminderSound();
+            m_soundFlag = !m_soundOnce;
         }
         return;
     }

@@ -31,6 +31,7 @@ public:
     void Heading(const QString& text) override;
     void setSoundFlag(bool on) override { m_soundFlag = on; }
     void setSoundFile(const QString& path) override { m_soundFile = path; }
+    void setSoundOnce(bool once) override { m_soundOnce = once; }
     void MakeTopmost() override;
     void Unload() override;
 
@@ -70,6 +71,7 @@ private:
     QPushButton* m_continue;
     QTimer m_timer;
     bool m_soundFlag = false;
+    bool m_soundOnce = false;
     QString m_soundFile;
     bool m_sleeping = false;
     int16_t m_sleepMinutes = 0;

@@ -1,6 +1,7 @@
 // The options window and clsOptions2 offscreen, on a throw-away home folder.
 #include "app/dialogs/frmOptions.h"
 #include "app/dialogs/clsOptions2.h"
+#include "app/platform/Autostart.h"
 #include "shared/AppPaths.h"
 #include "support/ModalHelper.h"
 
@@ -66,7 +67,6 @@ protected:
 
 TEST_F(OptionsWindow, EmptyStoreShowsTheDefaults) {
     frmOptions& w = open();
-    EXPECT_EQ(w.windowTitle(), QStringLiteral("Reminder Options"));
     EXPECT_EQ(box("txtOwner")->text(), QStringLiteral("Not Set"));
     EXPECT_TRUE(Control<QRadioButton>(&w, "optEuroDate")->isChecked());
     EXPECT_TRUE(Control<QRadioButton>(&w, "optSingle")->isChecked());
@@ -75,8 +75,6 @@ TEST_F(OptionsWindow, EmptyStoreShowsTheDefaults) {
     EXPECT_EQ(box("txtAlarmWav")->text(),
               AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav")));
     EXPECT_TRUE(check("chkDisableAutoUpdate")->isChecked());
-    EXPECT_EQ(check("chkDisableAutoUpdate")->text(),
-              QStringLiteral("Disable automatic check for new versions of TVO"));
     EXPECT_FALSE(check("chkNoSound")->isChecked());
     EXPECT_FALSE(check("chkSilentStart")->isChecked());
     EXPECT_FALSE(check("chkNoAutoBackups")->isChecked());
@@ -195,6 +193,7 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
     check("chkSilentStart")->click();
     check("chkNoAutoBackups")->click();
     check("chkDisableAutoUpdate")->click();
+    check("chkNotifications")->click();
     button("cmdSave")->click();
 
     EXPECT_EQ(dialogs.count(), 0);
@@ -212,6 +211,21 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
     EXPECT_TRUE(reread.sGet(QStringLiteral("SilentStart")).toBool());
     EXPECT_TRUE(reread.sGet(QStringLiteral("NoAutoBackups")).toBool());
     EXPECT_FALSE(reread.sGet(QStringLiteral("DisableAutoUpdateCheck")).toBool());
+    EXPECT_FALSE(reread.sGet(QStringLiteral("DesktopNotifications")).toBool());
+    EXPECT_TRUE(Autostart::IsEnabled()) << "a first start offers the login entry ticked";
+}
+
+TEST_F(OptionsWindow, LoginBoxShowsTheEntrysPresenceAndRemovesIt) {
+    existingWav();
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Single"));
+    ASSERT_TRUE(Autostart::Apply(true, QStringLiteral("/usr/bin/tarvo")));
+    open();
+    EXPECT_TRUE(check("chkAutostart")->isChecked());
+    check("chkAutostart")->click();
+    button("cmdSave")->click();
+    EXPECT_FALSE(Autostart::IsEnabled());
+    open();
+    EXPECT_FALSE(check("chkAutostart")->isChecked());
 }
 
 TEST_F(OptionsWindow, DataPathWithBackslashLosesItsLastSeparatorOnly) {

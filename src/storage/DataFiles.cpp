@@ -33,12 +33,16 @@ void LoadDatabases(cSHAREDSettings& settings, clsDbXml& events, clsDbXml& expire
         }
     };
     const bool networked = Networked(settings);
-    events.setNetworked(networked);
+    // The user's own files load as in single-user mode: the filter for events
+    // shared with named people and the mapping of layer names belong to the
+    // other users' files only. Applied here they would drop an own event
+    // shared with someone else and move own events between layers.
+    events.setNetworked(false);
     events.SetDBFilename(EventsFile(settings));
     events.LoadDB(events.DBFilename());
     progress("Local events loaded");
     progress("Loading expired events");
-    expired.setNetworked(networked);
+    expired.setNetworked(false);
     expired.SetDBFilename(ExpiredFile(settings));
     expired.LoadDB(expired.DBFilename());
     progress("Expired events loaded");

@@ -196,7 +196,7 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
             // An event without a layer name keeps its number rather than
             // naming a free layer "".
             if (m_layers != nullptr && !event->SharedLayerName.isEmpty()) {
-                const int index = m_layers->SeekLayerIndex(event->SharedLayerName);
+                const int index = m_layers->LocalLayerFor(event->SharedLayerName);
                 if (index >= 0 && index != event->Layer()) {
                     event->setLayer(static_cast<int16_t>(index));
                 }

@@ -109,13 +109,12 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     EXPECT_TRUE(log.contains(carlFile + QStringLiteral(" not found. Setting null refresh date.")));
     EXPECT_TRUE(log.contains(QStringLiteral("Setting Database filename to Shared_Ann.xml")));
 
-    // Bob's layer names are new to Ann: each takes her highest free slot.
+    // Bob's layer name "Work" is new to Ann: it takes her highest free slot.
     const EventPtr work = set.Events().at(1);
     EXPECT_EQ(ann.layers.Layer(work->Layer()), QStringLiteral("Work"));
     EXPECT_EQ(ann.settings.sGet(QStringLiteral("Layer") + QString::number(work->Layer())).toText(),
               QStringLiteral("Work"));
-    EXPECT_EQ(ann.layers.Layer(set.Events().at(0)->Layer()), QStringLiteral("Shared"));
-    EXPECT_NE(set.Events().at(0)->Layer(), 0);
+    EXPECT_EQ(set.Events().at(0)->Layer(), 0) << "\"Shared\" is layer 0 on every machine";
 
     // Carl's missing file is watched: the set changes once it appears.
     EXPECT_FALSE(set.DatabaseChanged());

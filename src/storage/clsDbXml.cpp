@@ -57,6 +57,8 @@ qsizetype findEndTag(const QByteArray& bytes, qsizetype from) {
 }
 } // namespace
 
+quint64 clsDbXml::s_codesGiven = 0;
+
 clsDbXml::clsDbXml(cSHAREDSettings& settings, clsLayers* layers)
     : m_settings(settings), m_layers(layers) {}
 
@@ -106,27 +108,46 @@ void clsDbXml::LoadDBIfChanged(const QString& path) {
     }
 }
 
+bool clsDbXml::indexCurrent() const {
+    return m_indexValid && m_indexGeneration == s_codesGiven;
+}
+
 const QHash<QString, int>& clsDbXml::idIndex() const {
-    if (!m_indexValid) {
+    if (!indexCurrent()) {
         m_idCounts.clear();
         m_idCounts.reserve(m_events.size());
         for (const EventPtr& event : m_events) {
             ++m_idCounts[event->IDCode];
         }
         m_indexValid = true;
+        m_indexGeneration = s_codesGiven;
     }
     return m_idCounts;
 }
 
+void clsDbXml::AssignNewIDCode(clsEvent& event) {
+    QString code = NewIDCode(); // brings this list's index up to date
+    // This index stays true only when the event was not in this list under
+    // its old code (then append counts it under the new one).
+    const bool keepIndex = !m_idCounts.contains(event.IDCode);
+    event.IDCode = std::move(code);
+    ++s_codesGiven;
+    if (keepIndex) {
+        m_indexGeneration = s_codesGiven;
+    } else {
+        m_indexValid = false;
+    }
+}
+
 void clsDbXml::append(const EventPtr& event) {
     m_events.append(event);
-    if (m_indexValid) {
+    if (indexCurrent()) {
         ++m_idCounts[event->IDCode];
     }
 }
 
 void clsDbXml::removeAt(qsizetype index) {
-    if (m_indexValid) {
+    if (indexCurrent()) {
         const auto it = m_idCounts.find(m_events.at(index)->IDCode);
         if (it != m_idCounts.end() && --it.value() <= 0) {
             m_idCounts.erase(it);
@@ -139,6 +160,7 @@ void clsDbXml::clearList() {
     m_events.clear();
     m_idCounts.clear();
     m_indexValid = true;
+    m_indexGeneration = s_codesGiven;
 }
 
 void clsDbXml::adjustLoaded(clsEvent& event, const QString& owner) {
@@ -305,7 +327,7 @@ void clsDbXml::StoreRecord(const EventPtr& event, bool asNew) {
         return;
     }
     if (event->IDCode.isEmpty() || asNew) {
-        event->IDCode = NewIDCode();
+        AssignNewIDCode(*event);
     } else {
         const int32_t index = FindRecordIndex(event->IDCode);
         if (index >= 0) {

@@ -1,6 +1,7 @@
 #include "storage/clsDB2.h"
 
 #include "shared/AppPaths.h"
+#include "shared/OwnerId.h"
 #include "shared/RuntimeError.h"
 #include "shared/TextCodec.h"
 #include "shared/UserDialogs.h"
@@ -156,7 +157,7 @@ void clsDB2::LoadDB(const QString& path, bool append) {
         EventPtr e = TransferTypeToObject(
             all.sliced(i * kRecordLength)
                 .first(std::min(kRecordLength, bytes.size() - i * kRecordLength)));
-        if (e->Owner().isEmpty() || e->Owner() == QStringLiteral("Single")) {
+        if (e->Owner().isEmpty() || OwnerId::Same(e->Owner(), QStringLiteral("Single"))) {
             e->setOwner(owner);
         }
         // A layer index out of range is logged by the table and gives "".

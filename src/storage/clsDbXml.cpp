@@ -2,8 +2,8 @@
 
 #include "shared/AppPaths.h"
 #include "shared/AtomicFile.h"
+#include "shared/OwnerId.h"
 #include "shared/TextCodec.h"
-#include "shared/TextEqual.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/EventXmlCodec.h"
@@ -164,7 +164,7 @@ void clsDbXml::clearList() {
 }
 
 void clsDbXml::adjustLoaded(clsEvent& event, const QString& owner) {
-    if (event.Owner().isEmpty() || event.Owner() == kSingle) {
+    if (event.Owner().trimmed().isEmpty() || OwnerId::Same(event.Owner(), kSingle)) {
         event.setOwner(owner);
     }
 }
@@ -347,7 +347,7 @@ void clsDbXml::WipeDiskFile() {
 void clsDbXml::WipeRecordsByOwner(const QString& owner) {
     LoadDB(m_fileName, false);
     for (const EventPtr& event : std::as_const(m_events)) {
-        if (TextEqual(event->Owner(), owner)) {
+        if (OwnerId::Same(event->Owner(), owner)) {
             event->Deleted = true;
         }
     }
@@ -366,7 +366,7 @@ void clsDbXml::WipeAllButThisOwner(const QString& owner) {
         return;
     }
     for (const EventPtr& event : std::as_const(m_events)) {
-        if (!TextEqual(event->Owner(), owner)) {
+        if (!OwnerId::Same(event->Owner(), owner)) {
             event->Deleted = true;
         }
     }
@@ -375,7 +375,7 @@ void clsDbXml::WipeAllButThisOwner(const QString& owner) {
 
 void clsDbXml::RenameOwner(const QString& oldOwner, const QString& newOwner) {
     for (const EventPtr& event : std::as_const(m_events)) {
-        if (TextEqual(event->Owner(), oldOwner)) {
+        if (OwnerId::Same(event->Owner(), oldOwner)) {
             event->setOwner(newOwner);
         }
     }
@@ -404,7 +404,7 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
         }
         Log().AddAction(QStringLiteral("Found shared database ") + line);
         const QString file = AppPaths::JoinPath(folder, SharedDatabases::SharedFileName(name));
-        if (TextEqual(name, owner)) {
+        if (OwnerId::Same(name, owner)) {
             Log().AddAction(QStringLiteral("Not loading - belongs to current user (") + owner +
                             QLatin1Char(')'));
             continue;

@@ -179,9 +179,13 @@ TEST_F(SharedFolder, AMissingUserListGivesAnEmptySetAndTheMergedSetIsNeverSaved)
     EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
 }
 
-TEST_F(SharedFolder, AnOwnerNameThatCouldLeaveTheFolderPublishesNothing) {
-    for (const QString& owner : {QStringLiteral("../Ann"), QStringLiteral("a\\b"),
-                                 QStringLiteral("x:y"), QStringLiteral("  ")}) {
+TEST_F(SharedFolder, AnOwnerNameTheOptionsRefusePublishesNothing) {
+    // The options' own rule: separators, characters a file name or the code
+    // page cannot hold, control characters, the reserved names.
+    for (const QString& owner :
+         {QStringLiteral("../Ann"), QStringLiteral("a\\b"), QStringLiteral("x:y"),
+          QStringLiteral("  "), QStringLiteral("x\u007f"), QStringLiteral("\u0141ukasz"),
+          QStringLiteral("Not Set")}) {
         User user(owner, folder, home.path());
         user.Add(QStringLiteral("layer zero"), 0, false);
         user.local->SaveDB();

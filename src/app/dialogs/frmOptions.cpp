@@ -4,7 +4,6 @@
 #include "app/dialogs/clsOptions2.h"
 #include "shared/AppPaths.h"
 #include "shared/OwnerId.h"
-#include "shared/TextEqual.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
@@ -478,7 +477,7 @@ void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked) {
             db->RenameOwner(QStringLiteral("Single"), newOwner);
         }
     }
-    if (!TextEqual(oldOwner, newOwner) && OwnerId::Problem(oldOwner).isEmpty()) {
+    if (!OwnerId::Same(oldOwner, newOwner) && OwnerId::Problem(oldOwner).isEmpty()) {
         const QString oldFile =
             AppPaths::JoinPath(settings.sGet(QStringLiteral("SharedDataPath"), QString()).toText(),
                                SharedDatabases::SharedFileName(oldOwner.trimmed()));

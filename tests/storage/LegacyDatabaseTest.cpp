@@ -116,16 +116,23 @@ TEST(LegacyRecordReading, DamagedDateIsLoggedAndTheRestIsRead) {
     EXPECT_TRUE(logged[0].endsWith(QStringLiteral("of module clsDB2")));
 }
 
-TEST(LegacyRecordReading, ShortRecordReadsAsFarAsItGoes) {
-    // Cut inside the Owner field: what precedes it is read, the rest is empty.
-    const QByteArray cut = FullRecord().bytes().left(280);
-    const EventPtr e = clsDB2::TransferTypeToObject(cut);
-    EXPECT_EQ(e->IDCode, QStringLiteral("123456"));
-    EXPECT_EQ(e->Layer(), 19);
-    EXPECT_EQ(e->Owner(), QStringLiteral("Ann"));
-    EXPECT_FALSE(e->SharedEvent);
-    EXPECT_TRUE(e->Filename.isEmpty());
-    EXPECT_TRUE(e->Email.isEmpty());
+TEST(LegacyRecordReading, DatesOfYears100To9999AreReadOthersAreDamage) {
+    const struct {
+        double value;
+        bool read;
+    } cases[] = {
+        {-657434.5, true},  // 0100-01-01 12:00: the fraction counts away from zero
+        {-657434.0, true},  // 0100-01-01
+        {2958465.99, true}, // 9999-12-31 23:45
+        {-657435.0, false}, // 0099-12-31
+        {2958466.0, false}, // 10000-01-01
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.value);
+        LegacyRecord r = FullRecord();
+        r.alarmTime = c.value;
+        EXPECT_EQ(clsDB2::TransferTypeToObject(r.bytes())->AlarmTime(), c.read ? c.value : 0.0);
+    }
 }
 
 // A data folder in the home folder with the settings, layers and sound
@@ -165,27 +172,17 @@ protected:
     ScriptedDialogs dialogs;
 };
 
-TEST_F(LegacyDatabaseTest, RecordCountIsTheLengthOver498Rounded) {
-    struct Case {
-        qsizetype extraBytes;
-        int expected;
-    };
-    // Two whole records plus a tail: a tail under half a record is dropped,
-    // exactly half rounds to the even count, more reads as a third record.
-    const Case cases[] = {{0, 2}, {1, 2}, {248, 2}, {249, 2}, {250, 3}, {497, 3}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.extraBytes);
-        LegacyRecord third = Rec("333333", "third");
+TEST_F(LegacyDatabaseTest, OnlyWholeRecordsAreReadAndTheRestIsLogged) {
+    for (const qsizetype extraBytes : {0, 1, 249, 250, 497}) {
+        SCOPED_TRACE(extraBytes);
         WriteDat(QStringLiteral("events.dat"), {Rec("111111", "one"), Rec("222222", "two")},
-                 third.bytes().left(c.extraBytes));
+                 Rec("333333", "third").bytes().left(extraBytes));
         db.LoadDB(home.file(QStringLiteral("events.dat")));
-        EXPECT_EQ(db.RecordCount(), c.expected);
+        EXPECT_EQ(Ids(db.Events()),
+                  QStringList({QStringLiteral("111111"), QStringLiteral("222222")}));
+        EXPECT_EQ(Logged(QString::number(extraBytes) + QStringLiteral(" bytes left over")),
+                  extraBytes != 0);
     }
-    // 747 bytes: one and a half records round up to two.
-    WriteDat(QStringLiteral("events.dat"), {Rec("111111", "one")},
-             Rec("222222", "two").bytes().left(249));
-    db.LoadDB(home.file(QStringLiteral("events.dat")));
-    EXPECT_EQ(Ids(db.Events()), QStringList({QStringLiteral("111111"), QStringLiteral("222222")}));
 }
 
 TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundAndSkipsDeleted) {

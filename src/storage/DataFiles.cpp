@@ -25,6 +25,23 @@ bool Networked(const cSHAREDSettings& settings) {
     return settings.sGet(QStringLiteral("Networked"), false).toBool();
 }
 
+namespace {
+
+// Loads db from path, unless db holds changes to that very file that could
+// not be saved: reading the file would throw them away.
+void Reload(clsDbXml& db, const QString& path) {
+    if (db.HasUnsavedChanges() && db.DBFilename() == path) {
+        Log().AddAction(QStringLiteral("Not reloading ") + path +
+                            QStringLiteral(": it holds changes that could not be saved yet"),
+                        QStringLiteral("LoadDatabases"), QStringLiteral("DataFiles"));
+        return;
+    }
+    db.SetDBFilename(path);
+    db.LoadDB(path);
+}
+
+} // namespace
+
 void LoadDatabases(cSHAREDSettings& settings, clsDbXml& events, clsDbXml& expired,
                    SharedDatabases& shared, bool logProgress) {
     auto progress = [logProgress](const char* text) {
@@ -38,13 +55,11 @@ void LoadDatabases(cSHAREDSettings& settings, clsDbXml& events, clsDbXml& expire
     // other users' files only. Applied here they would drop an own event
     // shared with someone else and move own events between layers.
     events.setNetworked(false);
-    events.SetDBFilename(EventsFile(settings));
-    events.LoadDB(events.DBFilename());
+    Reload(events, EventsFile(settings));
     progress("Local events loaded");
     progress("Loading expired events");
     expired.setNetworked(false);
-    expired.SetDBFilename(ExpiredFile(settings));
-    expired.LoadDB(expired.DBFilename());
+    Reload(expired, ExpiredFile(settings));
     progress("Expired events loaded");
     if (networked) {
         shared.SharedSet().setNetworked(true);

@@ -3,6 +3,7 @@
 #include "shared/AppPaths.h"
 #include "shared/AtomicFile.h"
 #include "shared/OwnerId.h"
+#include "shared/SaveFailures.h"
 #include "shared/TextCodec.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
@@ -173,6 +174,7 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
     m_stamp = fileStamp(path);
     m_fileName = path;
     if (!append) {
+        m_unsaved = false;
         clearList();
         m_mergedSet = false;
         m_sharedFiles.clear();
@@ -241,9 +243,13 @@ void clsDbXml::SaveDB() {
         return;
     }
     // A file without its owner's write permission counts as read-only even
-    // for a user whom the system would let write it.
-    if (AtomicFile::IsReadOnly(m_fileName)) {
+    // for a user whom the system would let write it; it is made writable
+    // first. A save that still fails is told to the user once and the list
+    // stays as it is, so the next save can write it.
+    if (AtomicFile::IsReadOnly(m_fileName) && !AtomicFile::MakeWritable(m_fileName)) {
         Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
+        SaveFailures::Failed(m_fileName, SaveFailures::kReadOnly);
+        m_unsaved = true;
     } else {
         QByteArray out;
         out.reserve(64 + m_events.size() * kTypicalBlockSize * 5 / 4);
@@ -256,13 +262,17 @@ void clsDbXml::SaveDB() {
             }
         }
         const AtomicFile::Result result = AtomicFile::Write(m_fileName, out);
-        if (!result.ok()) {
+        m_unsaved = !result.ok();
+        if (result.ok()) {
+            SaveFailures::Saved(m_fileName);
+        } else {
             if (result.status == AtomicFile::Status::AccessDenied) {
                 Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
             }
             Log().AddAction(result.description + QStringLiteral(" (") +
                                 QString::number(result.errorNumber) + QLatin1Char(')'),
                             procedure, kModule);
+            SaveFailures::Failed(m_fileName, result.description);
         }
     }
     if (m_publisher) {

@@ -44,8 +44,12 @@ public:
     // are mapped by name. An absent or unreadable file gives no records.
     void LoadDB(const QString& path, bool append = false);
     // Rewrites DBFilename from the list, leaving out deleted records. A
-    // read-only file is logged and left as it is.
+    // read-only file is made writable first. When the file still cannot be
+    // written it is left as it is, the failure is logged and told to the user
+    // once (SaveFailures), and the list keeps the changes for a later save.
     void SaveDB();
+    // Whether the last save of the list failed (until a save or a load).
+    bool HasUnsavedChanges() const { return m_unsaved; }
     // Objects in the list, deleted-marked ones included.
     int32_t RecordCount() const { return static_cast<int32_t>(m_events.size()); }
     // Marks the record deleted (it stays in the list until the next load) and saves.
@@ -129,6 +133,7 @@ private:
     QStringList m_sharedFiles;    // merged set: files in list order
     QList<qint64> m_sharedStamps; // and their stamps when loaded (0 = absent)
     bool m_mergedSet = false;
+    bool m_unsaved = false;
     bool m_networked = false;
     std::function<void(clsDbXml&)> m_publisher;
 };

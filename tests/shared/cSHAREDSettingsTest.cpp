@@ -1,4 +1,5 @@
 #include "shared/cSHAREDSettings.h"
+#include "shared/SaveFailures.h"
 
 #include "shared/cSharedLogging.h"
 #include "support/RecordedErrorReports.h"
@@ -388,15 +389,20 @@ TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCanBeMadeWritableSavesWithoutAMe
     EXPECT_TRUE(reports.texts().isEmpty());
 }
 
-TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCannotBeChangedIsLeftAloneWithAMessage) {
+TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCannotBeChangedIsLeftAloneAndToldOnce) {
     makeReadOnly();
     access.canMakeWritable = false;
     EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_FALSE(settings.SaveSettings(ini()));
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
-    EXPECT_EQ(dialogs.texts(),
-              QStringList{QStringLiteral("Your settings file is read-only and I can't change it. "
-                                         "Save cancelled.")});
-    EXPECT_EQ(dialogs.shown().first().kind, ScriptedDialogs::Kind::Message);
+    EXPECT_EQ(reports.texts(),
+              QStringList{QStringLiteral("Unable to save ") + ini() +
+                          QStringLiteral(": the file is read-only and cannot be made writable.")});
+    EXPECT_EQ(reports.secondTexts(), QStringList{SaveFailures::AdviceText()});
+    EXPECT_EQ(dialogs.count(), 0);
+    access.canMakeWritable = true; // the user fixed it: the next save writes
+    EXPECT_TRUE(settings.SaveSettings(ini()));
+    EXPECT_EQ(ReadFileBytes(ini()), kNew);
 }
 
 TEST_F(SettingsSaveFailureTest, RefusedAgainAfterMakingWritableGivesUpWithTheMessage) {
@@ -404,7 +410,7 @@ TEST_F(SettingsSaveFailureTest, RefusedAgainAfterMakingWritableGivesUpWithTheMes
     EXPECT_FALSE(settings.SaveSettings(ini()));
     EXPECT_EQ(access.writes, 2);
     EXPECT_EQ(access.makeWritableCalls, 1);
-    EXPECT_EQ(dialogs.count(), 1);
+    EXPECT_EQ(reports.texts().size(), 1);
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
 }
 
@@ -433,9 +439,8 @@ TEST_F(SettingsSaveFailureTest, FullDiskCancelKeepsTheOldFile) {
 TEST_F(SettingsSaveFailureTest, OtherErrorGoesToTheErrorReport) {
     access.failures = {AtomicFile::Status::OtherError};
     EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(reports.texts(),
-              QStringList{QStringLiteral("57 - Device I/O error in SaveSettings")});
-    EXPECT_EQ(reports.secondTexts(), QStringList{QString()});
+    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("Unable to save ") + ini() +
+                                           QStringLiteral(": 57 - Device I/O error.")});
     EXPECT_EQ(dialogs.count(), 0);
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
 }
@@ -465,7 +470,7 @@ TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
     EXPECT_FALSE(ok);
     EXPECT_EQ(ReadFileBytes(ini), old);
     ASSERT_EQ(reports.texts().size(), 1);
-    EXPECT_TRUE(reports.texts().first().endsWith(QStringLiteral(" in SaveSettings")));
+    EXPECT_TRUE(reports.texts().first().startsWith(QStringLiteral("Unable to save ") + ini));
     // No half-written temporary is left beside it.
     EXPECT_EQ(QDir(home.path()).entryList({QStringLiteral("Tvo.ini*")}, QDir::Files | QDir::Hidden),
               QStringList{QStringLiteral("Tvo.ini")});
@@ -477,7 +482,9 @@ TEST(SettingsSave, MissingFolderIsReportedWithPathNotFound) {
     cSHAREDSettings s;
     s.sSet("A", 1);
     EXPECT_FALSE(s.SaveSettings(home.file(QStringLiteral("gone/Tvo.ini"))));
-    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("76 - Path not found in SaveSettings")});
+    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("Unable to save ") +
+                                           home.file(QStringLiteral("gone/Tvo.ini")) +
+                                           QStringLiteral(": 76 - Path not found.")});
 }
 
 TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {

@@ -2,7 +2,11 @@
 // detection, read-only and interrupted saves, owner maintenance.
 #include "StorageFixture.h"
 
+#include "shared/SaveFailures.h"
+#include "storage/DataFiles.h"
+#include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
+#include "support/RecordedErrorReports.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -160,18 +164,48 @@ TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
     EXPECT_EQ(db.RecordCount(), 1);
 }
 
-TEST_F(DbXml, AReadOnlyFileIsLoggedAndLeftAsItWas) {
+TEST_F(DbXml, AReadOnlyFileIsMadeWritableAndSaved) {
     db.StoreRecord(MakeEvent(QStringLiteral("old")));
     db.SaveDB();
-    const QByteArray before = ReadFileBytes(path());
     ASSERT_TRUE(QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::ReadUser));
-
     db.StoreRecord(MakeEvent(QStringLiteral("new")));
     db.SaveDB();
-    EXPECT_EQ(ReadFileBytes(path()), before);
-    EXPECT_TRUE(Logged(QStringLiteral("Output file readonly. Unable to write events.")));
-    EXPECT_FALSE(db.DatabaseChanged());
-    QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    EXPECT_EQ(DescsInFile(), (QStringList{"old", "new"}));
+    EXPECT_FALSE(db.HasUnsavedChanges());
+}
+
+// A file that cannot be written (here: its folder is gone) is told once; the
+// events stay in memory and reach the file once it can be written again.
+TEST_F(DbXml, AFailedSaveIsToldOnceAndTheEventsWaitForTheNextSave) {
+    RecordedErrorReports reports;
+    const QString folder = home.file(QStringLiteral("data"));
+    const QString file = QDir(folder).filePath(QStringLiteral("Events.xml"));
+    db.SetDBFilename(file);
+    db.StoreRecord(MakeEvent(QStringLiteral("first")));
+    db.SaveDB();
+    db.StoreRecord(MakeEvent(QStringLiteral("second")));
+    db.SaveDB();
+    EXPECT_TRUE(db.HasUnsavedChanges());
+    ASSERT_EQ(reports.texts(), QStringList{QStringLiteral("Unable to save ") + file +
+                                           QStringLiteral(": Path not found.")});
+    EXPECT_EQ(reports.secondTexts().first(), SaveFailures::AdviceText());
+    // Reloading the databases (after the options) keeps what is not saved.
+    settings.sSet(QStringLiteral("DataPath"), SettingValue(folder));
+    clsDbXml expired(settings, &layers);
+    SharedDatabases shared(settings, layers);
+    DataFiles::LoadDatabases(settings, db, expired, shared);
+    EXPECT_EQ(db.RecordCount(), 2);
+
+    ASSERT_TRUE(QDir().mkpath(folder));
+    db.SaveDB();
+    EXPECT_FALSE(db.HasUnsavedChanges());
+    clsDbXml reread(settings);
+    reread.LoadDB(file);
+    EXPECT_EQ(reread.RecordCount(), 2);
+
+    QDir(folder).removeRecursively(); // fails again: told again
+    db.SaveDB();
+    EXPECT_EQ(reports.texts().size(), 2);
 }
 
 #ifdef Q_OS_UNIX

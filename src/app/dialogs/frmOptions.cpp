@@ -7,6 +7,7 @@
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
@@ -266,8 +267,7 @@ void frmOptions::buildControls() {
 
 void frmOptions::Form_Load() {
     const cSHAREDSettings& settings = m_context.settings;
-    const QString home = AppPaths::HomeFolder();
-    const QString dataPath = settings.sGet(QStringLiteral("DataPath"), home).toText();
+    const QString dataPath = DataFiles::DataFolder(settings);
     const QString localFile = m_context.events.DBFilename();
     const QString localFolder =
         localFile.isEmpty() ? dataPath : QFileInfo(localFile).absolutePath();
@@ -438,7 +438,7 @@ void frmOptions::cmdSave_Click() {
     if (dataPath.size() > 1 && endsWithSeparator(dataPath)) {
         dataPath.chop(1);
     }
-    settings.sSet(QStringLiteral("DataPath"), dataPath);
+    settings.sSet(QStringLiteral("DataPath"), DataFiles::DataPathValue(dataPath));
     settings.sSet(QStringLiteral("WavFile"), txtAlarmWav->text());
     settings.sSet(QStringLiteral("NoSounds"), chkNoSound->isChecked());
     settings.SaveSettings(m_context.settingsFile);

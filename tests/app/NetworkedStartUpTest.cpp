@@ -52,18 +52,21 @@ struct User {
     AppContext context{settings, {}, layers, events, expired, shared, dialogs, opener, player};
 };
 
-EventPtr Event(const QString& desc, int16_t layer, const QString& layerName, bool shared = false,
-               const QString& onlyFor = {}) {
-    auto e = std::make_shared<clsEvent>();
-    e->setDesc(desc);
-    e->setDueDate(D(QStringLiteral("2009-03-20")));
-    e->setOwner(QStringLiteral("Ann"));
-    e->setLayer(layer);
-    e->SharedLayerName = layerName; // as a publish leaves it in Events.xml
-    e->SharedEvent = shared;
-    e->ShareWithSpecific = !onlyFor.isEmpty();
-    e->ShareNames = onlyFor.isEmpty() ? QString() : onlyFor + QStringLiteral("\r\n");
-    return e;
+// Ann's Events.xml as a publish leaves it: each event carries the name of its
+// layer. "Renamed" was published before its category was renamed "Work".
+QByteArray AnnsEvents() {
+    QByteArray bytes;
+    for (const char* fields :
+         {"<Desc>Dinner</Desc><Layer>0</Layer><SharedLayerName>Shared</SharedLayerName>",
+          "<Desc>For%20Carl</Desc><Layer>3</Layer><SharedLayerName>Work</SharedLayerName>"
+          "<SharedEvent>-1</SharedEvent><ShareWithSpecific>-1</ShareWithSpecific>"
+          "<ShareNames>Carl%0D%0A</ShareNames>",
+          "<Desc>Renamed</Desc><Layer>3</Layer><SharedLayerName>Old name</SharedLayerName>"
+          "<SharedEvent>-1</SharedEvent>"}) {
+        bytes += QByteArray("<TVO2><EVENT><Owner>Ann</Owner><DueDate>2009-03-20</DueDate>") +
+                 fields + "</EVENT></TVO2>\r\n";
+    }
+    return bytes;
 }
 
 // The "Layer" cell of the row with that description.
@@ -83,16 +86,7 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndReachWhoTheyAreFor) {
     QDir().mkpath(folder);
     WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Ann\r\nBob\r\nCarl\r\n");
     User ann(QStringLiteral("Ann"), home.file(QStringLiteral("ann")), folder);
-    {
-        clsDbXml file(ann.settings);
-        file.SetDBFilename(home.file(QStringLiteral("ann/Events.xml")));
-        file.StoreRecord(Event(QStringLiteral("Dinner"), 0, QStringLiteral("Shared")));
-        file.StoreRecord(Event(QStringLiteral("For Carl"), 3, QStringLiteral("Work"), true,
-                               QStringLiteral("Carl")));
-        // Published under the category's old name before it was renamed.
-        file.StoreRecord(Event(QStringLiteral("Renamed"), 3, QStringLiteral("Old name"), true));
-        file.SaveDB();
-    }
+    WriteFileBytes(home.file(QStringLiteral("ann/Events.xml")), AnnsEvents());
 
     ASSERT_TRUE(ann.Start());
     const QStringList own = {QStringLiteral("Dinner@0"), QStringLiteral("For Carl@3"),

@@ -94,17 +94,6 @@ TEST_F(DbXml, CodesStayUniqueAcrossManyStoresDeletedRecordsIncluded) {
     EXPECT_EQ(db.RecordCount(), 5000);
 }
 
-TEST_F(DbXml, ABlockWithoutCodeGetsOneWhenStored) {
-    ASSERT_TRUE(
-        WriteFileBytes(path(), Header() + "<TVO2><EVENT><Desc>x</Desc></EVENT></TVO2>\r\n"));
-    db.LoadDB(path());
-    ASSERT_EQ(db.RecordCount(), 1);
-    const EventPtr e = db.Events().first();
-    EXPECT_TRUE(e->IDCode.isEmpty());
-    db.StoreRecord(e);
-    EXPECT_EQ(e->IDCode.size(), 6);
-}
-
 TEST_F(DbXml, DeleteRecordMarksSavesAndKeepsTheObjectUntilTheNextLoad) {
     const auto a = MakeEvent(QStringLiteral("A"));
     const auto b = MakeEvent(QStringLiteral("B"));
@@ -119,17 +108,6 @@ TEST_F(DbXml, DeleteRecordMarksSavesAndKeepsTheObjectUntilTheNextLoad) {
     db.LoadDB(path());
     EXPECT_EQ(db.RecordCount(), 1);
     EXPECT_FALSE(db.ReadEvent(a->IDCode));
-}
-
-TEST_F(DbXml, ReadEventHandsOutTheListsOwnObject) {
-    const auto a = MakeEvent(QStringLiteral("A"));
-    db.StoreRecord(a);
-    db.SaveDB();
-    db.LoadDB(path());
-    const EventPtr first = db.ReadEvent(a->IDCode);
-    ASSERT_TRUE(first);
-    first->setDesc(QStringLiteral("changed in place"));
-    EXPECT_EQ(db.ReadEvent(a->IDCode)->Desc(), QStringLiteral("changed in place"));
 }
 
 TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {

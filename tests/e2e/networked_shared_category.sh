@@ -25,9 +25,10 @@ published="$shared/Shared_Ann.xml"
 in_layer_0() { # FILE ID: the event is there, in layer 0
   [ "$(e2e_field "$1" "$2" Layer)" = "0" ] || e2e_fail "$2 is not in layer 0 in $1 (layer '$(e2e_field "$1" "$2" Layer)')"
 }
-no_new_category() { # HOME: no category was created for the name "Shared"
-  grep -qi '^LAYER[0-9]*,Shared' "$1/Tvo.ini" && e2e_fail "a category \"Shared\" was created: $(grep -i '^LAYER[0-9]*,Shared' "$1/Tvo.ini")"
-  return 0
+no_new_category() { # HOME: no category 1 to 19 was created for the name "Shared"
+  local found
+  found=$(tr -d '\r' < "$1/Tvo.ini" | grep -iE '^LAYER(1[0-9]|[1-9]),Shared$')
+  [ -z "$found" ] || e2e_fail "a category \"Shared\" was created in $1: $found"
 }
 
 # 1. Networked start, then Settings -> Save.

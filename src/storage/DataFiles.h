@@ -29,9 +29,10 @@ QString ExpiredFile(const cSHAREDSettings& settings); // data folder + "Expired.
 // The setting "Networked".
 bool Networked(const cSHAREDSettings& settings);
 
-// Binds and loads the events and expired databases; in networked mode also
-// loads the other users' shared events and makes every save of the events
-// database publish this user's shared events. With logProgress, start-up's
+// Binds and loads the events and expired databases (as in single-user mode,
+// and keeping a list whose changes could not be saved yet); in networked mode
+// also loads the other users' shared events and makes every save of the
+// events database publish this user's shared events. With logProgress, start-up's
 // progress lines are logged between the steps.
 void LoadDatabases(cSHAREDSettings& settings, clsDbXml& events, clsDbXml& expired,
                    SharedDatabases& shared, bool logProgress = false);

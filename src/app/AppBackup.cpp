@@ -6,8 +6,8 @@
 #include "storage/DataFiles.h"
 #include "storage/clsDbXml.h"
 
-bool BackUpData(AppContext& app, const QString& kind) {
+bool BackUpData(AppContext& app, const QString& kind, QString* reason) {
     const BackupSources sources{app.events.DBFilename(), app.expired.DBFilename(), app.settingsFile,
                                 Log().CurrentLogFilename(), DataFiles::DataFolder(app.settings)};
-    return BackupDataToZip(kind, sources);
+    return BackupDataToZip(kind, sources, reason);
 }

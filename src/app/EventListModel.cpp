@@ -2,8 +2,8 @@
 
 #include "app/AppContext.h"
 #include "shared/DateValue.h"
+#include "shared/OwnerId.h"
 #include "shared/RuntimeError.h"
-#include "shared/TextEqual.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/SharedDatabases.h"
@@ -165,7 +165,7 @@ void EventListModel::AddList(const FillContext& fc, const QList<EventPtr>& list,
         if (!e || e->Deleted) {
             continue;
         }
-        if (source == Source::Shared && TextEqual(e->Owner(), fc.owner)) {
+        if (source == Source::Shared && OwnerId::Same(e->Owner(), fc.owner)) {
             continue; // one's own shared events are listed among the local ones
         }
         if (!PassesLayer(*e, layer, source != Source::Expired)) {
@@ -209,9 +209,9 @@ void EventListModel::AddListItem(const FillContext& fc, const EventPtr& event, S
                 .replace(QLatin1Char('\n'), QLatin1Char(' '));
         }
         c[ColEvent] = desc;
-        // Layer 0 ("Shared") is listed under layer 1; the event itself keeps 0 so
-        // that it is still published.
-        const int layer = e.Layer() == 0 ? 1 : e.Layer();
+        // Layer 0 is listed as "Shared", as the editor, the filter and the
+        // month view name it.
+        const int layer = e.Layer();
         if (layer >= 0 && layer < clsLayers::kCount) {
             c[ColLayer] = fc.layerNames[static_cast<size_t>(layer)];
         } else {
@@ -227,7 +227,7 @@ void EventListModel::AddListItem(const FillContext& fc, const EventPtr& event, S
         if (e.SharedEvent) {
             marker = MarkShared;
         }
-        if (!TextEqual(e.Owner(), fc.owner)) {
+        if (!OwnerId::Same(e.Owner(), fc.owner)) {
             marker = MarkOthers;
         }
         if (e.DaysLeft() < 0) {

@@ -20,6 +20,7 @@ void StartUp::LoadSettings() {
     Log().LogEvent(QStringLiteral("TVO Startup"), true);
     m_app.settings.LoadSettings(m_app.settingsFile);
     Log().LogEvent(QStringLiteral("Options loaded"));
+    DataFiles::AdoptDataFolder(m_app.settings);
     m_silentStart = m_app.settings.sGet(QStringLiteral("SilentStart"), false).toBool();
     Log().LogEvent(QStringLiteral("Loading category names"));
     m_app.layers.LoadLayers();

@@ -10,6 +10,7 @@
 #include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
+#include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
 
 #include <QApplication>
@@ -367,8 +368,14 @@ void frmMain::Quit() {
     m_refreshTimer.stop();
     close();
     m_tray->hide();
-    // Every change to the events was saved when it was made; the settings
+    // Every change to the events was saved when it was made; one whose save
+    // failed gets a last try (the file may be writable again). The settings
     // (the window size among them) are written now.
+    for (clsDbXml* db : {&m_app.events, &m_app.expired}) {
+        if (db->HasUnsavedChanges()) {
+            db->SaveDB();
+        }
+    }
     m_app.settings.SaveSettings(m_app.settingsFile);
     Log().LogEvent(QStringLiteral("TVO ending"));
     Log().WriteActionsToLog();

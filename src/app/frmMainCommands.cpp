@@ -146,7 +146,15 @@ void frmMain::mnuFind_Click(int index) {
 }
 
 void frmMain::ManualBackup() {
-    BackUpData(m_app, QString::fromLatin1(kManualBackupKind));
+    QString reason;
+    if (!BackUpData(m_app, QString::fromLatin1(kManualBackupKind), &reason)) {
+        m_app.dialogs.Message(QStringLiteral("Backup failed: ") + reason +
+                                  QStringLiteral("\r\nNo archive was written to the AutoBackups "
+                                                 "folder in ") +
+                                  AppPaths::HomeFolder() + QLatin1Char('.'),
+                              {}, UserDialogs::Icon::Warning);
+        return;
+    }
     m_app.dialogs.Message(
         QStringLiteral("Backup complete. Your files were zipped to the AutoBackups folder in ") +
         AppPaths::HomeFolder());

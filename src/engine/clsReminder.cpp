@@ -3,6 +3,7 @@
 #include "engine/IDesktopNotifier.h"
 #include "engine/IReminderWindow.h"
 #include "shared/IFileOpener.h"
+#include "shared/OwnerId.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
@@ -215,7 +216,7 @@ bool DeleteEvent(ReminderServices& services, const QString& idCode) {
     }
     const QString owner =
         services.settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText();
-    if (networked(services.settings) && e->Owner() != owner) {
+    if (networked(services.settings) && !OwnerId::Same(e->Owner(), owner)) {
         services.dialogs.Message(QStringLiteral("You're not the owner of this event.  Only ") +
                                  e->Owner() + QStringLiteral(" can delete it."));
         return false;

@@ -93,9 +93,10 @@ void clsEvent::CalcDueDate(DateValue from) {
         switch (m_RecurrenceType) {
         case DaysOfWeek: {
             // The first day on or after from whose weekday bit (Monday 2^1 ..
-            // Sunday 2^7) is in the mask; a week covers every weekday.
+            // Sunday 2^7) is in the mask; a week covers every weekday. The
+            // search ends with the last representable day.
             DateValue due = DateOnly(from);
-            for (int i = 0; i < 7; ++i, due += 1) {
+            for (int i = 0; i < 7 && due <= kLastDayValue; ++i, due += 1) {
                 if (m_WeekDays & (1 << Weekday(due, FirstDay::Monday))) {
                     m_DueDate = due;
                     return;

@@ -129,6 +129,10 @@ bool IsBeforeDate(DateValue d) {
     return IsBeforeDate(d, TodayDate());
 }
 
+bool InDateRange(DateValue v) {
+    return std::isfinite(v) && std::trunc(v) >= kFirstDayValue && v < kLastDayValue + 1;
+}
+
 bool IsBeforeDate(DateValue d, DateValue ref) {
     return DateOnly(d) < DateOnly(ref);
 }

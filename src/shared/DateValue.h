@@ -20,6 +20,12 @@ enum class FirstDay { Sunday, Monday };
 // Representable years, as the files and the platform value allow.
 constexpr int kMinYear = 100;
 constexpr int kMaxYear = 9999;
+// The first and the last representable day: 0100-01-01 and 9999-12-31.
+constexpr DateValue kFirstDayValue = -657434.0;
+constexpr DateValue kLastDayValue = 2958465.0;
+// Whether v is a moment of a representable day. The day is the integer part
+// toward zero, so 0100-01-01 12:00 (-657434.5) is in range; NaN is not.
+bool InDateRange(DateValue v);
 
 // Date with month and day rolling over: month 13 of 2009 is January 2010, day 0
 // is the last day of the month before, day 31 of April is 1 May. Throws

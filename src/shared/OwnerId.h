@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shared/TextEqual.h"
+
 #include <QString>
 
 // Checks a user ID typed for networked mode. The ID becomes part of a file
@@ -15,5 +17,14 @@ QString Problem(const QString& id);
 
 // Characters refused anywhere in an ID.
 inline constexpr const char* kForbiddenCharacters = "\\/:*?\"<>|";
+
+// Whether two owner names name the same user: blanks around either side and
+// letter case do not count, because the name also names a file in the shared
+// folder and file names there are not case-sensitive. Every check of who owns
+// an event (publishing, the list, deleting, loading the merged set, the owner
+// maintenance) uses this one comparison.
+inline bool Same(const QString& a, const QString& b) {
+    return TextEqual(a, b);
+}
 
 } // namespace OwnerId

@@ -1,5 +1,6 @@
 #include "shared/cSHAREDSettings.h"
 
+#include "shared/SaveFailures.h"
 #include "shared/TextCodec.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDShowError.h"
@@ -192,6 +193,7 @@ bool cSHAREDSettings::SaveSettings(const QString& file) {
             const AtomicFile::Result r = access.Write(file, bytes);
             switch (r.status) {
             case AtomicFile::Status::Saved:
+                SaveFailures::Saved(file);
                 return true;
             case AtomicFile::Status::AccessDenied:
                 // One attempt at clearing the read-only state; a second refusal
@@ -200,10 +202,11 @@ bool cSHAREDSettings::SaveSettings(const QString& file) {
                     madeWritable = true;
                     continue;
                 }
+                // Told once through the error report, with the file's name
+                // and what to do; the settings stay in memory for the next
+                // save.
                 Log().AddAction(kReadOnlyMessage, QStringLiteral("SaveSettings"), kModule);
-                if (m_dialogs != nullptr) {
-                    m_dialogs->Message(kReadOnlyMessage, {}, UserDialogs::Icon::Warning);
-                }
+                SaveFailures::Failed(file, SaveFailures::kReadOnly);
                 return false;
             case AtomicFile::Status::DiskFull: {
                 const QString question =
@@ -218,8 +221,11 @@ bool cSHAREDSettings::SaveSettings(const QString& file) {
                 return false;
             }
             case AtomicFile::Status::OtherError:
-                cSHAREDShowError::ShowErr(QString::number(r.errorNumber) + QStringLiteral(" - ") +
-                                          r.description + QStringLiteral(" in SaveSettings"));
+                Log().AddAction(QString::number(r.errorNumber) + QStringLiteral(" - ") +
+                                    r.description,
+                                QStringLiteral("SaveSettings"), kModule);
+                SaveFailures::Failed(file, QString::number(r.errorNumber) + QStringLiteral(" - ") +
+                                               r.description);
                 return false;
             }
         }

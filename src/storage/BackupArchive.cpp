@@ -33,7 +33,7 @@ QString BackupArchivePath(const QString& kind, DateValue today) {
     return AppPaths::JoinPath(folder, weekday + QLatin1Char(' ') + kind + QStringLiteral(".zip"));
 }
 
-bool BackupDataToZip(const QString& kind, const BackupSources& sources) {
+bool BackupDataToZip(const QString& kind, const BackupSources& sources, QString* reason) {
     const QString archive = BackupArchivePath(kind, TodayDate());
     cSHAREDZipFiles zip;
     zip.setZipFileName(archive);
@@ -43,9 +43,18 @@ bool BackupDataToZip(const QString& kind, const BackupSources& sources) {
             Log().AddAction(zip.GetLastMessage() + QStringLiteral(": ") + path, kProc, kModule);
         }
     }
-    const bool ok = QDir().mkpath(QFileInfo(archive).path()) && zip.MakeZipFile();
+    QString why;
+    if (const QString folder = QFileInfo(archive).path(); !QDir().mkpath(folder)) {
+        why = QStringLiteral("Unable to create the folder ") + folder;
+    } else if (!zip.MakeZipFile()) {
+        why = zip.GetLastMessage();
+    }
+    const bool ok = why.isEmpty();
     if (!ok) {
-        Log().AddAction(zip.GetLastMessage(), kProc, kModule);
+        Log().AddAction(why, kProc, kModule);
+        if (reason != nullptr) {
+            *reason = why;
+        }
     }
     Log().LogEvent(QStringLiteral("Backup to ") + archive +
                    (ok ? QStringLiteral(" complete") : QStringLiteral(" failed")));

@@ -32,5 +32,6 @@ QString BackupArchivePath(const QString& kind, DateValue today);
 
 // Writes the archive for today's weekday, replacing the one of a week ago, and
 // logs "Backup to <archive> complete" or "... failed". Files that do not exist
-// are left out. The data files themselves are only read. True on success.
-bool BackupDataToZip(const QString& kind, const BackupSources& sources);
+// are left out. The data files themselves are only read. True on success; on
+// failure reason (when given) receives why.
+bool BackupDataToZip(const QString& kind, const BackupSources& sources, QString* reason = nullptr);

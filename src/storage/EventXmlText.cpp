@@ -63,7 +63,7 @@ QString FromAnsi(QByteArrayView bytes) {
 void AppendAnsi(QByteArray& out, const QString& text) {
     const qsizetype start = out.size();
     out.resize(start + text.size());
-    putAnsi(out.data() + start, text);
+    out.truncate(putAnsi(out.data() + start, text) - out.constData());
 }
 
 QByteArray PercentEncode(const QString& text) {

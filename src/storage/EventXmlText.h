@@ -23,16 +23,31 @@ inline const AnsiTables& ansi() {
     return tables;
 }
 
-// Writes text as Windows-1252, one byte per UTF-16 unit, and returns the end.
+// True when src[i] starts a character outside the Basic Multilingual Plane
+// (a surrogate pair): it is one character, written as one "?".
+inline bool startsPair(const char16_t* src, qsizetype i, qsizetype n) {
+    return src[i] >= 0xD800 && src[i] <= 0xDBFF && i + 1 < n && src[i + 1] >= 0xDC00 &&
+           src[i + 1] <= 0xDFFF;
+}
+
+// Writes text as Windows-1252, one byte per character (at most one per UTF-16
+// unit), and returns the end.
 inline char* putAnsi(char* p, const QString& text) {
     const AnsiTables& t = ansi();
     const char16_t* src = reinterpret_cast<const char16_t*>(text.constData());
     const qsizetype n = text.size();
     for (qsizetype i = 0; i < n; ++i) {
         const char16_t c = src[i];
-        p[i] = c < 0x80 ? static_cast<char>(c) : static_cast<char>(t.fromUnicode[c]);
+        if (c < 0x80) {
+            *p++ = static_cast<char>(c);
+            continue;
+        }
+        if (startsPair(src, i, n)) {
+            ++i; // surrogates are not in the code page: "?"
+        }
+        *p++ = static_cast<char>(t.fromUnicode[c]);
     }
-    return p + n;
+    return p;
 }
 
 // Letters, digits and ": . , ?" are written as they are.
@@ -74,8 +89,13 @@ inline constexpr std::array<PercentForm, 256> kEscapedForms = makePercentForms(f
 
 inline char* putPercent(char* p, const QString& text) {
     const AnsiTables& t = ansi();
-    for (const QChar qc : text) {
-        const char16_t c = qc.unicode();
+    const char16_t* src = reinterpret_cast<const char16_t*>(text.constData());
+    const qsizetype n = text.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const char16_t c = src[i];
+        if (c >= 0x80 && startsPair(src, i, n)) {
+            ++i;
+        }
         const PercentForm& form = c < 0x80 ? kAsciiForms[c] : kEscapedForms[t.fromUnicode[c]];
         std::memcpy(p, form.text.data(), form.text.size());
         p += form.size;

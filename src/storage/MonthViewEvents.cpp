@@ -11,7 +11,6 @@ bool MonthViewEvents::Networked() const {
 }
 
 void MonthViewEvents::Load(const QString& eventsFile) {
-    m_local.setNetworked(Networked());
     m_local.LoadDB(eventsFile);
     const QString folder =
         m_settings.sGet(QStringLiteral("SharedDatapath"), SettingValue(QString()))

@@ -17,9 +17,9 @@ public:
     // layers: maps shared events' layer names to local layers (may be null).
     MonthViewEvents(cSHAREDSettings& settings, clsLayers* layers);
 
-    // Loads eventsFile (the user's "Events.xml") and, when the setting
-    // "SharedDatapath" names a folder, the users listed in its
-    // "TVOShared.ini". Missing files give no events.
+    // Loads eventsFile (the user's "Events.xml", as it is: nothing filtered,
+    // no layer mapped) and, when the setting "SharedDatapath" names a folder,
+    // the users listed in its "TVOShared.ini". Missing files give no events.
     void Load(const QString& eventsFile);
 
     // Local events first, then the shared ones, each in file order.

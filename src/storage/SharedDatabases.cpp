@@ -1,16 +1,14 @@
 #include "storage/SharedDatabases.h"
 
 #include "shared/AppPaths.h"
+#include "shared/OwnerId.h"
 #include "shared/TextCodec.h"
-#include "shared/TextEqual.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/clsLayers.h"
 
 #include <QFile>
 #include <QSaveFile>
-
-#include <algorithm>
 
 SharedDatabases::SharedDatabases(cSHAREDSettings& settings, clsLayers& layers)
     : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers),
@@ -48,12 +46,10 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
     }
     const QString owner = m_publish.CurrentOwner();
     // The owner name becomes part of a file name in the shared folder; one
-    // that could point elsewhere or that a file name cannot hold is refused
-    // here too, not only in the options.
-    static const QString kRefused = QStringLiteral("\\/:*?\"<>|");
-    if (owner.trimmed().isEmpty() || std::any_of(owner.cbegin(), owner.cend(), [](QChar c) {
-            return kRefused.contains(c) || c < u' ';
-        })) {
+    // that the options would refuse is refused here too (a hand-edited
+    // settings file), so nothing lands outside the folder or under a name
+    // that another user's name could also give.
+    if (owner.trimmed().isEmpty() || !OwnerId::Problem(owner).isEmpty()) {
         Log().AddAction(
             QStringLiteral("Owner name unusable as a file name. Shared events not published."),
             QStringLiteral("PublishSharedEvents"), QStringLiteral("SharedDatabases"));
@@ -65,7 +61,7 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
     m_publish.WipeRecordsByOwner(owner);
     for (const EventPtr& event : local.Events()) {
         if ((event->SharedEvent || event->Layer() == clsLayers::kShared) &&
-            TextEqual(event->Owner(), owner)) {
+            OwnerId::Same(event->Owner(), owner)) {
             event->SharedLayerName = m_layers.Layer(event->Layer());
             m_publish.StoreRecord(event);
         }

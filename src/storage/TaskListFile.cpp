@@ -2,6 +2,7 @@
 
 #include "shared/AppPaths.h"
 #include "shared/AtomicFile.h"
+#include "shared/SaveFailures.h"
 #include "shared/TextCodec.h"
 #include "shared/cSharedLogging.h"
 
@@ -70,13 +71,23 @@ QStringList TaskListFile::Load() {
 
 bool TaskListFile::Save(const QStringList& tasks) {
     const QString path = XmlPath();
-    const AtomicFile::Result result = AtomicFile::Write(path, Format(tasks));
+    const QByteArray bytes = Format(tasks);
+    AtomicFile::Result result = AtomicFile::Write(path, bytes);
+    // A read-only file is made writable and written once more.
+    if (result.status == AtomicFile::Status::AccessDenied && AtomicFile::IsReadOnly(path) &&
+        AtomicFile::MakeWritable(path)) {
+        result = AtomicFile::Write(path, bytes);
+    }
     if (!result.ok()) {
         Log().AddAction(result.description + QStringLiteral(" (") +
                             QString::number(result.errorNumber) + QLatin1Char(')'),
                         QStringLiteral("SaveTasks"), kModule);
+        SaveFailures::Failed(path, AtomicFile::IsReadOnly(path) ? SaveFailures::kReadOnly
+                                                                : result.description);
+        return false;
     }
-    return result.ok();
+    SaveFailures::Saved(path);
+    return true;
 }
 
 QByteArray TaskListFile::Format(const QStringList& tasks) {

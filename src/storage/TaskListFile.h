@@ -23,8 +23,9 @@ public:
     // there: then its lines are taken, the XML file is written and the legacy
     // file removed, so the next load reads XML. Missing files give no tasks.
     QStringList Load();
-    // Rewrites the XML file whole and atomically; false (logged) on failure,
-    // the old file then staying as it was.
+    // Rewrites the XML file whole and atomically, making a read-only file
+    // writable first; false on failure (logged, told to the user once
+    // through SaveFailures), the old file then staying as it was.
     bool Save(const QStringList& tasks);
 
     // The file's bytes for a list (Windows-1252, CR LF).

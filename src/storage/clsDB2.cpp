@@ -1,6 +1,7 @@
 #include "storage/clsDB2.h"
 
 #include "shared/AppPaths.h"
+#include "shared/OwnerId.h"
 #include "shared/RuntimeError.h"
 #include "shared/TextCodec.h"
 #include "shared/UserDialogs.h"
@@ -16,17 +17,11 @@
 #include <QtEndian>
 
 #include <bit>
-#include <cmath>
 #include <cstring>
 
 namespace {
 
 const QString kModule = QStringLiteral("clsDB2");
-
-// Earliest and latest day of the calendar the program handles (years 100 to
-// 9999); a double outside them in a record is damage, not a date.
-constexpr double kFirstDay = -657434.0;
-constexpr double kLastDay = 2958466.0;
 
 // Field access on one record; bytes past the end of a short record read as 0.
 class RecordReader {
@@ -43,7 +38,8 @@ public:
 
     DateValue date(int offset, const char* field) const {
         const double v = std::bit_cast<double>(qFromLittleEndian<quint64>(m_bytes + offset));
-        if (!std::isfinite(v) || v < kFirstDay || v >= kLastDay) {
+        // A value outside years 100 to 9999 is damage, not a date.
+        if (!InDateRange(v)) {
             LogRuntimeError(RuntimeError::overflow(),
                             QStringLiteral("TransferTypeToObject ") + QLatin1String(field),
                             kModule);
@@ -140,12 +136,13 @@ void clsDB2::LoadDB(const QString& path, bool append) {
         return;
     }
     const QByteArray bytes = file.readAll();
-    // Halves round to the even count.
-    const auto count =
-        static_cast<qsizetype>(std::nearbyint(static_cast<double>(bytes.size()) / kRecordLength));
-    if (bytes.size() % kRecordLength != 0) {
-        Log().AddAction(QStringLiteral("File length ") + QString::number(bytes.size()) +
-                            QStringLiteral(" is not a multiple of 498: ") + path,
+    // Only whole records are read: the fields of a record cut short would
+    // come out as zeros and blanks that were never written.
+    const qsizetype count = bytes.size() / kRecordLength;
+    if (const qsizetype rest = bytes.size() % kRecordLength; rest != 0) {
+        Log().AddAction(QString::number(rest) +
+                            QStringLiteral(" bytes left over after the last whole record of ") +
+                            path,
                         proc, kModule);
     }
 
@@ -153,10 +150,8 @@ void clsDB2::LoadDB(const QString& path, bool append) {
         m_settings.sGet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Not Set"))).toText();
     for (qsizetype i = 0; i < count; ++i) {
         const QByteArrayView all(bytes);
-        EventPtr e = TransferTypeToObject(
-            all.sliced(i * kRecordLength)
-                .first(std::min(kRecordLength, bytes.size() - i * kRecordLength)));
-        if (e->Owner().isEmpty() || e->Owner() == QStringLiteral("Single")) {
+        EventPtr e = TransferTypeToObject(all.sliced(i * kRecordLength, kRecordLength));
+        if (e->Owner().isEmpty() || OwnerId::Same(e->Owner(), QStringLiteral("Single"))) {
             e->setOwner(owner);
         }
         // A layer index out of range is logged by the table and gives "".

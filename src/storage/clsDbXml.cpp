@@ -2,8 +2,9 @@
 
 #include "shared/AppPaths.h"
 #include "shared/AtomicFile.h"
+#include "shared/OwnerId.h"
+#include "shared/SaveFailures.h"
 #include "shared/TextCodec.h"
-#include "shared/TextEqual.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/EventXmlCodec.h"
@@ -58,6 +59,8 @@ qsizetype findEndTag(const QByteArray& bytes, qsizetype from) {
 }
 } // namespace
 
+quint64 clsDbXml::s_codesGiven = 0;
+
 clsDbXml::clsDbXml(cSHAREDSettings& settings, clsLayers* layers)
     : m_settings(settings), m_layers(layers) {}
 
@@ -107,27 +110,46 @@ void clsDbXml::LoadDBIfChanged(const QString& path) {
     }
 }
 
+bool clsDbXml::indexCurrent() const {
+    return m_indexValid && m_indexGeneration == s_codesGiven;
+}
+
 const QHash<QString, int>& clsDbXml::idIndex() const {
-    if (!m_indexValid) {
+    if (!indexCurrent()) {
         m_idCounts.clear();
         m_idCounts.reserve(m_events.size());
         for (const EventPtr& event : m_events) {
             ++m_idCounts[event->IDCode];
         }
         m_indexValid = true;
+        m_indexGeneration = s_codesGiven;
     }
     return m_idCounts;
 }
 
+void clsDbXml::AssignNewIDCode(clsEvent& event) {
+    QString code = NewIDCode(); // brings this list's index up to date
+    // This index stays true only when the event was not in this list under
+    // its old code (then append counts it under the new one).
+    const bool keepIndex = !m_idCounts.contains(event.IDCode);
+    event.IDCode = std::move(code);
+    ++s_codesGiven;
+    if (keepIndex) {
+        m_indexGeneration = s_codesGiven;
+    } else {
+        m_indexValid = false;
+    }
+}
+
 void clsDbXml::append(const EventPtr& event) {
     m_events.append(event);
-    if (m_indexValid) {
+    if (indexCurrent()) {
         ++m_idCounts[event->IDCode];
     }
 }
 
 void clsDbXml::removeAt(qsizetype index) {
-    if (m_indexValid) {
+    if (indexCurrent()) {
         const auto it = m_idCounts.find(m_events.at(index)->IDCode);
         if (it != m_idCounts.end() && --it.value() <= 0) {
             m_idCounts.erase(it);
@@ -141,10 +163,11 @@ void clsDbXml::clearList() {
     m_events.clear();
     m_idCounts.clear();
     m_indexValid = true;
+    m_indexGeneration = s_codesGiven;
 }
 
 void clsDbXml::adjustLoaded(clsEvent& event, const QString& owner) {
-    if (event.Owner().isEmpty() || event.Owner() == kSingle) {
+    if (event.Owner().trimmed().isEmpty() || OwnerId::Same(event.Owner(), kSingle)) {
         event.setOwner(owner);
     }
 }
@@ -153,6 +176,7 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
     m_stamp = fileStamp(path);
     m_fileName = path;
     if (!append) {
+        m_unsaved = false;
         clearList();
         m_mergedSet = false;
         m_sharedFiles.clear();
@@ -198,7 +222,7 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
             // An event without a layer name keeps its number rather than
             // naming a free layer "".
             if (m_layers != nullptr && !event->SharedLayerName.isEmpty()) {
-                const int index = m_layers->SeekLayerIndex(event->SharedLayerName);
+                const int index = m_layers->LocalLayerFor(event->SharedLayerName);
                 if (index >= 0 && index != event->Layer()) {
                     event->setLayer(static_cast<int16_t>(index));
                 }
@@ -221,9 +245,13 @@ void clsDbXml::SaveDB() {
         return;
     }
     // A file without its owner's write permission counts as read-only even
-    // for a user whom the system would let write it.
-    if (AtomicFile::IsReadOnly(m_fileName)) {
+    // for a user whom the system would let write it; it is made writable
+    // first. A save that still fails is told to the user once and the list
+    // stays as it is, so the next save can write it.
+    if (AtomicFile::IsReadOnly(m_fileName) && !AtomicFile::MakeWritable(m_fileName)) {
         Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
+        SaveFailures::Failed(m_fileName, SaveFailures::kReadOnly);
+        m_unsaved = true;
     } else {
         QByteArray out;
         out.reserve(64 + m_events.size() * kTypicalBlockSize * 5 / 4);
@@ -236,13 +264,17 @@ void clsDbXml::SaveDB() {
             }
         }
         const AtomicFile::Result result = AtomicFile::Write(m_fileName, out);
-        if (!result.ok()) {
+        m_unsaved = !result.ok();
+        if (result.ok()) {
+            SaveFailures::Saved(m_fileName);
+        } else {
             if (result.status == AtomicFile::Status::AccessDenied) {
                 Log().AddAction(QString::fromLatin1(kReadOnlyMessage), procedure, kModule);
             }
             Log().AddAction(result.description + QStringLiteral(" (") +
                                 QString::number(result.errorNumber) + QLatin1Char(')'),
                             procedure, kModule);
+            SaveFailures::Failed(m_fileName, result.description);
         }
     }
     if (m_publisher) {
@@ -307,7 +339,7 @@ void clsDbXml::StoreRecord(const EventPtr& event, bool asNew) {
         return;
     }
     if (event->IDCode.isEmpty() || asNew) {
-        event->IDCode = NewIDCode();
+        AssignNewIDCode(*event);
     } else {
         const int32_t index = FindRecordIndex(event->IDCode);
         if (index >= 0) {
@@ -343,7 +375,7 @@ void clsDbXml::WipeDiskFile() {
 void clsDbXml::WipeRecordsByOwner(const QString& owner) {
     LoadDB(m_fileName, false);
     for (const EventPtr& event : std::as_const(m_events)) {
-        if (TextEqual(event->Owner(), owner)) {
+        if (OwnerId::Same(event->Owner(), owner)) {
             event->Deleted = true;
         }
     }
@@ -362,7 +394,7 @@ void clsDbXml::WipeAllButThisOwner(const QString& owner) {
         return;
     }
     for (const EventPtr& event : std::as_const(m_events)) {
-        if (!TextEqual(event->Owner(), owner)) {
+        if (!OwnerId::Same(event->Owner(), owner)) {
             event->Deleted = true;
         }
     }
@@ -371,7 +403,7 @@ void clsDbXml::WipeAllButThisOwner(const QString& owner) {
 
 void clsDbXml::RenameOwner(const QString& oldOwner, const QString& newOwner) {
     for (const EventPtr& event : std::as_const(m_events)) {
-        if (TextEqual(event->Owner(), oldOwner)) {
+        if (OwnerId::Same(event->Owner(), oldOwner)) {
             event->setOwner(newOwner);
         }
     }
@@ -400,7 +432,7 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
         }
         Log().AddAction(QStringLiteral("Found shared database ") + line);
         const QString file = AppPaths::JoinPath(folder, SharedDatabases::SharedFileName(name));
-        if (TextEqual(name, owner)) {
+        if (OwnerId::Same(name, owner)) {
             Log().AddAction(QStringLiteral("Not loading - belongs to current user (") + owner +
                             QLatin1Char(')'));
             continue;

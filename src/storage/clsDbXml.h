@@ -44,8 +44,12 @@ public:
     // are mapped by name. An absent or unreadable file gives no records.
     void LoadDB(const QString& path, bool append = false);
     // Rewrites DBFilename from the list, leaving out deleted records. A
-    // read-only file is logged and left as it is.
+    // read-only file is made writable first. When the file still cannot be
+    // written it is left as it is, the failure is logged and told to the user
+    // once (SaveFailures), and the list keeps the changes for a later save.
     void SaveDB();
+    // Whether the last save of the list failed (until a save or a load).
+    bool HasUnsavedChanges() const { return m_unsaved; }
     // Objects in the list, deleted-marked ones included.
     int32_t RecordCount() const { return static_cast<int32_t>(m_events.size()); }
     // Marks the record deleted (it stays in the list until the next load) and saves.
@@ -118,19 +122,28 @@ private:
     cSHAREDSettings& m_settings;
     clsLayers* m_layers;
     QList<EventPtr> m_events;
-    // How many listed events carry each ID code, so a fresh code is checked
-    // for uniqueness without walking the list (IDs change only through
-    // StoreRecord while an event is listed). Built on first need after a
-    // load, so loads that are only read never pay for it.
+    // How many listed events carry each ID code, so lookups and the check of
+    // a fresh code need no walk of the list. An event may sit in two lists
+    // at once (an expiring event is stored into the expired list before the
+    // events list deletes it), so a code given by one database can make
+    // another one's index stale: every code is given through
+    // AssignNewIDCode, which counts the codes given in the process; an index
+    // built before the latest one is rebuilt on its next use. Built on first
+    // need after a load, so loads that are only read never pay for it.
     const QHash<QString, int>& idIndex() const;
+    bool indexCurrent() const;
+    void AssignNewIDCode(clsEvent& event);
     mutable QHash<QString, int> m_idCounts;
     mutable bool m_indexValid = true;
+    mutable quint64 m_indexGeneration = 0;
+    static quint64 s_codesGiven; // ID codes given so far, by any database
     QString m_fileName;
     qint64 m_stamp = 0;           // ms since the epoch; 0 = file absent
     QStringList m_sharedFiles;    // merged set: files in list order
     QList<qint64> m_sharedStamps; // and their stamps when loaded (0 = absent)
     bool m_mergedSet = false;
     quint64 m_generation = 0;
+    bool m_unsaved = false;
     bool m_networked = false;
     std::function<void(clsDbXml&)> m_publisher;
 };

@@ -81,3 +81,10 @@ int clsLayers::SeekLayerIndex(const QString& name) {
     }
     return -1;
 }
+
+int clsLayers::LocalLayerFor(const QString& sharedLayerName) {
+    if (TextEqual(sharedLayerName, m_names[kShared])) {
+        return kShared;
+    }
+    return SeekLayerIndex(sharedLayerName);
+}

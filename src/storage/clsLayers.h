@@ -32,6 +32,10 @@ public:
     // never 0). A name not known yet takes the highest user layer that still
     // has its default name and the table is saved. -1 when no layer is free.
     int SeekLayerIndex(const QString& name);
+    // The local layer for another user's event by the layer name it was
+    // published with: "Shared" is layer 0 everywhere, so it stays the
+    // publishing category on every machine; any other name as SeekLayerIndex.
+    int LocalLayerFor(const QString& sharedLayerName);
 
     // "Shared", "Layer N" or "All Categories".
     static QString DefaultName(int index);

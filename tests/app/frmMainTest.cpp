@@ -23,6 +23,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
+#include <QDir>
 #include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QLineEdit>
@@ -135,6 +136,15 @@ TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
         dialogs.lastText(),
         QStringLiteral("Backup complete. Your files were zipped to the AutoBackups folder in ") +
             AppPaths::HomeFolder());
+
+    // A file where the folder should be: the archive cannot be written.
+    QDir(home.file(QStringLiteral("Autobackups"))).removeRecursively();
+    WriteFileBytes(home.file(QStringLiteral("Autobackups")), "in the way");
+    window->ManualBackup();
+    EXPECT_TRUE(dialogs.lastText().startsWith(
+        QStringLiteral("Backup failed: Unable to create the folder ") +
+        home.file(QStringLiteral("Autobackups"))))
+        << dialogs.lastText().toStdString();
 }
 
 TEST_F(MainWindow, ViewLogOpensTheLogFile) {

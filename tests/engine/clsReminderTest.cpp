@@ -231,8 +231,25 @@ TEST_F(ReminderEngine, AnotherUsersRunFileEventNeverOpensItsFile) {
     EXPECT_TRUE(logged);
 }
 
+// Events without ID codes (hand-made files) get one as they pass on to the
+// expired list; they must leave the event file all the same.
+TEST_F(ReminderEngine, PassedEventsWithoutIdCodesLeaveTheEventFile) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
+    add(QStringLiteral("Parcel"), QStringLiteral("2009-03-04"));
+    add(QStringLiteral("Letter"), QStringLiteral("2009-03-03"))->IDCode.clear();
+    add(QStringLiteral("Card"), QStringLiteral("2009-03-02"))->IDCode.clear();
+    add(QStringLiteral("Later"), QStringLiteral("2009-03-09"));
+    saveAndReload();
+    ShowReminders(services);
+    clsDbXml reread(settings);
+    reread.LoadDB(events.DBFilename());
+    ASSERT_EQ(reread.RecordCount(), 1);
+    EXPECT_EQ(reread.Events().first()->Desc(), QStringLiteral("Later"));
+}
+
 TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
     EventPtr mine = add(QStringLiteral("Mine"), QStringLiteral("2009-03-05"));
+    mine->setOwner(QStringLiteral(" ann ")); // the same user, as publishing compares
     EventPtr bobs = add(QStringLiteral("Bob's"), QStringLiteral("2009-03-05"));
     bobs->setOwner(QStringLiteral("Bob"));
 

@@ -372,6 +372,13 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
         EXPECT_TRUE(Log().CurrentAction().contains(e.Desc()))
             << b.what << ": " << Log().CurrentAction().toStdString();
     }
+    // Running past the last representable day is such a search too.
+    clsEvent late = makeEvent({.type = 0, .weekDays = 2}); // Mondays
+    late.setDesc(QStringLiteral("Past 9999"));
+    late.setDueDate(D(QStringLiteral("9999-12-27")));
+    late.CalcNextAfterDate(D(QStringLiteral("9999-12-28")));
+    EXPECT_EQ(FormatYMD(late.DueDate()), QStringLiteral("9999-12-27"));
+    EXPECT_TRUE(Log().CurrentAction().contains(QStringLiteral("Past 9999")));
 }
 
 TEST(Recurrence, DayCountDateOnAnyDayOfTheMonth) {

@@ -145,9 +145,14 @@ TEST_F(EventFileFormat, RawTextFieldsAreWrittenUnescapedAndCutAtTheirClosingTag)
     auto plain = MakeEvent(QStringLiteral("a"), QStringLiteral("<Tom & Jerry>"));
     auto cut = MakeEvent(QStringLiteral("b"), QStringLiteral("Al</Owner>ice"));
     plain->Email = QStringLiteral("\u00c5sa@x");
+    // A character outside the code page's plane is one "?", raw or escaped.
+    plain->Filename = QString::fromUtf16(u"x\U0001F600y");
+    cut->ShareNames = QString::fromUtf16(u"\U0001F600\r\n");
     const QByteArray bytes = SaveBytes({plain, cut});
     EXPECT_TRUE(bytes.contains("<Owner><Tom & Jerry></Owner>"));
     EXPECT_TRUE(bytes.contains("<Email>\xC5sa@x</Email>"));
+    EXPECT_TRUE(bytes.contains("<Filename>x?y</Filename>"));
+    EXPECT_TRUE(bytes.contains("<ShareNames>%3F%0D%0A</ShareNames>"));
 
     const QList<EventPtr> back = LoadBytes(bytes);
     ASSERT_EQ(back.size(), 2);

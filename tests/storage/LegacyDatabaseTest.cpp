@@ -100,32 +100,37 @@ TEST(LegacyRecordReading, AnyNonZeroBooleanIsTrue) {
     EXPECT_FALSE(clsDB2::TransferTypeToObject(LegacyRecord().bytes())->Recurring());
 }
 
-TEST(LegacyRecordReading, DamagedDateIsLoggedAndTheRestIsRead) {
-    LegacyRecord r = FullRecord();
-    r.dueDate = std::numeric_limits<double>::quiet_NaN();
-    r.startDate = 1e300;
-    const qsizetype before = Log().pendingActions().size();
-    const EventPtr e = clsDB2::TransferTypeToObject(r.bytes());
-    EXPECT_EQ(e->DueDate(), 0);
-    EXPECT_EQ(e->StartDate(), 0);
-    EXPECT_EQ(e->Desc(), QStringLiteral("Dentist 10:30, caf\u00e9 <&> %"));
-    EXPECT_EQ(e->AlarmTime(), D("1899-12-30 10:15"));
-    const QStringList logged = Log().pendingActions().mid(before);
-    ASSERT_EQ(logged.size(), 2);
-    EXPECT_TRUE(logged[0].startsWith(QStringLiteral("Overflow (6) in TransferTypeToObject")));
-    EXPECT_TRUE(logged[0].endsWith(QStringLiteral("of module clsDB2")));
-}
-
-TEST(LegacyRecordReading, ShortRecordReadsAsFarAsItGoes) {
-    // Cut inside the Owner field: what precedes it is read, the rest is empty.
-    const QByteArray cut = FullRecord().bytes().left(280);
-    const EventPtr e = clsDB2::TransferTypeToObject(cut);
-    EXPECT_EQ(e->IDCode, QStringLiteral("123456"));
-    EXPECT_EQ(e->Layer(), 19);
-    EXPECT_EQ(e->Owner(), QStringLiteral("Ann"));
-    EXPECT_FALSE(e->SharedEvent);
-    EXPECT_TRUE(e->Filename.isEmpty());
-    EXPECT_TRUE(e->Email.isEmpty());
+// A date outside years 100 to 9999 is damage: logged, read as 0, and the
+// rest of the record is read all the same.
+TEST(LegacyRecordReading, DatesOfYears100To9999AreReadOthersAreDamage) {
+    const struct {
+        double value;
+        bool read;
+    } cases[] = {
+        {-657434.5, true},  // 0100-01-01 12:00: the fraction counts away from zero
+        {-657434.0, true},  // 0100-01-01
+        {2958465.99, true}, // 9999-12-31 23:45
+        {-657435.0, false}, // 0099-12-31
+        {2958466.0, false}, // 10000-01-01
+        {1e300, false},     {std::numeric_limits<double>::quiet_NaN(), false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.value);
+        LegacyRecord r = FullRecord();
+        r.alarmTime = c.value;
+        const qsizetype before = Log().pendingActions().size();
+        const EventPtr e = clsDB2::TransferTypeToObject(r.bytes());
+        EXPECT_EQ(e->AlarmTime(), c.read ? c.value : 0.0);
+        EXPECT_EQ(e->Desc(), QStringLiteral("Dentist 10:30, caf\u00e9 <&> %"))
+            << "the rest is read";
+        const QStringList logged = Log().pendingActions().mid(before);
+        EXPECT_EQ(logged.size(), c.read ? 0 : 1);
+        if (!c.read) {
+            EXPECT_EQ(
+                logged.first(),
+                QStringLiteral("Overflow (6) in TransferTypeToObject AlarmTime of module clsDB2"));
+        }
+    }
 }
 
 // A data folder in the home folder with the settings, layers and sound
@@ -165,27 +170,17 @@ protected:
     ScriptedDialogs dialogs;
 };
 
-TEST_F(LegacyDatabaseTest, RecordCountIsTheLengthOver498Rounded) {
-    struct Case {
-        qsizetype extraBytes;
-        int expected;
-    };
-    // Two whole records plus a tail: a tail under half a record is dropped,
-    // exactly half rounds to the even count, more reads as a third record.
-    const Case cases[] = {{0, 2}, {1, 2}, {248, 2}, {249, 2}, {250, 3}, {497, 3}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.extraBytes);
-        LegacyRecord third = Rec("333333", "third");
+TEST_F(LegacyDatabaseTest, OnlyWholeRecordsAreReadAndTheRestIsLogged) {
+    for (const qsizetype extraBytes : {0, 1, 249, 250, 497}) {
+        SCOPED_TRACE(extraBytes);
         WriteDat(QStringLiteral("events.dat"), {Rec("111111", "one"), Rec("222222", "two")},
-                 third.bytes().left(c.extraBytes));
+                 Rec("333333", "third").bytes().left(extraBytes));
         db.LoadDB(home.file(QStringLiteral("events.dat")));
-        EXPECT_EQ(db.RecordCount(), c.expected);
+        EXPECT_EQ(Ids(db.Events()),
+                  QStringList({QStringLiteral("111111"), QStringLiteral("222222")}));
+        EXPECT_EQ(Logged(QString::number(extraBytes) + QStringLiteral(" bytes left over")),
+                  extraBytes != 0);
     }
-    // 747 bytes: one and a half records round up to two.
-    WriteDat(QStringLiteral("events.dat"), {Rec("111111", "one")},
-             Rec("222222", "two").bytes().left(249));
-    db.LoadDB(home.file(QStringLiteral("events.dat")));
-    EXPECT_EQ(Ids(db.Events()), QStringList({QStringLiteral("111111"), QStringLiteral("222222")}));
 }
 
 TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundAndSkipsDeleted) {

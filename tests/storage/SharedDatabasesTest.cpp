@@ -109,13 +109,12 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     EXPECT_TRUE(log.contains(carlFile + QStringLiteral(" not found. Setting null refresh date.")));
     EXPECT_TRUE(log.contains(QStringLiteral("Setting Database filename to Shared_Ann.xml")));
 
-    // Bob's layer names are new to Ann: each takes her highest free slot.
+    // Bob's layer name "Work" is new to Ann: it takes her highest free slot.
     const EventPtr work = set.Events().at(1);
     EXPECT_EQ(ann.layers.Layer(work->Layer()), QStringLiteral("Work"));
     EXPECT_EQ(ann.settings.sGet(QStringLiteral("Layer") + QString::number(work->Layer())).toText(),
               QStringLiteral("Work"));
-    EXPECT_EQ(ann.layers.Layer(set.Events().at(0)->Layer()), QStringLiteral("Shared"));
-    EXPECT_NE(set.Events().at(0)->Layer(), 0);
+    EXPECT_EQ(set.Events().at(0)->Layer(), 0) << "\"Shared\" is layer 0 on every machine";
 
     // Carl's missing file is watched: the set changes once it appears.
     EXPECT_FALSE(set.DatabaseChanged());
@@ -145,7 +144,6 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     const EventPtr notHers = ann.Add(QStringLiteral("not hers"), 0, true);
     notHers->setOwner(QStringLiteral("Bob"));
     ann.Add(QStringLiteral("ann private"), 1, false);
-    ann.Add(QStringLiteral("ann for Carl"), 2, true, QStringLiteral("Carl"));
     ann.local->SaveDB();
 
     EXPECT_EQ(flagged->SharedLayerName, QStringLiteral("Layer 3"));
@@ -155,19 +153,12 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     for (const EventPtr& e : published.Events()) {
         descs << e->Desc();
     }
-    EXPECT_EQ(descs, (QStringList{"ann layer zero", "ann flagged", "ann for Carl"}));
+    EXPECT_EQ(descs, (QStringList{"ann layer zero", "ann flagged"}));
     EXPECT_EQ(ReadFileBytes(bobFile), bobBefore);
     EXPECT_EQ(ReadFileBytes(carlFile), carlBefore);
     EXPECT_EQ(QFileInfo(bobFile).lastModified(), bobTime);
     EXPECT_EQ(ann.SharedDescs(), (QStringList{"bob to all", "bob work for Ann", "carl to all"}))
         << "publishing ends by reloading the merged set";
-
-    // Bob sees Ann's and Carl's shared events, but not the one for Carl only.
-    bob.shared->ReloadSharedSet();
-    EXPECT_EQ(bob.SharedDescs(), (QStringList{"ann layer zero", "ann flagged", "carl to all"}));
-    carl.shared->ReloadSharedSet();
-    EXPECT_EQ(carl.SharedDescs(),
-              (QStringList{"ann layer zero", "ann flagged", "ann for Carl", "bob to all"}));
 }
 
 TEST_F(SharedFolder, AMissingUserListGivesAnEmptySetAndTheMergedSetIsNeverSaved) {
@@ -180,9 +171,13 @@ TEST_F(SharedFolder, AMissingUserListGivesAnEmptySetAndTheMergedSetIsNeverSaved)
     EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
 }
 
-TEST_F(SharedFolder, AnOwnerNameThatCouldLeaveTheFolderPublishesNothing) {
-    for (const QString& owner : {QStringLiteral("../Ann"), QStringLiteral("a\\b"),
-                                 QStringLiteral("x:y"), QStringLiteral("  ")}) {
+TEST_F(SharedFolder, AnOwnerNameTheOptionsRefusePublishesNothing) {
+    // The options' own rule: separators, characters a file name or the code
+    // page cannot hold, control characters, the reserved names.
+    for (const QString& owner :
+         {QStringLiteral("../Ann"), QStringLiteral("a\\b"), QStringLiteral("x:y"),
+          QStringLiteral("  "), QStringLiteral("x\u007f"), QStringLiteral("\u0141ukasz"),
+          QStringLiteral("Not Set")}) {
         User user(owner, folder, home.path());
         user.Add(QStringLiteral("layer zero"), 0, false);
         user.local->SaveDB();

@@ -16,6 +16,8 @@ class StorageTest : public ::testing::Test {
 protected:
     StorageTest() : layers(settings) {
         settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
+        // An empty buffer, so a test's own lines are not flushed away early.
+        Log().WriteActionsToLog();
         m_logStart = Log().pendingActions().size();
     }
 

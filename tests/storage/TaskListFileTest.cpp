@@ -1,6 +1,7 @@
 // The task list file: its exact bytes, raw texts, and the one-time move from
 // the old plain-text file.
 #include "storage/TaskListFile.h"
+#include "support/RecordedErrorReports.h"
 #include "support/TestSupport.h"
 
 #include <QFileInfo>
@@ -76,12 +77,19 @@ TEST(TaskListFile, XmlWinsWhenBothFilesExist) {
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("tasklist.dat")))) << "left alone";
 }
 
-TEST(TaskListFile, ReadOnlyFileKeepsItsTasks) {
+TEST(TaskListFile, ReadOnlyFileIsMadeWritableAndAFailureIsToldOnce) {
     TempHome home;
+    RecordedErrorReports reports;
     TaskListFile file(home.path());
-    ASSERT_TRUE(file.Save({QStringLiteral("keep me")}));
+    ASSERT_TRUE(file.Save({QStringLiteral("old")}));
     QFile(file.XmlPath()).setPermissions(QFileDevice::ReadOwner);
-    EXPECT_FALSE(file.Save({QStringLiteral("lost")}));
-    EXPECT_EQ(file.Load(), QStringList{QStringLiteral("keep me")});
-    QFile(file.XmlPath()).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    EXPECT_TRUE(file.Save({QStringLiteral("new")}));
+    EXPECT_EQ(file.Load(), QStringList{QStringLiteral("new")});
+
+    TaskListFile gone(home.file(QStringLiteral("gone")));
+    EXPECT_FALSE(gone.Save({QStringLiteral("a")}));
+    EXPECT_FALSE(gone.Save({QStringLiteral("a"), QStringLiteral("b")}));
+    ASSERT_EQ(reports.texts().size(), 1);
+    EXPECT_TRUE(
+        reports.texts().first().startsWith(QStringLiteral("Unable to save ") + gone.XmlPath()));
 }

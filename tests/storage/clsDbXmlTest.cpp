@@ -2,7 +2,11 @@
 // detection, read-only and interrupted saves, owner maintenance.
 #include "StorageFixture.h"
 
+#include "shared/SaveFailures.h"
+#include "storage/DataFiles.h"
+#include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
+#include "support/RecordedErrorReports.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -90,17 +94,6 @@ TEST_F(DbXml, CodesStayUniqueAcrossManyStoresDeletedRecordsIncluded) {
     EXPECT_EQ(db.RecordCount(), 5000);
 }
 
-TEST_F(DbXml, ABlockWithoutCodeGetsOneWhenStored) {
-    ASSERT_TRUE(
-        WriteFileBytes(path(), Header() + "<TVO2><EVENT><Desc>x</Desc></EVENT></TVO2>\r\n"));
-    db.LoadDB(path());
-    ASSERT_EQ(db.RecordCount(), 1);
-    const EventPtr e = db.Events().first();
-    EXPECT_TRUE(e->IDCode.isEmpty());
-    db.StoreRecord(e);
-    EXPECT_EQ(e->IDCode.size(), 6);
-}
-
 TEST_F(DbXml, DeleteRecordMarksSavesAndKeepsTheObjectUntilTheNextLoad) {
     const auto a = MakeEvent(QStringLiteral("A"));
     const auto b = MakeEvent(QStringLiteral("B"));
@@ -115,17 +108,6 @@ TEST_F(DbXml, DeleteRecordMarksSavesAndKeepsTheObjectUntilTheNextLoad) {
     db.LoadDB(path());
     EXPECT_EQ(db.RecordCount(), 1);
     EXPECT_FALSE(db.ReadEvent(a->IDCode));
-}
-
-TEST_F(DbXml, ReadEventHandsOutTheListsOwnObject) {
-    const auto a = MakeEvent(QStringLiteral("A"));
-    db.StoreRecord(a);
-    db.SaveDB();
-    db.LoadDB(path());
-    const EventPtr first = db.ReadEvent(a->IDCode);
-    ASSERT_TRUE(first);
-    first->setDesc(QStringLiteral("changed in place"));
-    EXPECT_EQ(db.ReadEvent(a->IDCode)->Desc(), QStringLiteral("changed in place"));
 }
 
 TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
@@ -160,18 +142,48 @@ TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
     EXPECT_EQ(db.RecordCount(), 1);
 }
 
-TEST_F(DbXml, AReadOnlyFileIsLoggedAndLeftAsItWas) {
+TEST_F(DbXml, AReadOnlyFileIsMadeWritableAndSaved) {
     db.StoreRecord(MakeEvent(QStringLiteral("old")));
     db.SaveDB();
-    const QByteArray before = ReadFileBytes(path());
     ASSERT_TRUE(QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::ReadUser));
-
     db.StoreRecord(MakeEvent(QStringLiteral("new")));
     db.SaveDB();
-    EXPECT_EQ(ReadFileBytes(path()), before);
-    EXPECT_TRUE(Logged(QStringLiteral("Output file readonly. Unable to write events.")));
-    EXPECT_FALSE(db.DatabaseChanged());
-    QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    EXPECT_EQ(DescsInFile(), (QStringList{"old", "new"}));
+    EXPECT_FALSE(db.HasUnsavedChanges());
+}
+
+// A file that cannot be written (here: its folder is gone) is told once; the
+// events stay in memory and reach the file once it can be written again.
+TEST_F(DbXml, AFailedSaveIsToldOnceAndTheEventsWaitForTheNextSave) {
+    RecordedErrorReports reports;
+    const QString folder = home.file(QStringLiteral("data"));
+    const QString file = QDir(folder).filePath(QStringLiteral("Events.xml"));
+    db.SetDBFilename(file);
+    db.StoreRecord(MakeEvent(QStringLiteral("first")));
+    db.SaveDB();
+    db.StoreRecord(MakeEvent(QStringLiteral("second")));
+    db.SaveDB();
+    EXPECT_TRUE(db.HasUnsavedChanges());
+    ASSERT_EQ(reports.texts(), QStringList{QStringLiteral("Unable to save ") + file +
+                                           QStringLiteral(": Path not found.")});
+    EXPECT_EQ(reports.secondTexts().first(), SaveFailures::AdviceText());
+    // Reloading the databases (after the options) keeps what is not saved.
+    settings.sSet(QStringLiteral("DataPath"), SettingValue(folder));
+    clsDbXml expired(settings, &layers);
+    SharedDatabases shared(settings, layers);
+    DataFiles::LoadDatabases(settings, db, expired, shared);
+    EXPECT_EQ(db.RecordCount(), 2);
+
+    ASSERT_TRUE(QDir().mkpath(folder));
+    db.SaveDB();
+    EXPECT_FALSE(db.HasUnsavedChanges());
+    clsDbXml reread(settings);
+    reread.LoadDB(file);
+    EXPECT_EQ(reread.RecordCount(), 2);
+
+    QDir(folder).removeRecursively(); // fails again: told again
+    db.SaveDB();
+    EXPECT_EQ(reports.texts().size(), 2);
 }
 
 #ifdef Q_OS_UNIX

@@ -2,6 +2,7 @@
 
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
+#include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
 
 clsOptions2::clsOptions2(cSHAREDSettings& settings, QString settingsFile, QString localEventFile)
@@ -29,8 +30,7 @@ QString clsOptions2::DefaultAlarmFile() {
 
 void clsOptions2::LoadOptions() {
     m_settings.LoadSettings(m_settingsFile);
-    const QString dataFolder =
-        m_settings.sGet(QStringLiteral("Datapath"), AppPaths::HomeFolder()).toText();
+    const QString dataFolder = DataFiles::DataFolder(m_settings);
     const QString localFolder =
         m_localEventFile.isEmpty() ? dataFolder : FolderPart(m_localEventFile);
     m_owner = m_settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText();
@@ -51,6 +51,6 @@ bool clsOptions2::SaveOptions() {
     m_settings.sSet(QStringLiteral("Networked"), m_networked);
     m_settings.sSet(QStringLiteral("WavFile"), m_wavFile);
     m_settings.sSet(QStringLiteral("NoSounds"), m_noSounds);
-    m_settings.sSet(QStringLiteral("DataPath"), m_datapath);
+    m_settings.sSet(QStringLiteral("DataPath"), DataFiles::DataPathValue(m_datapath));
     return m_settings.SaveSettings(m_settingsFile);
 }

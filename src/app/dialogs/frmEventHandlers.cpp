@@ -5,9 +5,9 @@
 #include "app/dialogs/frmEvent.h"
 #include "app/dialogs/frmEventWidgets.h"
 #include "engine/OccurrencePreview.h"
-#include "shared/AppPaths.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "storage/DataFiles.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -63,9 +63,8 @@ void frmEvent::cmdPickWav_Click() {
     const QString current = lblWavFile->text();
     const std::optional<QString> file = m_context.dialogs.ChooseOpenFile(
         S("Choose a sound for this event"),
-        current.isEmpty()
-            ? m_context.settings.sGet(QStringLiteral("DataPath"), AppPaths::HomeFolder()).toText()
-            : QFileInfo(current).absolutePath(),
+        current.isEmpty() ? DataFiles::DataFolder(m_context.settings)
+                          : QFileInfo(current).absolutePath(),
         S("WAV files (*.wav)|*.wav"));
     if (file && !file->isEmpty()) {
         lblWavFile->setText(*file);
@@ -85,9 +84,8 @@ void frmEvent::cmdPickFile_Click() {
     const QString current = lblExecFile->text();
     const std::optional<QString> file = m_context.dialogs.ChooseOpenFile(
         S("Choose the file to open"),
-        current.isEmpty()
-            ? m_context.settings.sGet(QStringLiteral("DataPath"), AppPaths::HomeFolder()).toText()
-            : QFileInfo(current).absolutePath(),
+        current.isEmpty() ? DataFiles::DataFolder(m_context.settings)
+                          : QFileInfo(current).absolutePath(),
         S("All files (*.*)|*.*"));
     if (file && !file->isEmpty()) {
         lblExecFile->setText(*file);

@@ -3,11 +3,11 @@
 #include "app/AppContext.h"
 #include "app/dialogs/PagePrinter.h"
 #include "app/dialogs/QtPrintSetup.h"
-#include "shared/AppPaths.h"
 #include "shared/RuntimeError.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "storage/DataFiles.h"
 #include "storage/MonthViewEvents.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
@@ -245,13 +245,7 @@ void frmMonthView::LoadMonth(int layer) {
         setUpdatesEnabled(false);
         QString eventsFile = m_context.events.DBFilename();
         if (eventsFile.isEmpty()) {
-            QString folder =
-                m_context.settings.sGet(QStringLiteral("DataPath"), SettingValue(QString()))
-                    .toText();
-            if (folder.trimmed().isEmpty()) {
-                folder = AppPaths::HomeFolder();
-            }
-            eventsFile = AppPaths::JoinPath(folder, QStringLiteral("Events.xml"));
+            eventsFile = DataFiles::EventsFile(m_context.settings);
         }
         MonthViewEvents source(m_context.settings, &m_context.layers);
         source.Load(eventsFile);

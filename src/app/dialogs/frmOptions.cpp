@@ -5,10 +5,10 @@
 #include "app/platform/Autostart.h"
 #include "shared/AppPaths.h"
 #include "shared/OwnerId.h"
-#include "shared/TextEqual.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
@@ -280,8 +280,7 @@ void frmOptions::buildControls() {
 
 void frmOptions::Form_Load() {
     const cSHAREDSettings& settings = m_context.settings;
-    const QString home = AppPaths::HomeFolder();
-    const QString dataPath = settings.sGet(QStringLiteral("DataPath"), home).toText();
+    const QString dataPath = DataFiles::DataFolder(settings);
     const QString localFile = m_context.events.DBFilename();
     const QString localFolder =
         localFile.isEmpty() ? dataPath : QFileInfo(localFile).absolutePath();
@@ -462,7 +461,7 @@ void frmOptions::cmdSave_Click() {
     if (dataPath.size() > 1 && endsWithSeparator(dataPath)) {
         dataPath.chop(1);
     }
-    settings.sSet(QStringLiteral("DataPath"), dataPath);
+    settings.sSet(QStringLiteral("DataPath"), DataFiles::DataPathValue(dataPath));
     settings.sSet(QStringLiteral("WavFile"), txtAlarmWav->text());
     settings.sSet(QStringLiteral("NoSounds"), chkNoSound->isChecked());
     settings.SaveSettings(m_context.settingsFile);
@@ -501,7 +500,7 @@ void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked) {
             db->RenameOwner(QStringLiteral("Single"), newOwner);
         }
     }
-    if (!TextEqual(oldOwner, newOwner) && OwnerId::Problem(oldOwner).isEmpty()) {
+    if (!OwnerId::Same(oldOwner, newOwner) && OwnerId::Problem(oldOwner).isEmpty()) {
         const QString oldFile =
             AppPaths::JoinPath(settings.sGet(QStringLiteral("SharedDataPath"), QString()).toText(),
                                SharedDatabases::SharedFileName(oldOwner.trimmed()));

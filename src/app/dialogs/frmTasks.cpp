@@ -8,10 +8,12 @@
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 
+#include "storage/DataFiles.h"
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QListView>
 #include <QPrinter>
+
 #include <QPushButton>
 #include <QStringListModel>
 #include <QVBoxLayout>
@@ -20,14 +22,11 @@ namespace {
 
 const QString kModule = QStringLiteral("frmTasks");
 
-QString DataFolder(const cSHAREDSettings& settings) {
-    return settings.sGet(QStringLiteral("Datapath"), SettingValue(QString())).toText();
-}
-
 } // namespace
 
 frmTasks::frmTasks(cSHAREDSettings& settings, UserDialogs& dialogs, QWidget* parent)
-    : QDialog(parent), m_settings(settings), m_dialogs(dialogs), m_file(DataFolder(settings)) {
+    : QDialog(parent), m_settings(settings), m_dialogs(dialogs),
+      m_file(DataFiles::DataFolder(settings)) {
     setObjectName(QStringLiteral("frmTasks"));
     setWindowTitle(QStringLiteral("Task List"));
     setSizeGripEnabled(true);

@@ -201,8 +201,8 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
     EXPECT_EQ(saved.count(), 1);
     cSHAREDSettings reread;
     reread.LoadSettings(context.settingsFile);
-    EXPECT_EQ(reread.sGet(QStringLiteral("Datapath")).toText(), data)
-        << "stored without the separator";
+    EXPECT_EQ(reread.sGet(QStringLiteral("Datapath")).toText(), QStringLiteral("data"))
+        << "stored relative to the home folder, without the separator";
     EXPECT_EQ(reread.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
     EXPECT_EQ(reread.sGet(QStringLiteral("DateStyle")).toInt(), 2);
     EXPECT_FALSE(reread.sGet(QStringLiteral("Networked")).toBool());

@@ -10,6 +10,7 @@
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
+#include "storage/EventFileSnapshot.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
@@ -104,14 +105,13 @@ int agenda(const QStringList& positional) {
     // Only the events file (and in networked mode the shared ones) is read:
     // no expired list, no backup, no log.
     const bool networked = DataFiles::Networked(home.settings);
-    home.events.setNetworked(networked);
-    home.events.LoadDB(DataFiles::EventsFile(home.settings));
-    QList<EventPtr> events = home.events.Events();
+    const DateValue today = TodayDate();
+    QList<EventPtr> events = EventFileSnapshot::Read(
+        DataFiles::EventsFile(home.settings), home.events.CurrentOwner(), networked, today + days);
     if (networked) {
         home.shared.ReloadSharedSet();
         events.append(home.shared.SharedSet().Events());
     }
-    const DateValue today = TodayDate();
     const QStringList lines =
         CommandLineWork::Agenda(events, home.layers, today, days, home.DateStyle());
     if (lines.isEmpty()) {

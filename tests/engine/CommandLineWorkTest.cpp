@@ -66,18 +66,11 @@ TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
             EXPECT_EQ(eventsFile(), before) << c.message;
         }
     }
-    const CommandResult unknown = CommandLineWork::Add(
-        {QStringLiteral("x"), QStringLiteral("2030-06-05"), {}, QStringLiteral("Nope")}, store,
-        TodayDate());
-    EXPECT_EQ(unknown.exitCode, 1);
-    EXPECT_TRUE(unknown.message.startsWith(QStringLiteral("Unknown category \"Nope\"")));
-
     ASSERT_EQ(events.RecordCount(), 2);
     const clsEvent& dentist = *events.Events().first();
     EXPECT_FALSE(dentist.Recurring());
     EXPECT_EQ(dentist.DueDate(), D(QStringLiteral("2030-06-03")));
     EXPECT_EQ(dentist.Layer(), 3);
-    EXPECT_EQ(dentist.Owner(), QStringLiteral("Ann"));
     EXPECT_EQ(dentist.MinutesWarning(), 30); // the editor's default warning
     EXPECT_TRUE(eventsFile().contains("<Desc>Bills</Desc>"));
 }

@@ -117,14 +117,6 @@ QList<DateValue> libicalDates(icalcomponent* v, DateValue first, DateValue last)
     return out;
 }
 
-QString dates(const QList<DateValue>& list) {
-    QStringList out;
-    for (DateValue d : list.mid(0, 12)) {
-        out << FormatYMD(d);
-    }
-    return out.join(QLatin1Char(' ')) + (list.size() > 12 ? QStringLiteral(" ...") : QString());
-}
-
 QByteArray veventText(icalcomponent* v) {
     char* s = icalcomponent_as_ical_string_r(v);
     QByteArray out(s);
@@ -132,10 +124,10 @@ QByteArray veventText(icalcomponent* v) {
     return out;
 }
 
-QByteArray recordBytes(const clsEvent& e) {
+QString recordText(const clsEvent& e) {
     QByteArray out;
     EventXmlCodec::AppendBlock(out, e);
-    return out;
+    return QString::fromLatin1(out);
 }
 
 } // namespace
@@ -151,9 +143,8 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
             const IcalComponent v = ToVEvent(*event, QStringLiteral("Work"), {false});
             const QList<DateValue> got = libicalDates(v.get(), start, last);
             ASSERT_GT(expected.size(), 1) << rule.name << " from " << startText;
-            EXPECT_EQ(dates(got), dates(expected)) << rule.name << " from " << startText << "\n"
-                                                   << veventText(v.get()).constData();
-            EXPECT_EQ(got, expected) << rule.name << " from " << startText;
+            EXPECT_EQ(got, expected) << rule.name << " from " << startText << "\n"
+                                     << veventText(v.get()).constData();
 
             // Read back without Tarvo's own fields: the same dates, and a rule
             // of the same type wherever no extra dates were needed.
@@ -195,19 +186,11 @@ TEST(IcsMapping, TarvoFieldsGiveBackTheSameRecord) {
     timed->PlayWav = true;
     timed->WavFile = QStringLiteral("/home/ann/sounds/bell.wav");
 
-    // A series whose day moves at a short month, and a "Show Once" event.
+    // A series whose day moves at a short month.
     auto shifting = makeEvent(kRules[12], D(QStringLiteral("2031-01-31")));
     shifting->IDCode = QStringLiteral("000001");
-    auto once = std::make_shared<clsEvent>();
-    once->IDCode = QStringLiteral("100000");
-    once->setDesc(QStringLiteral("Once"));
-    once->setRecurrenceType(clsEvent::DayOfMonthType);
-    once->setDayOfMonth(9);
-    once->setMonthNumber(7);
-    once->setDueDate(D(QStringLiteral("2030-07-09")));
-    once->setStartDate(D(QStringLiteral("2030-06-01")));
 
-    for (const EventPtr& e : {timed, shifting, once}) {
+    for (const EventPtr& e : {timed, shifting}) {
         const IcalComponent v = ToVEvent(*e, QStringLiteral("Work, home"), {true});
         // Through the file's text and back.
         const Calendar parsed = ParseCalendar(WriteCalendar([&] {
@@ -221,20 +204,17 @@ TEST(IcsMapping, TarvoFieldsGiveBackTheSameRecord) {
         ASSERT_TRUE(read.event);
         EXPECT_TRUE(read.tarvoFields);
         EXPECT_EQ(read.category, QStringLiteral("Work, home"));
-        EXPECT_EQ(QString::fromLatin1(recordBytes(*read.event)),
-                  QString::fromLatin1(recordBytes(*e)));
+        EXPECT_EQ(recordText(*read.event), recordText(*e));
     }
 }
 
 TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
     FixedClock clock(QStringLiteral("2030-06-01 08:00"));
-    struct Case {
+    struct Case { // type -1: "Show Once"; time "": untimed; minutes, days: of warning
         const char* lines;
-        int32_t type; // -1: "Show Once"
-        const char* due;
-        const char* time;    // "" untimed
-        int16_t minutes;     // of warning
-        int16_t daysWarning; //
+        int32_t type;
+        const char *due, *time;
+        int16_t minutes, daysWarning;
         const char* simplified;
     };
     const Case cases[] = {

@@ -282,6 +282,16 @@ std::optional<DateValue> nextOccurrence(icalcomponent* v, const icalrecurrencety
     };
     if (rule != nullptr) {
         icalrecur_iterator* it = icalrecur_iterator_new(*rule, start);
+        // Without COUNT the iterator may start near today instead of walking
+        // every occurrence since DTSTART (a day early: the zone may differ).
+        const DateValue from = today - 1;
+        if (it != nullptr && rule->count == 0 && DateOnly(localValue(start, zone)) < from) {
+            icaltimetype near = start;
+            near.year = YearOf(from);
+            near.month = MonthOf(from);
+            near.day = DayOf(from);
+            icalrecur_iterator_set_start(it, near);
+        }
         // Bounded: a daily rule needs about 3,650,000 steps for 10,000 years.
         for (int i = 0; it != nullptr && i < 4000000; ++i) {
             const icaltimetype t = icalrecur_iterator_next(it);

@@ -48,6 +48,7 @@ bench: configure
 	@for b in $(BUILD_DIR)/bench/bench_*; do \
 	  [ -x "$$b" ] || continue; echo "== $$b"; "$$b" --benchmark_repetitions=5 --benchmark_report_aggregates_only=true || exit 1; \
 	done
+	@echo "== agenda against remind"; bash bench/agenda_vs_remind.sh $(BUILD_DIR)/tarvo
 
 # Address and undefined-behaviour sanitizers, in a separate build folder.
 sanitize:

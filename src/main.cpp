@@ -1,8 +1,14 @@
-#include "app/Main.h"
+#include "app/CommandLineMain.h"
+#include "app/WindowsLauncher.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 
+// The command line runs here without loading the window libraries; the
+// windows run in tarvo-gui, which replaces this process.
 int main(int argc, char* argv[]) {
-    QApplication app(argc, argv);
-    return Main(app);
+    if (IsCommandLine(argc, argv)) {
+        QCoreApplication app(argc, argv);
+        return RunCommandLine(app);
+    }
+    return LaunchWindows(argc, argv);
 }

@@ -4,7 +4,10 @@
 #include "shared/cSharedLogging.h"
 
 #include <QCryptographicHash>
+#include <QDeadlineTimer>
 #include <QLocalSocket>
+
+#include <algorithm>
 
 namespace SingleInstance {
 
@@ -30,6 +33,24 @@ bool HandOver(const QString& command) {
     socket.waitForReadyRead(2000); // the running copy's acknowledgement
     socket.disconnectFromServer();
     return true;
+}
+
+std::optional<QByteArray> Request(const QByteArray& line, int timeoutMs) {
+    QLocalSocket socket;
+    socket.connectToServer(ServerName());
+    if (!socket.waitForConnected(1000)) {
+        return std::nullopt;
+    }
+    socket.write(line + '\n');
+    socket.waitForBytesWritten(2000);
+    QDeadlineTimer deadline(timeoutMs);
+    while (!socket.canReadLine() && !deadline.hasExpired() &&
+           socket.state() == QLocalSocket::ConnectedState) {
+        socket.waitForReadyRead(static_cast<int>(std::min<qint64>(deadline.remainingTime(), 500)));
+    }
+    const QByteArray reply = socket.canReadLine() ? socket.readLine().trimmed() : QByteArray();
+    socket.disconnectFromServer();
+    return reply;
 }
 
 } // namespace SingleInstance

@@ -1,5 +1,6 @@
 #include "app/frmMain.h"
 
+#include "app/CalendarFileCommands.h"
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
 #include "app/frmRunner.h"
@@ -210,6 +211,16 @@ void frmMain::buildMenus() {
         file->addAction(action(QString::fromLatin1(key)));
     }
     file->addSeparator();
+    item(file, "mnuExportCalendar", QString::fromUtf8(CalendarFileCommands::kExportCaption),
+         [this] { CalendarFileCommands::ExportToCalendar(m_app); });
+    item(file, "mnuImportCalendar", QString::fromUtf8(CalendarFileCommands::kImportCaption),
+         [this] {
+             if (CalendarFileCommands::ImportFromCalendar(m_app)) {
+                 FillCategories();
+                 FillEvents();
+             }
+         });
+    file->addSeparator();
     file->addAction(action(QStringLiteral("exit")));
     buildEditMenu();
     QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
@@ -255,6 +266,12 @@ void frmMain::FormLoad(bool silentStart) {
     m_runner->hide();
     m_runner->Listen();
     connect(m_runner, &frmRunner::commandReceived, this, [this] { Runner_ShowWindow(); });
+    m_runner->setRequestHandler([this](const QByteArray& request) {
+        const QByteArray reply = CalendarFileCommands::HandleRequest(m_app, request);
+        FillCategories();
+        FillEvents();
+        return reply;
+    });
 
     Log().LogEvent(QStringLiteral("Copying layer names into main form"));
     FillCategories();

@@ -1,6 +1,7 @@
 #include "app/frmRunner.h"
 
 #include "app/SingleInstance.h"
+#include "engine/CommandLineWork.h"
 #include "shared/cSharedLogging.h"
 
 #include <QLineEdit>
@@ -45,13 +46,22 @@ void frmRunner::acceptConnection() {
     while (QLocalSocket* socket = m_server->nextPendingConnection()) {
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
+            bool command = false;
             while (socket->canReadLine()) {
-                const QString command = QString::fromUtf8(socket->readLine()).trimmed();
-                if (!command.isEmpty()) {
-                    m_text->setText(command);
+                const QByteArray line = socket->readLine().trimmed();
+                if (m_requests && CommandLineWork::IsRequestLine(line)) {
+                    Log().LogEvent(QStringLiteral("Command passed in: ") +
+                                   CommandLineWork::RequestSummary(line));
+                    socket->write(m_requests(line) + '\n');
+                    socket->flush();
+                } else if (!line.isEmpty()) {
+                    m_text->setText(QString::fromUtf8(line));
+                    command = true;
                 }
             }
-            socket->write("OK\n");
+            if (command) {
+                socket->write("OK\n");
+            }
         });
     }
 }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QByteArray>
 #include <QTimer>
 #include <QWidget>
+
+#include <functional>
 
 class QLineEdit;
 class QLocalServer;
@@ -23,6 +26,12 @@ public:
 
     void TimerRunner_Timer();
 
+    // Work requests from the command line (a JSON line) are answered at once
+    // by handler, whose reply line goes back to the waiting command.
+    void setRequestHandler(std::function<QByteArray(const QByteArray&)> handler) {
+        m_requests = std::move(handler);
+    }
+
     static constexpr const char* kIdle = "RUNNER";
     static constexpr int kIntervalMs = 1000;
 
@@ -36,4 +45,5 @@ private:
     QLineEdit* m_text;
     QTimer m_timer;
     QLocalServer* m_server;
+    std::function<QByteArray(const QByteArray&)> m_requests;
 };

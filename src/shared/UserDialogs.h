@@ -44,6 +44,17 @@ public:
     virtual std::optional<QString> ChooseOpenFile(const QString& title, const QString& startFolder,
                                                   const QString& filter) = 0;
 
+    // Chooses a file to write, starting at startPath (a folder or a proposed
+    // file); filter as for ChooseOpenFile. std::nullopt on cancel, and from
+    // seams that offer no such chooser.
+    virtual std::optional<QString> ChooseSaveFile(const QString& title, const QString& startPath,
+                                                  const QString& filter) {
+        (void)title;
+        (void)startPath;
+        (void)filter;
+        return std::nullopt;
+    }
+
     // Chooses a folder; std::nullopt on cancel.
     virtual std::optional<QString> ChooseFolder(const QString& title,
                                                 const QString& startFolder) = 0;

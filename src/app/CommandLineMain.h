@@ -1,0 +1,17 @@
+#pragma once
+
+class QCoreApplication;
+
+// The command line: tarvo --help, --version, --agenda [DAYS], --export FILE,
+// --import FILE, --add "description" --date DATE [--time HH:MM]
+// [--category NAME]. It runs before any window exists, under a bare
+// QCoreApplication, and never restarts the log. While a copy of Tarvo
+// runs, --add and --import hand their work to it and wait for its answer.
+// Exit codes: 0 done, 1 bad input (one line on stderr), 2 files unreadable.
+
+// Whether the arguments ask for command-line work rather than the windows:
+// any argument starting with "--", or -h / -v.
+bool IsCommandLine(int argc, char** argv);
+
+// Does the work the arguments ask for; returns the exit code.
+int RunCommandLine(QCoreApplication& app);

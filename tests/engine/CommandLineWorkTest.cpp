@@ -1,0 +1,126 @@
+// The command line's work without a process around it: --add through the
+// editor's rules, the agenda's lines, and imports that add everything or
+// change nothing, also when sent as a request line to a running copy.
+#include "engine/CommandLineWork.h"
+#include "engine/CalendarTransfer.h"
+#include "shared/cSHAREDSettings.h"
+#include "storage/clsDbXml.h"
+#include "storage/clsLayers.h"
+#include "support/TestSupport.h"
+
+namespace {
+
+class CommandLineWorkTest : public ::testing::Test {
+protected:
+    CommandLineWorkTest() {
+        settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
+        settings.sSet(QStringLiteral("DateStyle"), 1);
+        layers.setLayer(3, QStringLiteral("Work"));
+        events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
+    }
+
+    QByteArray eventsFile() const { return ReadFileBytes(home.file(QStringLiteral("Events.xml"))); }
+    QString writeCalendar(const QByteArray& vevents) {
+        const QString path = home.file(QStringLiteral("in.ics"));
+        WriteFileBytes(path, "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//x//EN\r\n" + vevents +
+                                 "END:VCALENDAR\r\n");
+        return path;
+    }
+
+    TempHome home;
+    FixedClock clock{QStringLiteral("2030-06-01 08:30")};
+    cSHAREDSettings settings;
+    clsLayers layers{settings};
+    clsDbXml events{settings, &layers};
+    EventStore store{settings, home.file(QStringLiteral("Tvo.ini")), layers, events};
+};
+
+} // namespace
+
+TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
+    using CommandLineWork::AddRequest;
+    const struct {
+        AddRequest request;
+        int code;
+        const char* message;
+    } cases[] = {
+        {{"Dentist", "03/06/2030", "09:30", "work"}, 0, "Added \"Dentist\" on 03/06/2030 09:30."},
+        {{"Bills", "2030-06-05", "", ""}, 0, "Added \"Bills\" on 05/06/2030."},
+        {{"x", "06/31/2030", "", ""},
+         1,
+         "\"06/31/2030\" is not a date: use DD/MM/YYYY or YYYY-MM-DD."},
+        {{"x", "2030-05-31", "", ""}, 1, "The date 31/05/2030 lies in the past."},
+        {{"x", "2030-06-05", "9:30", ""},
+         1,
+         "Please specify a time in the range of 00:00 to 23:59"},
+        {{" ", "2030-06-05", "", ""}, 1, "The description is empty."},
+    };
+    for (const auto& c : cases) {
+        const QByteArray before = eventsFile();
+        // Through the request line, as a running copy receives it.
+        const CommandResult r = CommandLineWork::ReplyResult(CommandLineWork::Perform(
+            CommandLineWork::AddRequestLine(c.request), store, TodayDate()));
+        EXPECT_EQ(r.exitCode, c.code) << c.message;
+        EXPECT_EQ(r.message, QString::fromUtf8(c.message));
+        if (c.code != 0) {
+            EXPECT_EQ(eventsFile(), before) << c.message;
+        }
+    }
+    ASSERT_EQ(events.RecordCount(), 2);
+    const clsEvent& dentist = *events.Events().first();
+    EXPECT_FALSE(dentist.Recurring());
+    EXPECT_EQ(dentist.DueDate(), D(QStringLiteral("2030-06-03")));
+    EXPECT_EQ(dentist.Layer(), 3);
+    EXPECT_EQ(dentist.MinutesWarning(), 30); // the editor's default warning
+    EXPECT_TRUE(eventsFile().contains("<Desc>Bills</Desc>"));
+}
+
+TEST_F(CommandLineWorkTest, AgendaListsEveryOccurrenceInOrder) {
+    auto make = [](const char* desc, const char* due, bool recurring, int type) {
+        auto e = std::make_shared<clsEvent>();
+        e->setDesc(QString::fromLatin1(desc));
+        e->setDueDate(D(QString::fromLatin1(due)));
+        e->setRecurring(recurring);
+        e->setRecurrenceType(type);
+        return e;
+    };
+    auto gym = make("Gym", "2030-05-27", true, clsEvent::DaysOfWeek); // not rolled on yet
+    gym->setWeekDays(2 | 32);                                         // Monday and Friday
+    gym->setLayer(3);
+    auto call = make("Call\r\nMum", "2030-06-03", false, 1);
+    call->setAlarmSet(true);
+    call->setDueTime(TimeSerial(7, 5));
+    const QList<EventPtr> list = {gym, call, make("Later", "2030-06-09", false, 1),
+                                  make("Gone", "2030-05-31", false, 1)};
+    EXPECT_EQ(CommandLineWork::Agenda(list, layers, TodayDate(), 7, 1),
+              (QStringList{QStringLiteral("Mon 03/06/2030        Gym  [Work]"),
+                           QStringLiteral("Mon 03/06/2030 07:05  Call / Mum  [Shared]"),
+                           QStringLiteral("Fri 07/06/2030        Gym  [Work]")}));
+}
+
+TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {
+    const QByteArray good =
+        "BEGIN:VEVENT\r\nUID:1\r\nSUMMARY:Walk\r\nDTSTART;VALUE=DATE:20300610\r\n"
+        "CATEGORIES:Outdoor\r\nEND:VEVENT\r\n"
+        "BEGIN:VEVENT\r\nUID:2\r\nSUMMARY:Old\r\nDTSTART;VALUE=DATE:20200610\r\nEND:VEVENT\r\n";
+    const QByteArray bad = "BEGIN:VEVENT\r\nUID:3\r\nSUMMARY:Run it\r\nDTSTART:20300611T100000\r\n"
+                           "X-TARVO-FILE:C:\\a<b.bat\r\nEND:VEVENT\r\n";
+    const QString both = writeCalendar(good + bad);
+    CommandResult r = CalendarTransfer::Import(both, store, TodayDate());
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_EQ(r.message, QStringLiteral("Nothing imported: the run file of \"Run it\" contains "
+                                        "\"<\", which the event file cannot hold."));
+    EXPECT_FALSE(QFile::exists(home.file(QStringLiteral("Events.xml"))));
+    EXPECT_EQ(layers.Layer(19), QStringLiteral("Layer 19"));
+
+    r = CalendarTransfer::Import(writeCalendar(good), store, TodayDate());
+    EXPECT_EQ(r.exitCode, 0);
+    EXPECT_EQ(r.message, QStringLiteral("Imported 1 event from ") +
+                             home.file(QStringLiteral("in.ics")) +
+                             QStringLiteral(". Skipped 1: 1 in the past."));
+    ASSERT_EQ(events.RecordCount(), 1);
+    EXPECT_EQ(events.Events().first()->Layer(), 19); // a new category took a free layer
+    EXPECT_EQ(events.Events().first()->IDCode.size(), 6);
+    EXPECT_TRUE(eventsFile().contains("<Desc>Walk</Desc>"));
+    EXPECT_TRUE(ReadFileBytes(home.file(QStringLiteral("Tvo.ini"))).contains("LAYER19,Outdoor"));
+}

@@ -2,6 +2,7 @@
 
 #include "model/clsEvent.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "storage/clsSounds.h"
 
 #include <QFileInfo>
@@ -35,14 +36,10 @@ std::optional<int16_t> Int16Of(const QString& text) {
     return static_cast<int16_t>(rounded);
 }
 
-QString qtDateFormat(int dateStyle) {
-    return dateStyle == 1 ? QStringLiteral("dd/MM/yyyy") : QStringLiteral("MM/dd/yyyy");
-}
-
 // Start date and period of an interval tab (types 2, 3 and 5).
 EventEditorOutcome saveInterval(const QString& start, const QString& period, clsEvent& event,
-                                int dateStyle) {
-    const std::optional<DateValue> day = ParseStartDate(start, dateStyle);
+                                cSharedDateSubs& dates) {
+    const std::optional<DateValue> day = ParseStartDate(start, dates);
     if (!day) {
         return fail(kBadStartDate);
     }
@@ -103,24 +100,15 @@ std::optional<double> Number(const QString& text) {
     return value;
 }
 
-QString DateFormatText(int dateStyle) {
-    return dateStyle == 1 ? QStringLiteral("DD/MM/YYYY") : QStringLiteral("MM/DD/YYYY");
-}
-
-QString FormatStartDate(DateValue day, int dateStyle) {
-    return ToQDate(day).toString(qtDateFormat(dateStyle));
-}
-
-std::optional<DateValue> ParseStartDate(const QString& text, int dateStyle) {
-    const QString t = text.trimmed();
-    QDate d = QDate::fromString(t, qtDateFormat(dateStyle));
-    if (!d.isValid()) {
-        d = QDate::fromString(t, Qt::ISODate);
+std::optional<DateValue> ParseStartDate(const QString& text, cSharedDateSubs& dates) {
+    std::optional<DateValue> day = dates.ConvertMyDateVar(text);
+    if (!day) {
+        day = ParseDateValue(text);
     }
-    if (!d.isValid() || d.year() < kMinYear || d.year() > kMaxYear) {
+    if (!day || *day != DateOnly(*day)) {
         return std::nullopt;
     }
-    return FromQDate(d);
+    return day;
 }
 
 QString AlarmAdvice(const QString& time, const QString& minutesWarning) {
@@ -252,7 +240,7 @@ EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& 
     event.setStartDate(TodayDate());
     event.setLayer(static_cast<int16_t>(in.layer));
 
-    const int dateStyle = settings.sGet(QStringLiteral("DateStyle"), 1).toInt16();
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(settings);
     switch (in.recurrenceType) {
     case clsEvent::DaysOfWeek: {
         int mask = 0;
@@ -277,16 +265,16 @@ EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& 
         return {true, {}, {}};
     }
     case clsEvent::EveryXMonths:
-        return saveInterval(in.monthlyStart, in.monthlyPeriod, event, dateStyle);
+        return saveInterval(in.monthlyStart, in.monthlyPeriod, event, dates);
     case clsEvent::Weekly:
-        return saveInterval(in.weeklyStart, in.weeklyPeriod, event, dateStyle);
+        return saveInterval(in.weeklyStart, in.weeklyPeriod, event, dates);
     case clsEvent::NthWeekday:
         event.setDaynumber(static_cast<int16_t>(in.dayNumberIndex + 1));
         event.setDayOfWeek(static_cast<int16_t>(in.dayNameIndex + 1));
         event.setMonthNumber(static_cast<int16_t>(in.monthsIndex));
         return {true, {}, {}};
     case clsEvent::EveryXDays:
-        return saveInterval(in.dailyStart, in.dailyPeriod, event, dateStyle);
+        return saveInterval(in.dailyStart, in.dailyPeriod, event, dates);
     default:
         return {true, {}, {}};
     }

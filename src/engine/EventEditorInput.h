@@ -10,6 +10,7 @@
 
 class clsEvent;
 class cSHAREDSettings;
+class cSharedDateSubs;
 
 // What the event editor's controls hold, as plain values, so that the rules
 // that turn them into an event run (and are tested) without a window. Texts
@@ -88,13 +89,10 @@ std::optional<DateValue> TimeValue(const QString& text);
 // point, sign); empty when the text is not a number.
 std::optional<double> Number(const QString& text);
 
-// "DD/MM/YYYY" when dateStyle is 1, else "MM/DD/YYYY": the start-date
-// labels show this until a date is picked.
-QString DateFormatText(int dateStyle);
-QString FormatStartDate(DateValue day, int dateStyle);
-// A start-date label's text as a day; empty for anything else (the format
-// text included). The editor's own format is tried first, then "YYYY-MM-DD".
-std::optional<DateValue> ParseStartDate(const QString& text, int dateStyle);
+// A start-date label's text as a day, read in the order of the user's date
+// style; "YYYY-MM-DD" is accepted too. Empty for anything else (the format
+// text the label shows before a date is picked included).
+std::optional<DateValue> ParseStartDate(const QString& text, cSharedDateSubs& dates);
 
 // "(Alarm will sound at H:MMam/pm)" for a time box and a warning box, or
 // "" when the time is not valid. The shown time wraps round midnight.

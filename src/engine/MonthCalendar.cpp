@@ -1,5 +1,7 @@
 #include "engine/MonthCalendar.h"
 
+#include "shared/cSharedDateSubs.h"
+
 #include <QLocale>
 
 #include <algorithm>
@@ -98,16 +100,19 @@ void MonthCalendar::Clear() {
 }
 
 QString MonthCalendar::MonthTitle() const {
-    return QLocale().toString(ToQDate(m_first), QStringLiteral("MMMM yyyy"));
+    return cSharedDateSubs::FormatWith(m_first, QStringLiteral("MMMM YYYY"), QLocale());
+}
+
+QString MonthCalendar::DayTitle(int day, const QLocale& locale) const {
+    return cSharedDateSubs::FormatWith(m_first + day - 1, QStringLiteral("DDD"), locale) +
+           QLatin1Char(' ') + QString::number(day);
 }
 
 QString MonthCalendar::EventListText() const {
     const QLocale locale;
     QStringList out{QStringLiteral("Events for ") + MonthTitle()};
     for (int day = 1; day <= m_dayCount; ++day) {
-        const QDate date = ToQDate(m_first + day - 1);
-        out.append(locale.toString(date, QStringLiteral("ddd")) + QLatin1Char(' ') +
-                   QString::number(day) + QLatin1Char('\t') +
+        out.append(DayTitle(day, locale) + QLatin1Char('\t') +
                    m_lines[static_cast<size_t>(day - 1)].join(QStringLiteral("; ")));
     }
     return out.join(QLatin1Char('\n')) + QLatin1Char('\n');

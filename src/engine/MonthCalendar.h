@@ -4,6 +4,7 @@
 #include "shared/DateValue.h"
 
 #include <QList>
+#include <QLocale>
 #include <QString>
 #include <QStringList>
 
@@ -58,6 +59,8 @@ public:
 
     // "MMMM YYYY" in the default locale ("March 2009").
     QString MonthTitle() const;
+    // Day d with its weekday name: "Sun 1".
+    QString DayTitle(int day, const QLocale& locale = QLocale()) const;
     // The month as plain text: "Events for " + title, then per day its
     // weekday name ("Sun"), a blank, the day, a tab and its event lines.
     QString EventListText() const;

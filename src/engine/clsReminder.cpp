@@ -4,6 +4,7 @@
 #include "shared/IFileOpener.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
 #include "storage/clsDbXml.h"
 
@@ -51,6 +52,7 @@ void clsReminder::UpdateAllEvents() {
     clsDbXml& events = m_services.events;
     // Taken once: DeleteRecord only marks, so positions never shift.
     const QList<EventPtr> list = events.Events();
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(m_services.settings);
     for (const EventPtr& e : list) {
         if (e->Deleted) {
             continue; // already gone from the database
@@ -60,13 +62,13 @@ void clsReminder::UpdateAllEvents() {
             continue;
         }
         if (e->Recurring()) {
-            Log().LogEvent(QStringLiteral("Event expired and updated: ") + FormatYMD(e->DueDate()) +
-                           QLatin1Char(' ') + e->Desc());
+            Log().LogEvent(QStringLiteral("Event expired and updated: ") +
+                           dates.ShortFormatDate(e->DueDate()) + QLatin1Char(' ') + e->Desc());
             e->CalcNextDueDate();
             e->CalcDaysLeft();
         } else {
-            Log().LogEvent(QStringLiteral("Event expired and deleted: ") + FormatYMD(e->DueDate()) +
-                           QLatin1Char(' ') + e->Desc());
+            Log().LogEvent(QStringLiteral("Event expired and deleted: ") +
+                           dates.ShortFormatDate(e->DueDate()) + QLatin1Char(' ') + e->Desc());
             // The expired database receives the very object that DeleteRecord
             // then marks deleted, so its save leaves it out: a passed one-off
             // event leaves "Events.xml" without reaching "Expired.xml". Users'

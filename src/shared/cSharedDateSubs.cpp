@@ -1,5 +1,6 @@
 #include "shared/cSharedDateSubs.h"
 
+#include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 
 #include <QRegularExpression>
@@ -24,6 +25,20 @@ QString TwoDigits(int n) {
 cSharedDateSubs::cSharedDateSubs(const QString& probeText, const QLocale& locale)
     : m_probe(probeText.isEmpty() ? SystemProbeText(locale) : probeText), m_locale(locale) {
     Initialise();
+}
+
+cSharedDateSubs& cSharedDateSubs::ForDateStyle(int dateStyle) {
+    // Each made on first use, so the log shows only the styles in use.
+    if (dateStyle == 1) {
+        static cSharedDateSubs dayFirst(QStringLiteral("25/12/2001"));
+        return dayFirst;
+    }
+    static cSharedDateSubs monthFirst(QStringLiteral("12/25/2001"));
+    return monthFirst;
+}
+
+cSharedDateSubs& cSharedDateSubs::ForSettings(const cSHAREDSettings& settings) {
+    return ForDateStyle(settings.sGet(QStringLiteral("DateStyle"), 1).toInt());
 }
 
 QString cSharedDateSubs::SystemProbeText(const QLocale& locale) {
@@ -174,6 +189,9 @@ QString cSharedDateSubs::FormatWith(DateValue date, const QString& format, const
         } else if (at("MM")) {
             out += TwoDigits(afterHours ? time.minute() : day.month());
             i += 2;
+        } else if (at("DDD")) {
+            out += locale.dayName(day.dayOfWeek(), QLocale::ShortFormat);
+            i += 3;
         } else if (at("DD")) {
             out += TwoDigits(day.day());
             i += 2;
@@ -227,6 +245,22 @@ QString cSharedDateSubs::LocalDateFormat() {
 
 QString cSharedDateSubs::ShortFormatDate(DateValue date) {
     return format(date, DateFormatString, "ShortFormatDate");
+}
+
+QString cSharedDateSubs::ShortFormatDateTime(DateValue date) {
+    return format(date, DateFormatString + QStringLiteral(" HH:MM"), "ShortFormatDateTime");
+}
+
+QString cSharedDateSubs::DayMonth(DateValue date) {
+    Initialise();
+    const QDate d = ToQDate(date);
+    if (!d.isValid() || SysDateDayField == SysDateMonthField) {
+        return {};
+    }
+    const QString day = TwoDigits(d.day());
+    const QString month = TwoDigits(d.month());
+    return SysDateDayField < SysDateMonthField ? day + DateSeparator + month
+                                               : month + DateSeparator + day;
 }
 
 std::optional<DateValue> cSharedDateSubs::ConvertMyDateVar(const QString& text) {

@@ -9,13 +9,19 @@
 #include <cstdint>
 #include <optional>
 
+class cSHAREDSettings;
+
 // Shows dates the way the user's system writes them: learns the order of day,
 // month and year and the separator from the system's short-date text of one
 // probe date, 25 December 2001, and builds the format strings from it.
 //
-// Format strings use the traditional letters: YYYY / YY year, MMM month name,
-// MM month number, DD day, HH:MM hours and minutes; other characters are
-// written as they are.
+// Every date the program shows goes through here: the list, the editor, the
+// printouts, the reminder windows and the log use ForSettings, which follows
+// the user's "DateStyle" setting instead of the system.
+//
+// Format strings use the traditional letters: YYYY / YY year, MMMM / MMM month
+// name, MM month number, DDD weekday name, DD day, HH:MM hours and minutes;
+// other characters are written as they are.
 class cSharedDateSubs {
 public:
     // probeText: the short-date text of 25 December 2001 to learn from; empty
@@ -49,6 +55,11 @@ public:
     QString LocalDateFormat();
     // With DateFormatString.
     QString ShortFormatDate(DateValue date);
+    // ShortFormatDate followed by a blank and "HH:MM".
+    QString ShortFormatDateTime(DateValue date);
+    // The short date without its year ("DD/MM", "MM/DD"); built without a
+    // format string, as the event list needs it for every row.
+    QString DayMonth(DateValue date);
     // Reads a date typed in the short-date order with any of the separators
     // "/", "." or "-"; a two-digit year below 30 is 20xx, otherwise 19xx.
     // std::nullopt when the text is not such a date.
@@ -56,6 +67,13 @@ public:
 
     // Runs the initialisation when it has not run yet.
     void Initialise();
+
+    // The formatter for a "DateStyle" value: 1 writes the day before the
+    // month ("DD/MM/YYYY"), any other value the month first ("MM/DD/YYYY").
+    // One instance per style for the life of the process.
+    static cSharedDateSubs& ForDateStyle(int dateStyle);
+    // ForDateStyle of the setting "DateStyle" (default 1).
+    static cSharedDateSubs& ForSettings(const cSHAREDSettings& settings);
 
     // The system's short-date text of 25 December 2001 for locale.
     static QString SystemProbeText(const QLocale& locale = QLocale());

@@ -115,8 +115,8 @@ TEST_F(ReminderEngine, PassedEventsRollForwardOrLeave) {
     EXPECT_EQ(FormatYMD(weekly->DueDate()), QStringLiteral("2009-03-11"));
     EXPECT_EQ(weekly->DaysLeft(), 6);
     const QStringList log = newLogLines();
-    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and updated: 2009-03-04 Team meeting")));
-    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and deleted: 2009-03-04 Parcel")));
+    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and updated: 04/03/2009 Team meeting")));
+    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and deleted: 04/03/2009 Parcel")));
 
     // Both saved: the rolled date is in the file, the one-off is gone from it,
     // and (as users' files always behaved) it is not in "Expired.xml" either.

@@ -1,7 +1,5 @@
 #include "app/dialogs/PagePrinter.h"
 
-#include "shared/DateValue.h"
-
 #include <QFontMetrics>
 #include <QPagedPaintDevice>
 #include <QPrinter>
@@ -62,10 +60,4 @@ QString PrinterNotReadyText(const QPrinter& printer) {
         name = printer.outputFileName();
     }
     return QStringLiteral("Unable to print. ") + name + QStringLiteral(" not ready");
-}
-
-QString PrintedDateText(double day, int dateStyle) {
-    const QDate date = ToQDate(day);
-    return date.toString(dateStyle == 1 ? QStringLiteral("dd/MM/yyyy")
-                                        : QStringLiteral("MM/dd/yyyy"));
 }

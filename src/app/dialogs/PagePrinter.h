@@ -40,7 +40,3 @@ private:
 // "Unable to print. " + name + " not ready", naming the printer (or the PDF
 // file when printing to one).
 QString PrinterNotReadyText(const QPrinter& printer);
-
-// A printout's date: "DD/MM/YYYY" when the setting "DateStyle" is 1,
-// "MM/DD/YYYY" otherwise.
-QString PrintedDateText(double day, int dateStyle);

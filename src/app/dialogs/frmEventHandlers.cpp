@@ -7,6 +7,7 @@
 #include "shared/AppPaths.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -101,11 +102,11 @@ void frmEvent::chkShared_Click() {
 
 void frmEvent::pickStartDate(QLabel* label) {
     const DateValue initial =
-        EventEditorRules::ParseStartDate(label->text(), m_dateStyle).value_or(TodayDate());
+        EventEditorRules::ParseStartDate(label->text(), *m_dates).value_or(TodayDate());
     const std::optional<DateValue> day =
         m_context.dialogs.PickDate(QString::fromLatin1(StartDateLabel::kPrompt), initial);
     if (day) {
-        label->setText(EventEditorRules::FormatStartDate(*day, m_dateStyle));
+        label->setText(m_dates->ShortFormatDate(*day));
     }
 }
 

@@ -7,6 +7,7 @@
 #include "shared/RuntimeError.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
 #include "storage/MonthViewEvents.h"
 #include "storage/clsDbXml.h"
@@ -359,8 +360,7 @@ void frmMonthView::runPrint(bool calendar) {
 }
 
 QString frmMonthView::printedDate() const {
-    return PrintedDateText(
-        TodayDate(), m_context.settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt());
+    return cSharedDateSubs::ForSettings(m_context.settings).ShortFormatDate(TodayDate());
 }
 
 bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
@@ -370,7 +370,6 @@ bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
                         kModule);
         return false;
     }
-    const QLocale locale;
     out.heading(QStringLiteral("Events for ") + m_calendar->MonthTitle());
     out.line(QStringLiteral("Printed ") + printedDate());
     out.gap();
@@ -379,9 +378,7 @@ bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
         if (lines.isEmpty()) {
             continue;
         }
-        const QString dayText =
-            locale.toString(ToQDate(m_calendar->FirstDay() + day - 1), QStringLiteral("ddd")) +
-            QLatin1Char(' ') + QString::number(day);
+        const QString dayText = m_calendar->DayTitle(day);
         for (qsizetype i = 0; i < lines.size(); ++i) {
             out.line((i == 0 ? dayText : QString()) + QLatin1Char('\t') + lines[i]);
         }
@@ -392,8 +389,9 @@ bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
 
 bool frmMonthView::PrintCalendar(QPagedPaintDevice& device) {
     Log().LogEvent(QStringLiteral("Printing calendar"));
-    Log().LogEvent(QStringLiteral("From ") + FormatYMD(m_calendar->FirstDay()) +
-                   QStringLiteral(" to ") + FormatYMD(m_calendar->LastDay()));
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(m_context.settings);
+    Log().LogEvent(QStringLiteral("From ") + dates.ShortFormatDate(m_calendar->FirstDay()) +
+                   QStringLiteral(" to ") + dates.ShortFormatDate(m_calendar->LastDay()));
     QPainter painter;
     if (!painter.begin(&device)) {
         Log().AddAction(QStringLiteral("Printer not ready"), QStringLiteral("cmdPrintCal_Click"),
@@ -410,6 +408,7 @@ bool frmMonthView::PrintCalendar(QPagedPaintDevice& device) {
 
 void frmMonthView::drawCalendarPage(QPainter& painter, const QRect& area, const QString& heading) {
     const MonthCalendar& month = *m_calendar;
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(m_context.settings);
     QFont headingFont(QStringLiteral("Sans Serif"), 16, QFont::Bold);
     QFont dayNameFont(QStringLiteral("Sans Serif"), 10, QFont::Bold);
     QFont numberFont(QStringLiteral("Sans Serif"), 10, QFont::Bold);
@@ -448,7 +447,8 @@ void frmMonthView::drawCalendarPage(QPainter& painter, const QRect& area, const 
     const QFontMetrics lineMetrics(lineFont, painter.device());
     const int numberHeight = QFontMetrics(numberFont, painter.device()).height();
     for (int day = 1; day <= month.DayCount(); ++day) {
-        Log().LogEvent(QStringLiteral("CurrentDate: ") + FormatYMD(month.FirstDay() + day - 1));
+        Log().LogEvent(QStringLiteral("CurrentDate: ") +
+                       dates.ShortFormatDate(month.FirstDay() + day - 1));
         const int box = firstBox + day - 1;
         const QRect cell(area.left() + (box % 7) * columnWidth + pad,
                          gridTop + (box / 7) * rowHeight + pad, columnWidth - 2 * pad,

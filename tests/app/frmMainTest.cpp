@@ -5,6 +5,7 @@
 #include "app/EventListView.h"
 #include "app/StartUp.h"
 #include "app/dialogs/DialogsFixture.h"
+#include "app/dialogs/frmOptions.h"
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSHAREDZipFiles.h"
@@ -26,6 +27,7 @@
 #include <QFileInfo>
 #include <QItemSelectionModel>
 #include <QListWidget>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QToolBar>
 
@@ -327,6 +329,18 @@ TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabaseAndCancelEnds) {
     const QStringList log = LoggedTexts();
     EXPECT_TRUE(log.contains(QStringLiteral("Loading category names")));
     EXPECT_FALSE(log.contains(QStringLiteral("Loading local events")));
+}
+
+TEST_F(MainWindow, FirstStartWithTheDefaultOptionsKeepsAlarmSounds) {
+    StartUp startUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
+    WhenModalAppears([](QWidget* options) {
+        options->findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
+    });
+    ASSERT_TRUE(startUp.Run());
+    EXPECT_FALSE(dialogs.texts().contains(
+        QStringLiteral("Cannot find specified WAV file. Sounds disabled.")));
+    EXPECT_FALSE(settings.sGet(QStringLiteral("NoSounds"), false).toBool());
+    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("alarm.wav"))));
 }
 
 TEST_F(MainWindow, StartUpLogsItsStepsInOrder) {

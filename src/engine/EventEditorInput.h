@@ -49,11 +49,13 @@ struct EventEditorInput {
 };
 
 // The result of a save: either saved, or the message (and its box title;
-// empty = the application's title) that tells the user what to correct.
+// empty = the application's title) that tells the user what to correct, and
+// the control (by name) that holds the entry to correct, if one does.
 struct EventEditorOutcome {
     bool saved = false;
     QString message;
     QString title;
+    QString focus;
 };
 
 // The editor's rules: checking the controls in order and writing them into
@@ -65,6 +67,7 @@ inline constexpr const char* kMaxWarning = "Maximum warning is 60 minutes";
 inline constexpr const char* kBadDayOfMonth = "Please enter a valid day of the month";
 inline constexpr const char* kBadStartDate = "Please enter a valid starting date";
 inline constexpr const char* kBadPeriod = "Please enter a number in the repeat box";
+inline constexpr const char* kNoWeekday = "Please select at least one day of the week";
 inline constexpr const char* kDataError = "An error occurred.  Please check the data fields.";
 inline constexpr const char* kErrorTitle = "Error";
 
@@ -77,7 +80,8 @@ EventEditorOutcome Save(EventEditorInput& input, clsEvent& event, cSHAREDSetting
 // "Time field " + text + " is not valid, please correct".
 QString BadTimeMessage(const QString& text);
 
-// The time box after the editor's tidying: ";" read as ":", blanks trimmed.
+// The time box after the editor's tidying: ";" read as ":", blanks trimmed,
+// a one-digit hour given its leading zero ("9:30" is "09:30").
 QString NormaliseTime(const QString& text);
 // Whether the tidied text passes the range check: "HH:MM", hours 0..23 and
 // minutes 0..59 (each two characters read as a number).

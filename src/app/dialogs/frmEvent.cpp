@@ -214,9 +214,14 @@ bool frmEvent::SaveData() {
     const EventEditorOutcome outcome = EventEditorRules::Save(in, m_event, m_context.settings);
     SetInput(in);
     if (!outcome.saved) {
+        // A refused entry is a warning; a conversion that failed an error.
         m_context.dialogs.Message(outcome.message, outcome.title,
-                                  outcome.title.isEmpty() ? UserDialogs::Icon::Information
+                                  outcome.title.isEmpty() ? UserDialogs::Icon::Warning
                                                           : UserDialogs::Icon::Critical);
+        if (auto* control = findChild<QWidget*>(outcome.focus); control != nullptr) {
+            TabStrip1->setCurrentIndex(m_recurrenceType);
+            control->setFocus();
+        }
     }
     return outcome.saved;
 }

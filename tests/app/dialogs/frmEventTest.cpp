@@ -101,34 +101,44 @@ TEST_F(EventEditor, MonthFirstDateStyleShowsItsFormat) {
     EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("MM/DD/YYYY"));
 }
 
-TEST_F(EventEditor, TimeEntryChecks) {
+TEST_F(EventEditor, RefusedEntriesWarnAndTakeTheFocus) {
     const struct {
-        const char* typed;
-        bool saved;
-        const char* shown;
+        const char* time; // "" = untimed
+        const char* weekday;
+        const char* message;
+        const char* focus;
     } cases[] = {
-        {"9:30", false, "9:30"},   {"09;30", true, "09:30"},   {"24:00", false, "24:00"},
-        {"12:60", false, "12:60"}, {" 09:30 ", true, "09:30"}, {"23:59", true, "23:59"},
+        {"", "", "Please select at least one day of the week", "chkDay1"},
+        {"24:00", "chkDay2", "Please specify a time in the range of 00:00 to 23:59", "txtTime"},
+        {"9:30", "chkDay2", "", ""},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(c.message);
         dialogs.clear();
         event = clsEvent();
         frmEvent& w = open();
+        w.show();
         describe(QStringLiteral("Call"));
-        check("chkTimed")->click();
-        box("txtTime")->setText(QString::fromLatin1(c.typed));
-        save();
-        EXPECT_EQ(w.Saved(), c.saved) << c.typed;
-        EXPECT_EQ(box("txtTime")->text(), QString::fromLatin1(c.shown)) << c.typed;
-        if (c.saved) {
-            EXPECT_EQ(dialogs.count(), 0) << c.typed;
-            EXPECT_EQ(FormatHM(event.DueTime()), QString::fromLatin1(c.shown)) << c.typed;
-        } else {
-            EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral(
-                                           "Please specify a time in the range of 00:00 to 23:59")})
-                << c.typed;
-            EXPECT_FALSE(event.AlarmSet()) << "nothing after the failed check was written";
+        if (*c.time != '\0') {
+            check("chkTimed")->click();
+            box("txtTime")->setText(QString::fromLatin1(c.time));
         }
+        if (*c.weekday != '\0') {
+            check(c.weekday)->click();
+        }
+        save();
+        if (*c.message == '\0') {
+            EXPECT_TRUE(w.Saved());
+            EXPECT_EQ(box("txtTime")->text(), QStringLiteral("09:30")) << "shown back as HH:MM";
+            EXPECT_EQ(FormatHM(event.DueTime()), QStringLiteral("09:30"));
+            continue;
+        }
+        EXPECT_FALSE(w.Saved());
+        ASSERT_EQ(dialogs.count(), 1);
+        EXPECT_EQ(dialogs.lastText(), QString::fromLatin1(c.message));
+        EXPECT_EQ(dialogs.shown().last().icon, UserDialogs::Icon::Warning);
+        EXPECT_EQ(w.focusWidget()->objectName(), QString::fromLatin1(c.focus));
+        EXPECT_EQ(event.WeekDays(), 0) << "nothing is stored";
     }
 }
 
@@ -136,6 +146,7 @@ TEST_F(EventEditor, WarningOfSixtyMinutesIsTheMost) {
     for (const auto& [minutes, ok] : {std::pair{"60", true}, std::pair{"61", false}}) {
         dialogs.clear();
         frmEvent& w = open();
+        check("chkDay1")->click();
         check("chkTimed")->click();
         box("txtTime")->setText(QStringLiteral("08:00"));
         box("txtMinutesWarning")->setText(QString::fromLatin1(minutes));
@@ -225,6 +236,7 @@ TEST_F(EventEditor, StartDatesOpenThePickerFromTheKeyboard) {
 
 TEST_F(EventEditor, NewShowOnceEventIsNotRecurringAndStartsToday) {
     open();
+    check("chkDay1")->click();
     describe(QStringLiteral("Pay the plumber"));
     Control<QRadioButton>(window.get(), "optShowOnce")->click();
     save();
@@ -275,7 +287,7 @@ TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
         original.WavFile = wav;
         original.ExecFile = true;
         original.Filename = QStringLiteral("/data/notes.txt");
-        original.Email = QStringLiteral("fred@example.org");
+        original.Email = QStringLiteral("fred@home.test");
         original.SharedEvent = true;
         original.ShareWithSpecific = true;
         original.ShareNames = QStringLiteral("Bob\r\nAnn\r\n");
@@ -378,6 +390,7 @@ TEST_F(EventEditor, SharingFrameInNetworkedMode) {
     ASSERT_TRUE(
         WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Bob\r\n\r\n  Jim \r\nAnn\r\n"));
     open();
+    check("chkDay1")->click();
     EXPECT_FALSE(Control<QGroupBox>(window.get(), "FrameShared")->isHidden());
     QListWidget* users = list("lstUsers");
     ASSERT_EQ(users->count(), 3);
@@ -397,10 +410,10 @@ TEST_F(EventEditor, SharingFrameInNetworkedMode) {
 }
 
 TEST_F(EventEditor, EmailBoxOffersTheLastAddress) {
-    settings.sSet(QStringLiteral("DefaultEmail"), QStringLiteral("me@example.org"));
+    settings.sSet(QStringLiteral("DefaultEmail"), QStringLiteral("me@home.test"));
     open();
     check("chkEmailTo")->click();
-    EXPECT_EQ(box("txtEmailAlert")->text(), QStringLiteral("me@example.org"));
+    EXPECT_EQ(box("txtEmailAlert")->text(), QStringLiteral("me@home.test"));
 }
 
 TEST_F(EventEditor, BadNumberShowsTheDataFieldsError) {

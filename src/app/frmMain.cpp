@@ -145,7 +145,6 @@ void frmMain::buildToolbar() {
     action(QStringLiteral("addevent"))->setShortcut(QKeySequence::New);
     action(QStringLiteral("deleteevent"))->setShortcut(QKeySequence::Delete);
     action(QStringLiteral("refresh"))->setShortcut(QKeySequence::Refresh);
-    action(QStringLiteral("help"))->setShortcut(QKeySequence::HelpContents);
     action(QStringLiteral("exit"))->setShortcut(QKeySequence::Quit);
     action(QStringLiteral("editevent"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
     action(QStringLiteral("pushevent"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
@@ -179,6 +178,7 @@ void frmMain::buildMenus() {
 
     m_helpMenu = new QMenu(QStringLiteral("HelpMenu"), this);
     m_helpMenu->setObjectName(QStringLiteral("mnuHelpMenu"));
+    // F1 belongs to this item only: the toolbar's Help button opens this menu.
     item(m_helpMenu, "mnuHelp", QStringLiteral("Help"), [this] {
         ShowHelp();
     })->setShortcut(QKeySequence::HelpContents);

@@ -121,6 +121,20 @@ TEST_F(MainWindow, TitleToolbarAndItsTips) {
     EXPECT_EQ(window->findChild<QComboBox*>(QStringLiteral("cmbCategories"))->count(), 21);
 }
 
+TEST_F(MainWindow, EveryShortcutBelongsToOneActionOnly) {
+    open();
+    QHash<QKeySequence, QString> owner;
+    for (const QAction* a : window->findChildren<QAction*>()) {
+        for (const QKeySequence& key : a->shortcuts()) {
+            EXPECT_FALSE(owner.contains(key))
+                << key.toString().toStdString() << " is claimed by "
+                << owner.value(key).toStdString() << " and " << a->objectName().toStdString();
+            owner.insert(key, a->objectName());
+        }
+    }
+    EXPECT_EQ(owner.value(QKeySequence(Qt::Key_F1)), QStringLiteral("mnuHelp"));
+}
+
 TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
     add(events, QStringLiteral("Keep safe"), QStringLiteral("2009-03-10"));
     events.SaveDB();

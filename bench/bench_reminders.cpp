@@ -54,6 +54,9 @@ struct SilentDialogs : UserDialogs {
     std::optional<QString> ChooseOpenFile(const QString&, const QString&, const QString&) override {
         return std::nullopt;
     }
+    std::optional<QString> ChooseSaveFile(const QString&, const QString&, const QString&) override {
+        return std::nullopt;
+    }
     std::optional<QString> ChooseFolder(const QString&, const QString&) override {
         return std::nullopt;
     }

@@ -41,8 +41,8 @@ int Main(QApplication& app) {
         return 0;
     }
 
-    ErrorReportWindowSink errorReports; // errors the user must see open the report window
     QtUserDialogs dialogs;
+    ErrorReportWindowSink errorReports(dialogs); // errors the user must see open the report window
     cSHAREDSettings settings(&dialogs);
     clsLayers layers(settings);
     clsDbXml events(settings, &layers);

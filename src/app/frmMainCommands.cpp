@@ -5,6 +5,7 @@
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
 #include "app/dialogs/EventEditFlow.h"
+#include "app/dialogs/TextViewer.h"
 #include "app/dialogs/frmEditLayers.h"
 #include "app/dialogs/frmMonthView.h"
 #include "app/dialogs/frmOptions.h"
@@ -24,7 +25,6 @@
 #include "storage/clsDbXml.h"
 
 #include <QDir>
-#include <QFile>
 #include <QMenu>
 #include <QToolBar>
 
@@ -130,7 +130,11 @@ void frmMain::ViewBackups() {
     const QString folder =
         AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Autobackups"));
     QDir().mkpath(folder);
-    m_app.opener.OpenDocument(folder);
+    if (!m_app.opener.OpenDocument(folder)) {
+        m_app.dialogs.Message(QStringLiteral("No file manager could be started to show your "
+                                             "backups. They are in this folder:\r\n") +
+                              QDir::toNativeSeparators(folder));
+    }
 }
 
 void frmMain::CheckForUpdate() {
@@ -141,17 +145,7 @@ void frmMain::CheckForUpdate() {
 }
 
 void frmMain::ShowHelp() {
-    // The help page ships inside the program and is opened from the home folder.
-    const QString page = AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("help.html"));
-    QFile::remove(page);
-    if (QFile::copy(QStringLiteral(":/help.html"), page)) {
-        QFile::setPermissions(page, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
-                                        QFile::ReadOther);
-        m_app.opener.OpenDocument(page);
-    } else {
-        Log().AddAction(QStringLiteral("Unable to write ") + page, QStringLiteral("ShowHelp"),
-                        QStringLiteral("frmMain"));
-    }
+    TextViewer::ShowHelp(this);
 }
 
 void frmMain::ShowAbout() {
@@ -162,8 +156,7 @@ void frmMain::ShowAbout() {
 }
 
 void frmMain::ViewLog() {
-    Log().WriteActionsToLog();
-    m_app.opener.OpenDocument(Log().CurrentLogFilename());
+    TextViewer::ShowLog(this);
 }
 
 void frmMain::ReloadDatabases() {

@@ -44,6 +44,11 @@ public:
     virtual std::optional<QString> ChooseOpenFile(const QString& title, const QString& startFolder,
                                                   const QString& filter) = 0;
 
+    // Chooses the name of a file to write, starting at suggestedPath (a folder
+    // or a full name); the filter as for ChooseOpenFile. std::nullopt on cancel.
+    virtual std::optional<QString>
+    ChooseSaveFile(const QString& title, const QString& suggestedPath, const QString& filter) = 0;
+
     // Chooses a folder; std::nullopt on cancel.
     virtual std::optional<QString> ChooseFolder(const QString& title,
                                                 const QString& startFolder) = 0;

@@ -5,6 +5,7 @@
 #include "app/EventListView.h"
 #include "app/StartUp.h"
 #include "app/dialogs/DialogsFixture.h"
+#include "app/dialogs/TextViewer.h"
 #include "app/dialogs/frmOptions.h"
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
@@ -29,6 +30,8 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
+#include <QTextBrowser>
 #include <QToolBar>
 
 namespace {
@@ -148,11 +151,41 @@ TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
             AppPaths::HomeFolder());
 }
 
-TEST_F(MainWindow, ViewLogOpensTheLogFile) {
+TEST_F(MainWindow, LogAndHelpShowInsideTheProgram) {
     open();
+    for (int i = 0; i < 80; ++i) {
+        Log().LogEvent(QStringLiteral("line %1").arg(i));
+    }
+    Log().AddAction(QStringLiteral("the newest line"));
     window->Toolbar1_ButtonClick(QStringLiteral("log"));
-    ASSERT_EQ(opener.opened.size(), 1);
-    EXPECT_EQ(opener.opened.first(), Log().CurrentLogFilename());
+    window->findChild<QAction*>(QStringLiteral("mnuHelp"))->trigger();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(opener.opened.isEmpty()) << "nothing depends on the desktop's openers";
+
+    const TextViewer* log = window->findChild<TextViewer*>(QStringLiteral("frmLog"));
+    ASSERT_TRUE(log != nullptr && log->isVisible());
+    EXPECT_TRUE(
+        log->browser()->toPlainText().trimmed().endsWith(QStringLiteral("the newest line")));
+    const QScrollBar* bar = log->browser()->verticalScrollBar();
+    EXPECT_GT(bar->maximum(), 0);
+    EXPECT_EQ(bar->value(), bar->maximum()) << "the log opens at its end";
+
+    const TextViewer* help = window->findChild<TextViewer*>(QStringLiteral("frmHelp"));
+    ASSERT_TRUE(help != nullptr && help->isVisible());
+    EXPECT_TRUE(help->browser()->toPlainText().contains(QStringLiteral("Reminders and alarms")));
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("help.html"))))
+        << "help writes nothing into the home folder";
+}
+
+TEST_F(MainWindow, ViewBackupsSaysWhereTheyAreWhenNoFileManagerOpens) {
+    open();
+    const QString folder = home.file(QStringLiteral("Autobackups"));
+    window->ViewBackups();
+    EXPECT_EQ(opener.opened, QStringList{folder});
+    EXPECT_EQ(dialogs.count(), 0);
+    opener.accepts = false;
+    window->ViewBackups();
+    EXPECT_TRUE(dialogs.lastText().endsWith(QDir::toNativeSeparators(folder)));
 }
 
 TEST_F(MainWindow, OtherUsersRowsAreGuarded) {

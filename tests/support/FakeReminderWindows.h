@@ -59,9 +59,10 @@ struct FakeReminderWindowFactory : IReminderWindowFactory {
 
 struct FakeFileOpener : IFileOpener {
     QStringList opened;
+    bool accepts = true; // false: a desktop with no program for the file
     bool OpenDocument(const QString& path) override {
         opened << path;
-        return true;
+        return accepts;
     }
 };
 

@@ -18,6 +18,8 @@ const char* KindName(ScriptedDialogs::Kind kind) {
         return "input box";
     case ScriptedDialogs::Kind::OpenFile:
         return "file chooser";
+    case ScriptedDialogs::Kind::SaveFile:
+        return "save-file chooser";
     case ScriptedDialogs::Kind::Folder:
         return "folder chooser";
     case ScriptedDialogs::Kind::Date:
@@ -121,6 +123,17 @@ std::optional<QString> ScriptedDialogs::ChooseOpenFile(const QString& title,
                                                        const QString& filter) {
     m_shown.append({Kind::OpenFile, title, {}, filter, startFolder, Icon::None, false});
     const auto a = take(Kind::OpenFile, {AnswerKind::Text, AnswerKind::Cancel});
+    if (a && a->kind == AnswerKind::Text) {
+        return a->text;
+    }
+    return std::nullopt;
+}
+
+std::optional<QString> ScriptedDialogs::ChooseSaveFile(const QString& title,
+                                                       const QString& suggestedPath,
+                                                       const QString& filter) {
+    m_shown.append({Kind::SaveFile, title, {}, filter, suggestedPath, Icon::None, false});
+    const auto a = take(Kind::SaveFile, {AnswerKind::Text, AnswerKind::Cancel});
     if (a && a->kind == AnswerKind::Text) {
         return a->text;
     }

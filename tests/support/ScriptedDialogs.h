@@ -23,7 +23,7 @@
 // kind for the box at hand (a text for a Yes/No question) fails the test.
 class ScriptedDialogs : public UserDialogs {
 public:
-    enum class Kind { Message, YesNo, RetryCancel, Input, OpenFile, Folder, Date };
+    enum class Kind { Message, YesNo, RetryCancel, Input, OpenFile, SaveFile, Folder, Date };
 
     // One box as it was shown.
     struct Shown {
@@ -31,7 +31,7 @@ public:
         QString text;   // message, question or prompt
         QString title;  // as passed (empty = application title)
         QString extra;  // input default, file filter, or the date picker's start day
-        QString folder; // a chooser's start folder
+        QString folder; // a chooser's start folder (or suggested name)
         Icon icon = Icon::None;
         bool defaultYes = false;
     };
@@ -63,6 +63,8 @@ public:
     std::optional<QString> InputBox(const QString& prompt, const QString& title,
                                     const QString& defaultText) override;
     std::optional<QString> ChooseOpenFile(const QString& title, const QString& startFolder,
+                                          const QString& filter) override;
+    std::optional<QString> ChooseSaveFile(const QString& title, const QString& suggestedPath,
                                           const QString& filter) override;
     std::optional<QString> ChooseFolder(const QString& title, const QString& startFolder) override;
     std::optional<DateValue> PickDate(const QString& prompt, DateValue initial) override;

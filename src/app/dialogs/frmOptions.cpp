@@ -1,6 +1,7 @@
 #include "app/dialogs/frmOptions.h"
 
 #include "app/AppContext.h"
+#include "app/dialogs/TextViewer.h"
 #include "app/dialogs/clsOptions2.h"
 #include "shared/AppPaths.h"
 #include "shared/OwnerId.h"
@@ -15,7 +16,6 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
-#include <QDesktopServices>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -42,9 +42,7 @@ bool endsWithSeparator(const QString& path) {
 
 } // namespace
 
-frmOptions::frmOptions(AppContext& context, QWidget* parent)
-    : QDialog(parent), m_context(context),
-      m_openUrl([](const QUrl& url) { return QDesktopServices::openUrl(url); }) {
+frmOptions::frmOptions(AppContext& context, QWidget* parent) : QDialog(parent), m_context(context) {
     setObjectName(QStringLiteral("frmOptions"));
     setWindowTitle(S("Reminder Options"));
     setModal(true);
@@ -53,10 +51,6 @@ frmOptions::frmOptions(AppContext& context, QWidget* parent)
 }
 
 frmOptions::~frmOptions() = default;
-
-QUrl frmOptions::HomePage() {
-    return QUrl(QStringLiteral("https://tarvo.example.org/"));
-}
 
 void frmOptions::buildControls() {
     // Data folder.
@@ -390,10 +384,8 @@ void frmOptions::cmdPickWav_Click() {
 }
 
 void frmOptions::cmdHomePage_Click() {
-    if (m_openUrl && !m_openUrl(HomePage())) {
-        Log().AddAction(QStringLiteral("Unable to open ") + HomePage().toString(),
-                        QStringLiteral("cmdHomePage_Click"), kModule);
-    }
+    // The program's own page is the "About" section of its built-in help.
+    TextViewer::ShowHelp(this, QStringLiteral("about"));
 }
 
 void frmOptions::cmdSave_Click() {

@@ -85,6 +85,17 @@ std::optional<QString> QtUserDialogs::ChooseOpenFile(const QString& title,
     return QDir::toNativeSeparators(chosen);
 }
 
+std::optional<QString> QtUserDialogs::ChooseSaveFile(const QString& title,
+                                                     const QString& suggestedPath,
+                                                     const QString& filter) {
+    const QString chosen =
+        QFileDialog::getSaveFileName(m_parent, TitleOr(title), suggestedPath, QtFileFilter(filter));
+    if (chosen.isEmpty()) {
+        return std::nullopt;
+    }
+    return QDir::toNativeSeparators(chosen);
+}
+
 std::optional<QString> QtUserDialogs::ChooseFolder(const QString& title,
                                                    const QString& startFolder) {
     const QString chosen = QFileDialog::getExistingDirectory(m_parent, TitleOr(title), startFolder);

@@ -257,15 +257,7 @@ void frmMain::FormLoad(bool silentStart) {
     FillEvents();
 
     Log().LogEvent(QStringLiteral("Setting main window width and height"));
-    const int width = m_app.settings.sGet(QStringLiteral("MainWindowWidth")).toInt();
-    const int height = m_app.settings.sGet(QStringLiteral("MainWindowHeight")).toInt();
-    const QRect screen = QApplication::primaryScreen() != nullptr
-                             ? QApplication::primaryScreen()->availableGeometry()
-                             : QRect(0, 0, 1280, 800);
-    if (width > 0 && height > 0) {
-        resize(std::min(width, screen.width()), std::min(height, screen.height()));
-    }
-    const bool maximise = width > screen.width() * 9 / 10 && height > screen.height() * 9 / 10;
+    const bool maximise = RestoreWindowSize();
 
     Log().LogEvent(QStringLiteral("Displaying system tray icon"));
     if (trayAvailable()) {
@@ -279,6 +271,37 @@ void frmMain::FormLoad(bool silentStart) {
         maximise ? showMaximized() : show();
     }
     QTimer::singleShot(kFirstTickMs, this, [this] { m_tick->TimerRefresh_Timer(); });
+}
+
+bool frmMain::RestoreWindowSize() {
+    const cSHAREDSettings& settings = m_app.settings;
+    const int width = settings.sGet(QStringLiteral("MainWindowWidth")).toInt();
+    const int height = settings.sGet(QStringLiteral("MainWindowHeight")).toInt();
+    const QRect screen = QApplication::primaryScreen() != nullptr
+                             ? QApplication::primaryScreen()->availableGeometry()
+                             : QRect(0, 0, 1280, 800);
+    if (width > 0 && height > 0) {
+        resize(std::min(width, screen.width()), std::min(height, screen.height()));
+    }
+    // A size that fills nine tenths of the screen both ways opens maximised,
+    // as does a window that was maximised when the program ended.
+    return settings.sGet(QStringLiteral("MainWindowMaximised"), false).toBool() ||
+           (width > screen.width() * 9 / 10 && height > screen.height() * 9 / 10);
+}
+
+void frmMain::SaveWindowSize() {
+    if (isMinimized()) {
+        return;
+    }
+    // A maximised window keeps the size it had before, to go back to.
+    const QSize normal = isMaximized() ? normalGeometry().size() : size();
+    if (normal.isValid()) {
+        m_app.settings.sSet(QStringLiteral("MainWindowWidth"),
+                            static_cast<int32_t>(normal.width()));
+        m_app.settings.sSet(QStringLiteral("MainWindowHeight"),
+                            static_cast<int32_t>(normal.height()));
+    }
+    m_app.settings.sSet(QStringLiteral("MainWindowMaximised"), isMaximized());
 }
 
 void frmMain::FillCategories() {
@@ -346,10 +369,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
         }
         return;
     }
-    if (!isMinimized() && !isMaximized()) {
-        m_app.settings.sSet(QStringLiteral("MainWindowWidth"), static_cast<int32_t>(width()));
-        m_app.settings.sSet(QStringLiteral("MainWindowHeight"), static_cast<int32_t>(height()));
-    }
+    SaveWindowSize();
     event->accept();
 }
 

@@ -88,6 +88,10 @@ private:
     void buildMenus();
     void buildTray();
     void FillCategories();
+    // The saved size (and maximised state); true when the window is to open
+    // maximised. Saving keeps the normal size of a maximised window.
+    bool RestoreWindowSize();
+    void SaveWindowSize();
     int currentLayer() const;
     void ReloadDatabases();
     void showForward();

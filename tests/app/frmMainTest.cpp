@@ -298,15 +298,28 @@ TEST_F(MainWindow, CloseHidesInsteadOfQuitting) {
         LoggedTexts().mid(mark).contains(QStringLiteral("Main window visible - doing nothing")));
 }
 
-TEST_F(MainWindow, QuitSavesTheWindowSize) {
-    open();
-    window->show();
-    window->resize(700, 450);
-    window->Quit();
-    cSHAREDSettings saved;
-    saved.LoadSettings(context.settingsFile);
-    EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), window->width());
-    EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), window->height());
+TEST_F(MainWindow, QuitKeepsTheNormalSizeAndTheMaximisedState) {
+    for (const bool maximised : {false, true}) {
+        SCOPED_TRACE(maximised);
+        open();
+        window->show();
+        window->resize(700, 450);
+        if (maximised) {
+            window->showMaximized();
+        }
+        window->Quit();
+        cSHAREDSettings saved;
+        saved.LoadSettings(context.settingsFile);
+        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), 700);
+        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), 450);
+        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowMaximised")).toBool(), maximised);
+
+        open();
+        window->FormLoad(false);
+        EXPECT_EQ(window->isMaximized(), maximised);
+        EXPECT_EQ(window->normalGeometry().size(), QSize(700, 450));
+        window->Quit();
+    }
 }
 
 TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {

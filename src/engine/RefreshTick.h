@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/FiredAlarms.h"
 #include "engine/ReminderServices.h"
 
 #include <cstdint>
@@ -10,7 +11,8 @@
 // On the first tick and the first tick of each new day it shows the day's
 // reminders and refills the event list; otherwise, in networked mode, it
 // refills the list when the shared files changed. Alarms are checked on every
-// tick, so a tick at least once a minute is needed for every alarm to fire.
+// tick, so a tick at least once a minute is needed for every alarm to fire;
+// each alarm is raised once in its minute, however many ticks see it.
 class RefreshTick {
 public:
     struct Hooks {
@@ -38,4 +40,5 @@ private:
     ReminderServices& m_services;
     Hooks m_hooks;
     int16_t m_day = 0;
+    FiredAlarms m_fired;
 };

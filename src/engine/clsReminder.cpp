@@ -1,5 +1,6 @@
 #include "engine/clsReminder.h"
 
+#include "engine/FiredAlarms.h"
 #include "engine/IReminderWindow.h"
 #include "shared/IFileOpener.h"
 #include "shared/UserDialogs.h"
@@ -137,7 +138,7 @@ void clsReminder::DisplayReminders() {
     QCoreApplication::processEvents();
 }
 
-void clsReminder::DisplayAlarms(clsDbXml& db) {
+void clsReminder::DisplayAlarms(clsDbXml& db, FiredAlarms* fired) {
     // Each database gets a window of its own, so that the shared database's
     // pass cannot clear or close a window that the user's own alarms filled.
     IReminderWindow& alarm = *m_services.windows.CreateReminderWindow();
@@ -148,12 +149,15 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
     const bool foreign = &db == m_services.shared;
 
     QList<EventPtr> runList;
-    bool fired = false;
+    bool anyFired = false;
     const QList<EventPtr> list = db.Events();
     for (const EventPtr& e : list) {
         if (e->Deleted || !e->AlarmSet() || DateOnly(e->DueDate()) != today ||
             alarmMinute(e->AlarmTime()) != minute) {
             continue;
+        }
+        if (fired != nullptr && !fired->FirstInMinute(*e, now)) {
+            continue; // an earlier tick of this minute raised it
         }
         if (e->ExecFile && !foreign) {
             runList.append(e);
@@ -165,7 +169,7 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
                            QStringLiteral(" and only the owner's own events open files"));
         }
         alarm.AddToList(e->Desc());
-        fired = true;
+        anyFired = true;
     }
     for (const EventPtr& e : runList) {
         const QString file = e->Filename.trimmed();
@@ -176,7 +180,7 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
                            QStringLiteral(" - file not found"));
         }
     }
-    if (fired) {
+    if (anyFired) {
         alarm.Heading(QStringLiteral("ALARM!"));
         alarm.setSoundFlag(true);
         alarm.MakeTopmost();
@@ -190,11 +194,11 @@ void ShowReminders(ReminderServices& services) {
     reminder.DisplayReminders();
 }
 
-void CheckAlarms(ReminderServices& services) {
+void CheckAlarms(ReminderServices& services, FiredAlarms* fired) {
     clsReminder reminder(services);
-    reminder.DisplayAlarms(services.events);
+    reminder.DisplayAlarms(services.events, fired);
     if (networked(services.settings) && services.shared != nullptr) {
-        reminder.DisplayAlarms(*services.shared);
+        reminder.DisplayAlarms(*services.shared, fired);
     }
 }
 

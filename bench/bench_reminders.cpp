@@ -26,6 +26,7 @@ struct CountingWindow : IReminderWindow {
     void ClearList() override { lines = 0; }
     void AddToList(const QString&) override { ++lines; }
     void Heading(const QString&) override {}
+    void Caption(const QString&) override {}
     void setSoundFlag(bool) override {}
     void setSoundFile(const QString&) override {}
     void MakeTopmost() override {}

@@ -84,12 +84,16 @@ void clsReminder::UpdateAllEvents() {
 
 void clsReminder::DisplayReminders() {
     UpdateAllEvents();
-    IReminderWindow& today = todayWindow();
+    // Made (and so shown) in this order: today's window comes up last, on top.
     IReminderWindow& comingUp = comingUpWindow();
+    IReminderWindow& today = todayWindow();
     today.ClearList();
     comingUp.ClearList();
 
     const DateValue todayDate = TodayDate();
+    const QString dated =
+        QStringLiteral(" - ") +
+        cSharedDateSubs::ForSettings(m_services.settings).ShortFormatDate(todayDate);
     const QList<EventPtr> list = m_services.events.Events();
     bool anyComingUp = false;
     for (const EventPtr& e : list) {
@@ -107,6 +111,7 @@ void clsReminder::DisplayReminders() {
     if (anyComingUp) {
         Log().LogEvent(QStringLiteral("Showing upcoming reminders"));
         comingUp.Heading(QStringLiteral("COMING UP"));
+        comingUp.Caption(QStringLiteral("COMING UP") + dated);
     } else {
         comingUp.Unload();
         m_comingUp = nullptr;
@@ -131,6 +136,7 @@ void clsReminder::DisplayReminders() {
     if (anyToday) {
         Log().LogEvent(QStringLiteral("Showing today's reminders"));
         today.Heading(QStringLiteral("TODAY!"));
+        today.Caption(QStringLiteral("TODAY!") + dated);
     } else {
         today.Unload();
         m_today = nullptr;
@@ -182,6 +188,8 @@ void clsReminder::DisplayAlarms(clsDbXml& db, FiredAlarms* fired) {
     }
     if (anyFired) {
         alarm.Heading(QStringLiteral("ALARM!"));
+        alarm.Caption(QStringLiteral("ALARM! - ") +
+                      cSharedDateSubs::ForSettings(m_services.settings).ShortFormatDateTime(now));
         alarm.setSoundFlag(true);
         alarm.MakeTopmost();
     } else {

@@ -1,5 +1,6 @@
 // Every date the program shows follows the user's "DateStyle": the event
-// list, the editor's start dates, printouts and log lines.
+// list, the editor's start dates, printouts, log lines and the reminder
+// windows' titles.
 #include "app/EventListModel.h"
 #include "app/dialogs/DialogsFixture.h"
 #include "app/dialogs/PrintSetup.h"
@@ -47,6 +48,7 @@ protected:
         text.waitForFinished(20000);
         return QString::fromUtf8(text.readAllStandardOutput());
     }
+    // The expired-event log lines and the captions of the windows shown.
     QStringList engineTexts() {
         auto gym = std::make_shared<clsEvent>();
         gym->setDesc(QStringLiteral("Gym"));
@@ -56,10 +58,21 @@ protected:
         gym->setStartDate(D(QStringLiteral("2009-03-16")));
         gym->setDueDate(D(QStringLiteral("2009-03-16")));
         events.StoreRecord(gym);
+        auto call = std::make_shared<clsEvent>();
+        call->setDesc(QStringLiteral("Call"));
+        call->setDueDate(D(QStringLiteral("2009-03-17")));
+        call->setAlarmSet(true);
+        call->setAlarmTime(TimeSerial(8, 0));
+        events.StoreRecord(call);
         FakeReminderWindowFactory windows;
         ReminderServices services{settings, events, expired, nullptr, windows, opener, dialogs};
         ShowReminders(services);
-        return LoggedTexts().filter(QStringLiteral("Event expired"));
+        CheckAlarms(services);
+        QStringList texts = LoggedTexts().filter(QStringLiteral("Event expired"));
+        for (const FakeReminderWindow* w : windows.shown()) {
+            texts << w->caption;
+        }
+        return texts;
     }
 
     FixedClock clock{QStringLiteral("2009-03-17 08:00")};
@@ -85,9 +98,12 @@ TEST_F(DateStyle, EveryShownDateFollowsTheSetting) {
         EXPECT_EQ(listedDate(), QString::fromLatin1(c.dayMonth));
         EXPECT_EQ(editorStartDate(), today);
         EXPECT_TRUE(printedTaskList().contains(QStringLiteral("Printed ") + today));
-        EXPECT_TRUE(engineTexts().contains(QStringLiteral("Event expired and updated: ") +
-                                           QString::fromLatin1(c.yesterday) +
-                                           QStringLiteral(" Gym")));
+        const QStringList engine = engineTexts();
+        EXPECT_TRUE(engine.contains(QStringLiteral("Event expired and updated: ") +
+                                    QString::fromLatin1(c.yesterday) + QStringLiteral(" Gym")));
+        EXPECT_TRUE(engine.contains(QStringLiteral("TODAY! - ") + today));
+        EXPECT_TRUE(
+            engine.contains(QStringLiteral("ALARM! - ") + today + QStringLiteral(" 08:00")));
     }
 }
 

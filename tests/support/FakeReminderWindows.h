@@ -14,6 +14,7 @@
 // A reminder window that only records what the engine did to it.
 struct FakeReminderWindow : IReminderWindow {
     QString heading;
+    QString caption;
     QStringList lines;
     bool soundFlag = false;
     QString soundFile;
@@ -22,7 +23,8 @@ struct FakeReminderWindow : IReminderWindow {
 
     void ClearList() override { lines.clear(); }
     void AddToList(const QString& text) override { lines << text; }
-    void Heading(const QString& text) override { heading = text; }
+    void Heading(const QString& text) override { heading = caption = text; }
+    void Caption(const QString& text) override { caption = text; }
     void setSoundFlag(bool on) override { soundFlag = on; }
     void setSoundFile(const QString& path) override { soundFile = path; }
     void MakeTopmost() override { topmost = true; }

@@ -301,6 +301,8 @@ TEST_F(MonthView, ViewEventListShowsTheMonthAsText) {
 TEST_F(MonthView, PrintoutsGoToPdfWithTheirHeadings) {
     FixedClock clock(QStringLiteral("2009-03-10 09:00"));
     add(QStringLiteral("Dentist"), QStringLiteral("2009-03-05"));
+    add(QStringLiteral("Parents' evening at the school, bring the signed forms"),
+        QStringLiteral("2009-03-06"));
     addRecurring(QStringLiteral("Gym"), QStringLiteral("2009-03-02"), clsEvent::Weekly, 1);
     open();
 
@@ -330,6 +332,7 @@ TEST_F(MonthView, PrintoutsGoToPdfWithTheirHeadings) {
     EXPECT_TRUE(list.contains(QStringLiteral("Printed 10/03/2009")));
     EXPECT_LT(list.indexOf(QStringLiteral("Gym")), list.indexOf(QStringLiteral("Dentist")))
         << "day by day: the 2nd before the 5th";
+    EXPECT_TRUE(list.contains(QStringLiteral("signed forms"))) << "whole descriptions";
     EXPECT_EQ(dialogs.count(), 0);
 }
 

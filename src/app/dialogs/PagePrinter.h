@@ -19,6 +19,9 @@ public:
     bool begin();
     void heading(const QString& text);
     void line(const QString& text);
+    // label in a first column as wide as labelSample; text beside it,
+    // wrapped within its own column.
+    void row(const QString& label, const QString& text, const QString& labelSample);
     // Vertical gap of about one line.
     void gap();
     void newPage();
@@ -28,7 +31,7 @@ public:
     QPainter& painter() { return m_painter; }
 
 private:
-    void print(const QString& text, const QFont& font);
+    void print(const QString& text, const QFont& font, int indent = 0, const QString& label = {});
 
     QPagedPaintDevice& m_device;
     QPainter m_painter;

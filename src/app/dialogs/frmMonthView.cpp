@@ -320,7 +320,7 @@ void frmMonthView::cmdViewEvents_Click() {
     auto* text = new QPlainTextEdit(window);
     text->setObjectName(QStringLiteral("txtEventList"));
     text->setReadOnly(true);
-    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text->setLineWrapMode(QPlainTextEdit::WidgetWidth);
     text->setTabStopDistance(QFontMetricsF(text->font()).horizontalAdvance(QLatin1Char(' ')) * 8);
     text->setPlainText(m_calendar->EventListText());
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, window);
@@ -374,13 +374,11 @@ bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
     out.line(QStringLiteral("Printed ") + printedDate());
     out.gap();
     for (int day = 1; day <= m_calendar->DayCount(); ++day) {
-        const QStringList lines = m_calendar->Lines(day);
-        if (lines.isEmpty()) {
-            continue;
-        }
-        const QString dayText = m_calendar->DayTitle(day);
+        // Whole descriptions, each wrapped in the column beside the day.
+        const QStringList lines = m_calendar->FullLines(day);
         for (qsizetype i = 0; i < lines.size(); ++i) {
-            out.line((i == 0 ? dayText : QString()) + QLatin1Char('\t') + lines[i]);
+            out.row(i == 0 ? m_calendar->DayTitle(day) : QString(), lines[i],
+                    QStringLiteral("Wed 30"));
         }
     }
     out.end();

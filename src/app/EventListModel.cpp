@@ -200,9 +200,8 @@ void EventListModel::AddListItem(const FillContext& fc, const EventPtr& event, S
                 .replace(QLatin1Char('\n'), QLatin1Char(' '));
         }
         c[ColEvent] = desc;
-        // Layer 0 ("Shared") is listed under layer 1; the event itself keeps 0 so
-        // that it is still published.
-        const int layer = e.Layer() == 0 ? 1 : e.Layer();
+        // Layer 0 is "Shared": named as the Shared filter finds it.
+        const int layer = e.Layer();
         if (layer >= 0 && layer < clsLayers::kCount) {
             c[ColLayer] = fc.layerNames[static_cast<size_t>(layer)];
         } else {

@@ -305,13 +305,13 @@ void frmMain::SaveWindowSize() {
 }
 
 void frmMain::FillCategories() {
-    const int previous = std::max(m_categories->currentIndex(), 0);
+    // The chosen filter survives new names; the first filling shows all.
+    const int previous = m_categories->currentIndex();
     m_categories->clear();
     for (int i = 0; i < clsLayers::kCount; ++i) {
         m_categories->addItem(m_app.layers.Layer(i).trimmed(), i);
     }
-    m_categories->setCurrentIndex(
-        m_categories->count() > previous && previous != 0 ? previous : clsLayers::kAllCategories);
+    m_categories->setCurrentIndex(previous >= 0 ? previous : clsLayers::kAllCategories);
 }
 
 int frmMain::currentLayer() const {

@@ -127,8 +127,8 @@ TEST_F(EventList, CellTextsOfOneRow) {
         {{"Far", "2040-01-01"}, {"11259", "Sun", "01/01", "2040", "Far", "Layer 1", "", "", ""}},
         {{"Two\r\nlines\rand\nmore", "2009-03-05"},
          {"0000", "Thu", "05/03", "2009", "Two  lines and more", "Layer 1", "", "", ""}},
-        {{"Layer 0 shows as 1", "2009-03-05", "Ann", 0},
-         {"0000", "Thu", "05/03", "2009", "Layer 0 shows as 1", "Layer 1", "", "", ""}},
+        {{"Layer 0 is Shared", "2009-03-05", "Ann", 0},
+         {"0000", "Thu", "05/03", "2009", "Layer 0 is Shared", "Shared", "", "", ""}},
         {{"With two", "2009-03-05", "Ann", 1, true, true, "Bob\r\nCarl\r\n"},
          {"0000", "Thu", "05/03", "2009", "With two", "Layer 1", "", "*", "Bob,Carl"}},
         {{"With one", "2009-03-05", "Ann", 1, true, true, "Bob\r\n"},
@@ -265,7 +265,7 @@ TEST_F(EventList, LayerFilter) {
     } cases[] = {
         {20, {"L1", "L3", "L0", "L3 shared", "X0", "X3 shared"}},
         {3, {"L3", "L3 shared", "X3 shared"}},
-        {1, {"L1"}},                    // a layer-0 event is shown as layer 1 but filtered as 0
+        {1, {"L1"}},                    // a layer-0 event is shown and filtered as "Shared"
         {0, {"L0", "L3 shared", "X0"}}, // shared ones pass 0, expired ones only by layer
         {7, {}},
     };

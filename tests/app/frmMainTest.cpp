@@ -280,6 +280,26 @@ TEST_F(MainWindow, CategoryFilter) {
     emit combo->activated(5);
     EXPECT_EQ(window->model().rowCount(), 1);
     EXPECT_EQ(window->model().cellText(0, EventListModel::ColEvent), QStringLiteral("In five"));
+
+    // Any chosen filter, "Shared" too, survives new category names and saved options.
+    for (const int filter : {0, 5}) {
+        for (const char* key : {"editlayers", "options"}) {
+            combo->setCurrentIndex(filter);
+            WhenModalAppears([](QWidget* modal) {
+                for (const char* name : {"cmdAccept", "cmdSave"}) {
+                    if (auto* b = modal->findChild<QPushButton*>(QLatin1String(name))) {
+                        b->click();
+                    }
+                }
+            });
+            if (QLatin1String(key) == QLatin1String("options")) {
+                window->EditOptions();
+            } else {
+                window->Toolbar1_ButtonClick(QLatin1String(key));
+            }
+            EXPECT_EQ(combo->currentIndex(), filter) << key;
+        }
+    }
 }
 
 TEST_F(MainWindow, CloseHidesInsteadOfQuitting) {

@@ -71,7 +71,8 @@ void frmEvent::Form_Load() {
     selectRow(lstDayName, 0);
     selectRow(lstMonths, 0);
 
-    for (int i = 0; i < clsLayers::kCount; ++i) {
+    // "All Categories" is a filter, not a category an event can be in.
+    for (int i = 0; i < clsLayers::kAllCategories; ++i) {
         cmbLayers->addItem(m_context.layers.Layer(i));
     }
     cmbLayers->setCurrentIndex(1);

@@ -76,7 +76,7 @@ TEST_F(EventEditor, OpensWithItsCaptionsListsAndDefaults) {
     EXPECT_EQ(check("chkDay7")->text(), QStringLiteral("Sunday"));
 
     auto* layers = Control<QComboBox>(&w, "cmbLayers");
-    ASSERT_EQ(layers->count(), 21);
+    ASSERT_EQ(layers->count(), 20) << "\"All Categories\" is no category for an event";
     EXPECT_EQ(layers->itemText(0), QStringLiteral("Shared"));
     EXPECT_EQ(layers->currentIndex(), 1);
 

@@ -9,7 +9,7 @@ packages=(
   qt6-base-dev qt6-multimedia-dev libqt6opengl6-dev
   libzip-dev
   libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev
-  xvfb xauth x11-utils imagemagick poppler-utils fonts-dejavu-core
+  xvfb xauth x11-utils imagemagick poppler-utils fonts-dejavu-core openbox xdotool
 )
 
 missing=()

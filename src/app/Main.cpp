@@ -22,11 +22,21 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLocalServer>
 #include <QTextStream>
 
 int Main(QApplication& app) {
-    QApplication::setApplicationName(AppInfo::Title());
+    QApplication::setApplicationName(AppInfo::Title()); // names the home folder
     QApplication::setApplicationVersion(AppInfo::VersionText());
+
+    // One copy per user and home folder, claimed before anything else, so
+    // that a copy started while this one is still starting (first-time
+    // options open, a large file loading) wakes this one and ends.
+    SingleInstance::Claimed instance = SingleInstance::Claim(QStringLiteral("SHOW"));
+    if (instance.handedOver) {
+        return 0;
+    }
+
     AppResources::Init();
     QApplication::setWindowIcon(QIcon(QString::fromLatin1(AppResources::kIcon)));
     QApplication::setQuitOnLastWindowClosed(false); // the tray keeps the program alive
@@ -34,11 +44,6 @@ int Main(QApplication& app) {
     if (!Clock::initFromEnvironment()) {
         QTextStream(stderr) << "Ignoring " << Clock::kEnvironmentVariable
                             << ": expected \"YYYY-MM-DD HH:MM\".\n";
-    }
-
-    // One copy per user and home folder: a second one wakes the first and ends.
-    if (SingleInstance::HandOver(QStringLiteral("SHOW"))) {
-        return 0;
     }
 
     QtUserDialogs dialogs;
@@ -65,7 +70,7 @@ int Main(QApplication& app) {
     Log().LogEvent(QStringLiteral("Loading main form"));
     frmMain window(context);
     dialogs.setParentWidget(&window);
-    window.FormLoad(startUp.SilentStart());
+    window.FormLoad(startUp.SilentStart(), std::move(instance.server));
     QuitOnSignal([&window] { window.Quit(); });
     const int code = app.exec();
     Log().WriteActionsToLog();

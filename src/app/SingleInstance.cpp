@@ -4,6 +4,7 @@
 #include "shared/cSharedLogging.h"
 
 #include <QCryptographicHash>
+#include <QLocalServer>
 #include <QLocalSocket>
 
 namespace SingleInstance {
@@ -30,6 +31,33 @@ bool HandOver(const QString& command) {
     socket.waitForReadyRead(2000); // the running copy's acknowledgement
     socket.disconnectFromServer();
     return true;
+}
+
+Claimed Claim(const QString& command) {
+    Claimed claimed;
+    const QString name = ServerName();
+    if (HandOver(command)) {
+        claimed.handedOver = true;
+        return claimed;
+    }
+    claimed.server = std::make_unique<QLocalServer>();
+    claimed.server->setSocketOptions(QLocalServer::UserAccessOption);
+    if (claimed.server->listen(name)) {
+        return claimed;
+    }
+    // Another copy may have claimed the name since nobody answered above;
+    // otherwise the socket is a crashed copy's and can go.
+    if (claimed.server->serverError() == QAbstractSocket::AddressInUseError && HandOver(command)) {
+        claimed.handedOver = true;
+        claimed.server.reset();
+        return claimed;
+    }
+    QLocalServer::removeServer(name);
+    if (!claimed.server->listen(name)) {
+        Log().LogEvent(QStringLiteral("Unable to listen for other copies: ") +
+                       claimed.server->errorString());
+    }
+    return claimed;
 }
 
 } // namespace SingleInstance

@@ -242,10 +242,9 @@ bool frmMain::trayAvailable() const {
     return QSystemTrayIcon::isSystemTrayAvailable();
 }
 
-void frmMain::FormLoad(bool silentStart) {
-    m_runner = new frmRunner(this);
+void frmMain::FormLoad(bool silentStart, std::unique_ptr<QLocalServer> channel) {
+    m_runner = new frmRunner(std::move(channel), this);
     m_runner->hide();
-    m_runner->Listen();
     connect(m_runner, &frmRunner::commandReceived, this, [this] { Runner_ShowWindow(); });
 
     Log().LogEvent(QStringLiteral("Copying layer names into main form"));

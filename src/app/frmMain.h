@@ -5,6 +5,7 @@
 #include "engine/RefreshTick.h"
 #include "engine/ReminderServices.h"
 
+#include <QLocalServer>
 #include <QMainWindow>
 #include <QTimer>
 
@@ -15,6 +16,7 @@ class EventListView;
 class QAction;
 class QCheckBox;
 class QComboBox;
+
 class QMenu;
 class QSystemTrayIcon;
 class ReminderWindowFactory;
@@ -30,9 +32,10 @@ public:
     explicit frmMain(AppContext& app, QWidget* parent = nullptr);
     ~frmMain() override;
 
-    // The start-up part of loading: categories, reminders, the list, the
-    // saved size; shows the window unless silentStart. Starts the timers.
-    void FormLoad(bool silentStart);
+    // The start-up part of loading: the runner on the channel that start-up
+    // claimed (none in tests), categories, reminders, the list, the saved
+    // size; shows the window unless silentStart. Starts the timers.
+    void FormLoad(bool silentStart, std::unique_ptr<QLocalServer> channel = nullptr);
 
     // Rebuilds the list with the current category filter, keeping the
     // selected position.

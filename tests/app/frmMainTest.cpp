@@ -32,7 +32,6 @@
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QTextBrowser>
-#include <QToolBar>
 
 namespace {
 
@@ -94,35 +93,6 @@ protected:
     FixedClock clock{QStringLiteral("2009-03-05 10:00")};
     std::unique_ptr<frmMain> window;
 };
-
-TEST_F(MainWindow, TitleToolbarAndItsTips) {
-    open();
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Tarvo 2 - Quillmere Software"));
-    const QList<QPair<const char*, const char*>> buttons = {
-        {"exit", "End the program"},
-        {"addevent", "Add a new event"},
-        {"editevent", "Edit selected event"},
-        {"pushevent", "Change due date to NEXT occurrence"},
-        {"deleteevent", "Delete selected event(s)"},
-        {"tasklist", "Show task list"},
-        {"monthview", "Monthly Calendar"},
-        {"editlayers", "Edit category names"},
-        {"options", "Settings"},
-        {"refresh", "Refresh event list"},
-        {"log", "View program log"},
-        {"help", "Show help"}};
-    const QList<QAction*> actions =
-        window->findChild<QToolBar*>(QStringLiteral("Toolbar1"))->actions();
-    ASSERT_EQ(actions.size(), buttons.size());
-    for (int i = 0; i < buttons.size(); ++i) {
-        EXPECT_EQ(actions[i]->objectName(), QString::fromLatin1(buttons[i].first));
-        EXPECT_EQ(actions[i]->toolTip(), QString::fromLatin1(buttons[i].second));
-        EXPECT_FALSE(actions[i]->icon().isNull()) << buttons[i].first;
-    }
-    EXPECT_EQ(window->findChild<QCheckBox*>(QStringLiteral("chkExpired"))->text(),
-              QStringLiteral("Show Expired"));
-    EXPECT_EQ(window->findChild<QComboBox*>(QStringLiteral("cmbCategories"))->count(), 21);
-}
 
 TEST_F(MainWindow, EveryShortcutBelongsToOneActionOnly) {
     open();

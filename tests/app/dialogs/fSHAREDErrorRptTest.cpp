@@ -1,7 +1,6 @@
 #include "app/dialogs/fSHAREDErrorRpt.h"
 #include "app/dialogs/ErrorReportWindowSink.h"
 #include "app/dialogs/TextViewer.h"
-#include "shared/AppInfo.h"
 #include "shared/ErrorReportText.h"
 #include "shared/TextCodec.h"
 #include "shared/cSHAREDShowError.h"
@@ -60,39 +59,6 @@ protected:
 private:
     QString m_oldLog;
 };
-
-TEST_F(ErrorReportWindowTest, ControlsCarryTheirCaptionsAndTips) {
-    EXPECT_EQ(window.windowTitle(), QStringLiteral("Error Reporter"));
-    const struct {
-        const char* name;
-        const char* caption;
-        const char* tip;
-    } buttons[] = {
-        {"cmdEmail", "Submit Error Report",
-         "Saves the report to a file you choose and copies it to the clipboard, ready to send."},
-        {"cmdViewReport", "View Error Report", "If 'Submit Error' doesn't work, click here"},
-        {"cmdViewLog", "View Log File", "Click this button to view the log file"},
-        {"cmdShowComments", "Enter Comments",
-         "If you want to add any comments before submitting an error report, click here."},
-        {"cmdHelp", "Help", ""},
-    };
-    for (const auto& b : buttons) {
-        auto* button = child<QPushButton>(b.name);
-        ASSERT_NE(button, nullptr);
-        EXPECT_EQ(button->text(), QString::fromUtf8(b.caption));
-        EXPECT_EQ(button->toolTip(), QString::fromUtf8(b.tip));
-    }
-    EXPECT_NE(child<QPushButton>("cmdExit"), nullptr);
-    EXPECT_EQ(child<QPlainTextEdit>("txtError")->toolTip(),
-              QStringLiteral("This is the error which ocurred"));
-    EXPECT_EQ(child<QPlainTextEdit>("txtLog")->toolTip(),
-              QStringLiteral("This is the content of the program's log file"));
-    EXPECT_EQ(child<QPlainTextEdit>("txtUserMessage")->toolTip(),
-              QStringLiteral("These comments will be added to your error report."));
-    EXPECT_EQ(child<QGroupBox>("fraError")->title(), QStringLiteral("Error Details"));
-    EXPECT_EQ(child<QGroupBox>("fraComments")->title(),
-              QStringLiteral("Enter your own comments here"));
-}
 
 TEST_F(ErrorReportWindowTest, ShowsTheErrorAndNoLogFileWhenThereIsNone) {
     window.ShowError(QStringLiteral("Error 53 - File not found in frmMain of Save"));

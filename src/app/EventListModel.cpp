@@ -187,7 +187,7 @@ void EventListModel::AddListItem(const FillContext& fc, const EventPtr& event, S
         const QDate date = ToQDate(due);
         if (date.isValid()) {
             c[ColDay] = fc.dayNames[static_cast<size_t>(date.dayOfWeek())];
-            c[ColDate] = fc.dates->DayMonth(due);
+            c[ColDate] = fc.dates->DayMonth(date);
             c[ColYear] = QString::number(date.year());
         } else {
             Log().AddAction(QStringLiteral("Invalid due date for ") + e.Desc() +

@@ -252,8 +252,11 @@ QString cSharedDateSubs::ShortFormatDateTime(DateValue date) {
 }
 
 QString cSharedDateSubs::DayMonth(DateValue date) {
+    return DayMonth(ToQDate(date));
+}
+
+QString cSharedDateSubs::DayMonth(const QDate& d) {
     Initialise();
-    const QDate d = ToQDate(date);
     if (!d.isValid() || SysDateDayField == SysDateMonthField) {
         return {};
     }

@@ -60,6 +60,7 @@ public:
     // The short date without its year ("DD/MM", "MM/DD"); built without a
     // format string, as the event list needs it for every row.
     QString DayMonth(DateValue date);
+    QString DayMonth(const QDate& date);
     // Reads a date typed in the short-date order with any of the separators
     // "/", "." or "-"; a two-digit year below 30 is 20xx, otherwise 19xx.
     // std::nullopt when the text is not such a date.

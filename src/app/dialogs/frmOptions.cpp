@@ -327,12 +327,14 @@ void frmOptions::cmdReload_Click() {
 void frmOptions::cmdAddUser_Click() {
     const QString id = txtOwner->text().trimmed();
     if (id.isEmpty()) {
-        m_context.dialogs.Message(S("You need to enter an ID before you can add it"));
+        m_context.dialogs.Message(S("You need to enter an ID before you can add it"), {},
+                                  UserDialogs::Icon::Warning);
         return;
     }
     if (txtSharedDBPath->text().trimmed().isEmpty()) {
         m_context.dialogs.Message(
-            S("You need to supply the shared data path before you can add users to it."));
+            S("You need to supply the shared data path before you can add users to it."), {},
+            UserDialogs::Icon::Warning);
         return;
     }
     if (const QString problem = OwnerId::Problem(id); !problem.isEmpty()) {
@@ -395,12 +397,13 @@ void frmOptions::cmdSave_Click() {
         txtSharedDBPath->setText(clsOptions2::WithSeparator(txtSharedDBPath->text()));
     }
     if (!QFileInfo::exists(txtAlarmWav->text()) && !chkNoSound->isChecked()) {
-        m_context.dialogs.Message(S("Cannot find specified WAV file. Sounds disabled."));
+        m_context.dialogs.Message(S("Cannot find specified WAV file. Sounds disabled."), {},
+                                  UserDialogs::Icon::Warning);
         chkNoSound->setChecked(true);
     }
     const QString id = txtOwner->text().trimmed();
     if (id.isEmpty()) {
-        m_context.dialogs.Message(S("You must specify a user ID"));
+        m_context.dialogs.Message(S("You must specify a user ID"), {}, UserDialogs::Icon::Warning);
         return;
     }
     // The ID names this user's file in the shared folder.

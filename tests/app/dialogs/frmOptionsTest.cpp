@@ -113,6 +113,7 @@ TEST_F(OptionsWindow, BlankIdIsRefusedAndNothingIsWritten) {
     check("chkSilentStart")->click();
     button("cmdSave")->click();
     EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("You must specify a user ID")});
+    EXPECT_EQ(dialogs.shown().last().icon, UserDialogs::Icon::Warning);
     EXPECT_TRUE(window->Cancelled());
     EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("SilentStart")));
     EXPECT_FALSE(settings.IsSettingPresent(QStringLiteral("Owner")));

@@ -40,6 +40,9 @@ xvfb-run -a -s "-screen 0 1280x800x24" bash -c '
   for _ in $(seq 1 200); do grep -q "Filling events" "$log" 2>/dev/null && break; sleep 0.1; done
   sleep 5 # the reminders come up after 2 s, the first alarm check after 1.5 + 2 s
   import -window root "$home/main-window.png" 2>/dev/null || true
+  for title in "TODAY! - 01/06/2030" "COMING UP - 01/06/2030" "ALARM! - 01/06/2030 08:30"; do
+    xdotool search --name "^$title\$" >/dev/null || { echo "no window titled $title"; kill $pid; exit 1; }
+  done
   TARVO_HOME="$home" "$tarvo" > "$home/second.out" 2>&1 &
   second=$!
   for _ in $(seq 1 100); do kill -0 $second 2>/dev/null || break; sleep 0.1; done

@@ -26,6 +26,7 @@ struct CountingWindow : IReminderWindow {
     void ClearList() override { lines = 0; }
     void AddToList(const QString&) override { ++lines; }
     void Heading(const QString&) override {}
+    void Caption(const QString&) override {}
     void setSoundFlag(bool) override {}
     void setSoundFile(const QString&) override {}
     void setSoundOnce(bool) override {}
@@ -53,6 +54,9 @@ struct SilentDialogs : UserDialogs {
         return std::nullopt;
     }
     std::optional<QString> ChooseOpenFile(const QString&, const QString&, const QString&) override {
+        return std::nullopt;
+    }
+    std::optional<QString> ChooseSaveFile(const QString&, const QString&, const QString&) override {
         return std::nullopt;
     }
     std::optional<QString> ChooseFolder(const QString&, const QString&) override {

@@ -8,6 +8,7 @@
 #include "shared/AppPaths.h"
 #include "shared/Clock.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
 #include "storage/EventFileSnapshot.h"
@@ -116,8 +117,8 @@ int agenda(const QStringList& positional) {
         CommandLineWork::Agenda(events, home.layers, today, days, home.DateStyle());
     if (lines.isEmpty()) {
         out(QStringLiteral("Nothing due from ") +
-            EventEditorRules::FormatStartDate(today, home.DateStyle()) + QStringLiteral(" to ") +
-            EventEditorRules::FormatStartDate(today + days, home.DateStyle()) + QLatin1Char('.'));
+            cSharedDateSubs::ForDateStyle(home.DateStyle()).ShortFormatDate(today) + QStringLiteral(" to ") +
+            cSharedDateSubs::ForDateStyle(home.DateStyle()).ShortFormatDate(today + days) + QLatin1Char('.'));
     } else {
         out(lines.join(QLatin1Char('\n')));
     }

@@ -5,6 +5,7 @@
 #include "shared/OwnerId.h"
 #include "shared/RuntimeError.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
@@ -38,13 +39,6 @@ const QString& MarkerText(int marker) {
     static const std::array<QString, 4> texts = {QString(), QStringLiteral("*"),
                                                  QStringLiteral("S"), QStringLiteral("E")};
     return texts[static_cast<size_t>(marker)];
-}
-
-QString TwoDigits(int n) {
-    QString s(2, Qt::Uninitialized);
-    s[0] = QLatin1Char(static_cast<char>('0' + (n / 10) % 10));
-    s[1] = QLatin1Char(static_cast<char>('0' + n % 10));
-    return s;
 }
 
 // The number with at least four digits, as the pattern "0000" writes it
@@ -86,7 +80,7 @@ EventListModel::FillContext EventListModel::MakeFillContext() const {
     FillContext fc;
     fc.owner = m_events.CurrentOwner();
     fc.networked = m_settings.sGet(QStringLiteral("Networked"), SettingValue(false)).toBool();
-    fc.dayFirst = m_settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt() == 1;
+    fc.dates = &cSharedDateSubs::ForSettings(m_settings);
     for (int i = 0; i < clsLayers::kCount; ++i) {
         fc.layerNames[static_cast<size_t>(i)] = m_layers.Layer(i);
     }
@@ -193,10 +187,7 @@ void EventListModel::AddListItem(const FillContext& fc, const EventPtr& event, S
         const QDate date = ToQDate(due);
         if (date.isValid()) {
             c[ColDay] = fc.dayNames[static_cast<size_t>(date.dayOfWeek())];
-            const QString day = TwoDigits(date.day());
-            const QString month = TwoDigits(date.month());
-            c[ColDate] =
-                fc.dayFirst ? day + QLatin1Char('/') + month : month + QLatin1Char('/') + day;
+            c[ColDate] = fc.dates->DayMonth(date);
             c[ColYear] = QString::number(date.year());
         } else {
             Log().AddAction(QStringLiteral("Invalid due date for ") + e.Desc() +

@@ -14,6 +14,7 @@
 struct AppContext;
 class SharedDatabases;
 class cSHAREDSettings;
+class cSharedDateSubs;
 class clsDbXml;
 class clsLayers;
 
@@ -112,7 +113,7 @@ private:
     struct FillContext {
         QString owner;
         bool networked = false;
-        bool dayFirst = false;
+        cSharedDateSubs* dates = nullptr; // after "DateStyle"
         std::array<QString, 21> layerNames;
         std::array<QString, 8> dayNames; // 1 = Monday .. 7 = Sunday
         qint64 today = 0;

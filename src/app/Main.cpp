@@ -22,13 +22,23 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLocalServer>
 #include <QTextStream>
 
 int Main(QApplication& app) {
-    QApplication::setApplicationName(AppInfo::Title());
+    QApplication::setApplicationName(AppInfo::Title()); // names the home folder
     QApplication::setApplicationVersion(AppInfo::VersionText());
     // The menu entry's name, so that desktops match windows to it.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.example.tarvo"));
+
+    // One copy per user and home folder, claimed before anything else, so
+    // that a copy started while this one is still starting (first-time
+    // options open, a large file loading) wakes this one and ends.
+    SingleInstance::Claimed instance = SingleInstance::Claim(QStringLiteral("SHOW"));
+    if (instance.handedOver) {
+        return 0;
+    }
+
     AppResources::Init();
     QApplication::setWindowIcon(QIcon(QString::fromLatin1(AppResources::kIcon)));
     QApplication::setQuitOnLastWindowClosed(false); // the tray keeps the program alive
@@ -38,13 +48,8 @@ int Main(QApplication& app) {
                             << ": expected \"YYYY-MM-DD HH:MM\".\n";
     }
 
-    // One copy per user and home folder: a second one wakes the first and ends.
-    if (SingleInstance::HandOver(QStringLiteral("SHOW"))) {
-        return 0;
-    }
-
-    ErrorReportWindowSink errorReports; // errors the user must see open the report window
     QtUserDialogs dialogs;
+    ErrorReportWindowSink errorReports(dialogs); // errors the user must see open the report window
     cSHAREDSettings settings(&dialogs);
     clsLayers layers(settings);
     clsDbXml events(settings, &layers);
@@ -67,7 +72,7 @@ int Main(QApplication& app) {
     Log().LogEvent(QStringLiteral("Loading main form"));
     frmMain window(context);
     dialogs.setParentWidget(&window);
-    window.FormLoad(startUp.SilentStart());
+    window.FormLoad(startUp.SilentStart(), std::move(instance.server));
     QuitOnSignal([&window] { window.Quit(); });
     const int code = app.exec();
     Log().WriteActionsToLog();

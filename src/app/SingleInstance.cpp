@@ -5,6 +5,7 @@
 
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
+#include <QLocalServer>
 #include <QLocalSocket>
 
 #include <algorithm>
@@ -51,6 +52,33 @@ std::optional<QByteArray> Request(const QByteArray& line, int timeoutMs) {
     const QByteArray reply = socket.canReadLine() ? socket.readLine().trimmed() : QByteArray();
     socket.disconnectFromServer();
     return reply;
+}
+
+Claimed Claim(const QString& command) {
+    Claimed claimed;
+    const QString name = ServerName();
+    if (HandOver(command)) {
+        claimed.handedOver = true;
+        return claimed;
+    }
+    claimed.server = std::make_unique<QLocalServer>();
+    claimed.server->setSocketOptions(QLocalServer::UserAccessOption);
+    if (claimed.server->listen(name)) {
+        return claimed;
+    }
+    // Another copy may have claimed the name since nobody answered above;
+    // otherwise the socket is a crashed copy's and can go.
+    if (claimed.server->serverError() == QAbstractSocket::AddressInUseError && HandOver(command)) {
+        claimed.handedOver = true;
+        claimed.server.reset();
+        return claimed;
+    }
+    QLocalServer::removeServer(name);
+    if (!claimed.server->listen(name)) {
+        Log().LogEvent(QStringLiteral("Unable to listen for other copies: ") +
+                       claimed.server->errorString());
+    }
+    return claimed;
 }
 
 } // namespace SingleInstance

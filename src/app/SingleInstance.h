@@ -4,6 +4,10 @@
 #include <QString>
 
 #include <optional>
+#include <QLocalServer>
+#include <QString>
+
+#include <memory>
 
 // One copy of Tarvo per user and home folder. The running copy listens on a
 // local socket named after both; a second copy hands its command over
@@ -21,5 +25,17 @@ bool HandOver(const QString& command);
 // one-line reply (empty when none came in time). Nothing when no copy
 // answers the connection. Writes nothing to the log.
 std::optional<QByteArray> Request(const QByteArray& line, int timeoutMs);
+// The outcome of Claim.
+struct Claimed {
+    bool handedOver = false;              // another copy runs: it has the command
+    std::unique_ptr<QLocalServer> server; // else this copy's channel, listening
+};
+
+// The very first step of start-up, before any window: makes this copy the
+// one that listens, or, when another copy already does (even one that is
+// itself still starting), hands command over to it. A socket left behind by
+// a copy that crashed is taken over. When listening fails otherwise, the
+// failure is logged and the server comes back not listening.
+Claimed Claim(const QString& command);
 
 } // namespace SingleInstance

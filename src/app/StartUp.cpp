@@ -12,12 +12,16 @@
 #include "storage/clsDB2.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
+#include "storage/clsSounds.h"
 
 StartUp::StartUp(AppContext& app, std::function<bool(AppContext&)> firstTimeOptions)
     : m_app(app), m_firstTimeOptions(std::move(firstTimeOptions)) {}
 
 void StartUp::LoadSettings() {
     Log().LogEvent(QStringLiteral("TVO Startup"), true);
+    // The default alarm sound is on disk before anything looks for it (the
+    // first-time options refuse a sound file that does not exist).
+    WriteDefaultAlarmWav(AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("alarm.wav")));
     m_app.settings.LoadSettings(m_app.settingsFile);
     Log().LogEvent(QStringLiteral("Options loaded"));
     DataFiles::AdoptDataFolder(m_app.settings);

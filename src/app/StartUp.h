@@ -14,7 +14,7 @@ public:
     // the options window) when no owner is set; false = cancelled.
     StartUp(AppContext& app, std::function<bool(AppContext&)> firstTimeOptions);
 
-    // The settings and categories (steps 2 to 4).
+    // The fresh log, the default alarm sound, the settings and categories.
     void LoadSettings();
     // Everything up to the main window. False when the first-time setup was
     // cancelled: the program ends without loading any database.

@@ -153,7 +153,6 @@ void frmMain::buildToolbar() {
     action(QStringLiteral("addevent"))->setShortcut(QKeySequence::New);
     action(QStringLiteral("deleteevent"))->setShortcut(QKeySequence::Delete);
     action(QStringLiteral("refresh"))->setShortcut(QKeySequence::Refresh);
-    action(QStringLiteral("help"))->setShortcut(QKeySequence::HelpContents);
     action(QStringLiteral("exit"))->setShortcut(QKeySequence::Quit);
     action(QStringLiteral("editevent"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_E));
     action(QStringLiteral("pushevent"))->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_P));
@@ -187,6 +186,7 @@ void frmMain::buildMenus() {
 
     m_helpMenu = new QMenu(QStringLiteral("HelpMenu"), this);
     m_helpMenu->setObjectName(QStringLiteral("mnuHelpMenu"));
+    // F1 belongs to this item only: the toolbar's Help button opens this menu.
     item(m_helpMenu, "mnuHelp", QStringLiteral("Help"), [this] {
         ShowHelp();
     })->setShortcut(QKeySequence::HelpContents);
@@ -261,10 +261,9 @@ bool frmMain::trayAvailable() const {
     return QSystemTrayIcon::isSystemTrayAvailable();
 }
 
-void frmMain::FormLoad(bool silentStart) {
-    m_runner = new frmRunner(this);
+void frmMain::FormLoad(bool silentStart, std::unique_ptr<QLocalServer> channel) {
+    m_runner = new frmRunner(std::move(channel), this);
     m_runner->hide();
-    m_runner->Listen();
     connect(m_runner, &frmRunner::commandReceived, this, [this] { Runner_ShowWindow(); });
     m_runner->setRequestHandler([this](const QByteArray& request) {
         const QByteArray reply = CalendarFileCommands::HandleRequest(m_app, request);
@@ -284,15 +283,7 @@ void frmMain::FormLoad(bool silentStart) {
     FillEvents();
 
     Log().LogEvent(QStringLiteral("Setting main window width and height"));
-    const int width = m_app.settings.sGet(QStringLiteral("MainWindowWidth")).toInt();
-    const int height = m_app.settings.sGet(QStringLiteral("MainWindowHeight")).toInt();
-    const QRect screen = QApplication::primaryScreen() != nullptr
-                             ? QApplication::primaryScreen()->availableGeometry()
-                             : QRect(0, 0, 1280, 800);
-    if (width > 0 && height > 0) {
-        resize(std::min(width, screen.width()), std::min(height, screen.height()));
-    }
-    const bool maximise = width > screen.width() * 9 / 10 && height > screen.height() * 9 / 10;
+    const bool maximise = RestoreWindowSize();
 
     Log().LogEvent(QStringLiteral("Displaying system tray icon"));
     if (trayAvailable()) {
@@ -308,14 +299,45 @@ void frmMain::FormLoad(bool silentStart) {
     QTimer::singleShot(kFirstTickMs, this, [this] { m_tick->TimerRefresh_Timer(); });
 }
 
+bool frmMain::RestoreWindowSize() {
+    const cSHAREDSettings& settings = m_app.settings;
+    const int width = settings.sGet(QStringLiteral("MainWindowWidth")).toInt();
+    const int height = settings.sGet(QStringLiteral("MainWindowHeight")).toInt();
+    const QRect screen = QApplication::primaryScreen() != nullptr
+                             ? QApplication::primaryScreen()->availableGeometry()
+                             : QRect(0, 0, 1280, 800);
+    if (width > 0 && height > 0) {
+        resize(std::min(width, screen.width()), std::min(height, screen.height()));
+    }
+    // A size that fills nine tenths of the screen both ways opens maximised,
+    // as does a window that was maximised when the program ended.
+    return settings.sGet(QStringLiteral("MainWindowMaximised"), false).toBool() ||
+           (width > screen.width() * 9 / 10 && height > screen.height() * 9 / 10);
+}
+
+void frmMain::SaveWindowSize() {
+    if (isMinimized()) {
+        return;
+    }
+    // A maximised window keeps the size it had before, to go back to.
+    const QSize normal = isMaximized() ? normalGeometry().size() : size();
+    if (normal.isValid()) {
+        m_app.settings.sSet(QStringLiteral("MainWindowWidth"),
+                            static_cast<int32_t>(normal.width()));
+        m_app.settings.sSet(QStringLiteral("MainWindowHeight"),
+                            static_cast<int32_t>(normal.height()));
+    }
+    m_app.settings.sSet(QStringLiteral("MainWindowMaximised"), isMaximized());
+}
+
 void frmMain::FillCategories() {
-    const int previous = std::max(m_categories->currentIndex(), 0);
+    // The chosen filter survives new names; the first filling shows all.
+    const int previous = m_categories->currentIndex();
     m_categories->clear();
     for (int i = 0; i < clsLayers::kCount; ++i) {
         m_categories->addItem(m_app.layers.Layer(i).trimmed(), i);
     }
-    m_categories->setCurrentIndex(
-        m_categories->count() > previous && previous != 0 ? previous : clsLayers::kAllCategories);
+    m_categories->setCurrentIndex(previous >= 0 ? previous : clsLayers::kAllCategories);
 }
 
 int frmMain::currentLayer() const {
@@ -373,10 +395,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
         }
         return;
     }
-    if (!isMinimized() && !isMaximized()) {
-        m_app.settings.sSet(QStringLiteral("MainWindowWidth"), static_cast<int32_t>(width()));
-        m_app.settings.sSet(QStringLiteral("MainWindowHeight"), static_cast<int32_t>(height()));
-    }
+    SaveWindowSize();
     event->accept();
 }
 

@@ -5,6 +5,7 @@
 #include "engine/RefreshTick.h"
 #include "engine/ReminderServices.h"
 
+#include <QLocalServer>
 #include <QMainWindow>
 #include <QTimer>
 
@@ -16,6 +17,7 @@ class EventListView;
 class QAction;
 class QCheckBox;
 class QComboBox;
+
 class QMenu;
 class QSystemTrayIcon;
 class QUndoStack;
@@ -33,9 +35,10 @@ public:
     explicit frmMain(AppContext& app, QWidget* parent = nullptr);
     ~frmMain() override;
 
-    // The start-up part of loading: categories, reminders, the list, the
-    // saved size; shows the window unless silentStart. Starts the timers.
-    void FormLoad(bool silentStart);
+    // The start-up part of loading: the runner on the channel that start-up
+    // claimed (none in tests), categories, reminders, the list, the saved
+    // size; shows the window unless silentStart. Starts the timers.
+    void FormLoad(bool silentStart, std::unique_ptr<QLocalServer> channel = nullptr);
 
     // Rebuilds the list with the current category filter, keeping the
     // selected position.
@@ -93,6 +96,10 @@ private:
     void buildMenus();
     void buildTray();
     void FillCategories();
+    // The saved size (and maximised state); true when the window is to open
+    // maximised. Saving keeps the normal size of a maximised window.
+    bool RestoreWindowSize();
+    void SaveWindowSize();
     int currentLayer() const;
     void ReloadDatabases();
     void showForward();

@@ -6,6 +6,7 @@
 #include "app/EventListView.h"
 #include "app/UndoCommands.h"
 #include "app/dialogs/EventEditFlow.h"
+#include "app/dialogs/TextViewer.h"
 #include "app/dialogs/frmEditLayers.h"
 #include "app/dialogs/frmMonthView.h"
 #include "app/dialogs/frmOptions.h"
@@ -26,7 +27,6 @@
 #include "storage/clsDbXml.h"
 
 #include <QDir>
-#include <QFile>
 #include <QMenu>
 #include <QStatusBar>
 #include <QToolBar>
@@ -106,9 +106,7 @@ void frmMain::PushSelectedEvent() {
             QStringLiteral("Pushed %1 to %2 \u2014 Ctrl+Z to undo")
                 .arg(
                     EventChangeCommand::Quoted(*pushed),
-                    cSharedDateSubs::FormatDayDate(
-                        pushed->DueDate(),
-                        m_app.settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt())),
+                    cSharedDateSubs::ForSettings(m_app.settings).ShortFormatDayDate(pushed->DueDate())),
             kPushMessageMs);
     }
     record(new PushEventCommand(std::move(change), *pushed, stepDone()));
@@ -164,7 +162,11 @@ void frmMain::ViewBackups() {
     const QString folder =
         AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("Autobackups"));
     QDir().mkpath(folder);
-    m_app.opener.OpenDocument(folder);
+    if (!m_app.opener.OpenDocument(folder)) {
+        m_app.dialogs.Message(QStringLiteral("No file manager could be started to show your "
+                                             "backups. They are in this folder:\r\n") +
+                              QDir::toNativeSeparators(folder));
+    }
 }
 
 void frmMain::CheckForUpdate() {
@@ -175,17 +177,7 @@ void frmMain::CheckForUpdate() {
 }
 
 void frmMain::ShowHelp() {
-    // The help page ships inside the program and is opened from the home folder.
-    const QString page = AppPaths::JoinPath(AppPaths::HomeFolder(), QStringLiteral("help.html"));
-    QFile::remove(page);
-    if (QFile::copy(QStringLiteral(":/help.html"), page)) {
-        QFile::setPermissions(page, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
-                                        QFile::ReadOther);
-        m_app.opener.OpenDocument(page);
-    } else {
-        Log().AddAction(QStringLiteral("Unable to write ") + page, QStringLiteral("ShowHelp"),
-                        QStringLiteral("frmMain"));
-    }
+    TextViewer::ShowHelp(this);
 }
 
 void frmMain::ShowAbout() {
@@ -196,8 +188,7 @@ void frmMain::ShowAbout() {
 }
 
 void frmMain::ViewLog() {
-    Log().WriteActionsToLog();
-    m_app.opener.OpenDocument(Log().CurrentLogFilename());
+    TextViewer::ShowLog(this);
 }
 
 void frmMain::ReloadDatabases() {

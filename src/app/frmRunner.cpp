@@ -7,12 +7,11 @@
 #include <QLineEdit>
 #include <QLocalServer>
 #include <QLocalSocket>
-#include <QThread>
 #include <QVBoxLayout>
 
-frmRunner::frmRunner(QWidget* parent)
+frmRunner::frmRunner(std::unique_ptr<QLocalServer> server, QWidget* parent)
     : QWidget(parent, Qt::Window), m_text(new QLineEdit(QString::fromLatin1(kIdle), this)),
-      m_server(new QLocalServer(this)) {
+      m_server(server.release()) {
     setObjectName(QStringLiteral("frmRunner"));
     setWindowTitle(QStringLiteral("TVORunner"));
     m_text->setObjectName(QStringLiteral("txtRunner"));
@@ -20,49 +19,47 @@ frmRunner::frmRunner(QWidget* parent)
     layout->addWidget(m_text);
     m_timer.setObjectName(QStringLiteral("TimerRunner"));
     connect(&m_timer, &QTimer::timeout, this, &frmRunner::TimerRunner_Timer);
-    connect(m_server, &QLocalServer::newConnection, this, &frmRunner::acceptConnection);
+    if (m_server != nullptr) {
+        m_server->setParent(this);
+        connect(m_server, &QLocalServer::newConnection, this, &frmRunner::acceptConnection);
+        acceptConnection(); // copies that called while this one was starting
+    }
     m_timer.start(kIntervalMs);
 }
 
 frmRunner::~frmRunner() = default;
 
-bool frmRunner::Listen() {
-    const QString name = SingleInstance::ServerName();
-    m_server->setSocketOptions(QLocalServer::UserAccessOption);
-    if (m_server->listen(name)) {
-        return true;
-    }
-    // A copy that crashed leaves its socket behind; nobody answered on it
-    // (the caller checked), so it can go.
-    QLocalServer::removeServer(name);
-    if (m_server->listen(name)) {
-        return true;
-    }
-    Log().LogEvent(QStringLiteral("Unable to listen for other copies: ") + m_server->errorString());
-    return false;
-}
-
 void frmRunner::acceptConnection() {
     while (QLocalSocket* socket = m_server->nextPendingConnection()) {
+        socket->setParent(this);
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-        connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
-            bool command = false;
-            while (socket->canReadLine()) {
-                const QByteArray line = socket->readLine().trimmed();
-                if (m_requests && CommandLineWork::IsRequestLine(line)) {
-                    Log().LogEvent(QStringLiteral("Command passed in: ") +
-                                   CommandLineWork::RequestSummary(line));
-                    socket->write(m_requests(line) + '\n');
-                    socket->flush();
-                } else if (!line.isEmpty()) {
-                    m_text->setText(QString::fromUtf8(line));
-                    command = true;
-                }
-            }
-            if (command) {
-                socket->write("OK\n");
-            }
-        });
+        connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readCommands(socket); });
+        // What arrived before the connection was taken up (during start-up)
+        // raised no signal here.
+        if (socket->bytesAvailable() > 0) {
+            readCommands(socket);
+        }
+    }
+}
+
+void frmRunner::readCommands(QLocalSocket* socket) {
+    bool command = false;
+    while (socket->canReadLine()) {
+        const QByteArray line = socket->readLine().trimmed();
+        // A work request from the command line is answered at once; anything
+        // else is a command for the runner's timer (SHOW).
+        if (m_requests && CommandLineWork::IsRequestLine(line)) {
+            Log().LogEvent(QStringLiteral("Command passed in: ") +
+                           CommandLineWork::RequestSummary(line));
+            socket->write(m_requests(line) + '\n');
+            socket->flush();
+        } else if (!line.isEmpty()) {
+            m_text->setText(QString::fromUtf8(line));
+            command = true;
+        }
+    }
+    if (command && socket->state() == QLocalSocket::ConnectedState) {
+        socket->write("OK\n");
     }
 }
 

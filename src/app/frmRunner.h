@@ -5,22 +5,26 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 
 class QLineEdit;
 class QLocalServer;
+class QLocalSocket;
 
 // The hidden window through which a second copy of the program wakes this
-// one. The second copy's command arrives over a local socket and is written
-// into txtRunner; the runner's timer picks it up, logs it, raises
-// commandReceived (the main window comes forward) and returns to idle.
+// one. The second copy's command arrives over the local socket that start-up
+// claimed (SingleInstance::Claim) and is written into txtRunner; the runner's
+// timer picks it up, logs it, raises commandReceived (the main window comes
+// forward) and returns to idle. Commands that came while the program was
+// still starting are picked up as soon as the runner exists.
 class frmRunner : public QWidget {
     Q_OBJECT
 public:
-    explicit frmRunner(QWidget* parent = nullptr);
+    // server: the claimed channel, taken over; null for a runner that only
+    // takes commands written into txtRunner.
+    explicit frmRunner(std::unique_ptr<QLocalServer> server, QWidget* parent = nullptr);
     ~frmRunner() override;
 
-    // Starts listening; false (and logged) when the socket cannot be opened.
-    bool Listen();
     QString text() const;
     QTimer& timer() { return m_timer; }
 
@@ -41,6 +45,7 @@ signals:
 
 private:
     void acceptConnection();
+    void readCommands(QLocalSocket* socket);
 
     QLineEdit* m_text;
     QTimer m_timer;

@@ -3,6 +3,7 @@
 #include "engine/EventEditorInput.h"
 #include "shared/TextEqual.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
 
@@ -20,10 +21,6 @@ CommandResult bad(const QString& message) {
     return {CommandResult::kBadInput, message};
 }
 
-int dateStyleOf(const cSHAREDSettings& settings) {
-    return settings.sGet(QStringLiteral("DateStyle"), 1).toInt16();
-}
-
 QString oneLine(const QString& text) {
     QString out = text;
     out.replace(QLatin1String("\r\n"), QLatin1String(" / "));
@@ -38,15 +35,15 @@ CommandResult Add(const AddRequest& request, EventStore& store, DateValue today)
     if (request.description.trimmed().isEmpty()) {
         return bad(QStringLiteral("The description is empty."));
     }
-    const int dateStyle = dateStyleOf(store.settings);
-    const std::optional<DateValue> day = EventEditorRules::ParseStartDate(request.date, dateStyle);
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(store.settings);
+    const std::optional<DateValue> day = EventEditorRules::ParseStartDate(request.date, dates);
     if (!day) {
         return bad(QStringLiteral("\"") + request.date + QStringLiteral("\" is not a date: use ") +
-                   EventEditorRules::DateFormatText(dateStyle) + QStringLiteral(" or YYYY-MM-DD."));
+                   dates.DateFormatString + QStringLiteral(" or YYYY-MM-DD."));
     }
     if (*day < today) {
         return bad(QStringLiteral("The date ") +
-                   EventEditorRules::FormatStartDate(*day, dateStyle) +
+                   dates.ShortFormatDate(*day) +
                    QStringLiteral(" lies in the past."));
     }
     int layer = 1; // the editor's first choice
@@ -85,7 +82,7 @@ CommandResult Add(const AddRequest& request, EventStore& store, DateValue today)
     event->CalcDaysLeft();
     store.events.StoreRecord(event);
     store.events.SaveDB();
-    QString when = EventEditorRules::FormatStartDate(*day, dateStyle);
+    QString when = dates.ShortFormatDate(*day);
     if (event->AlarmSet()) {
         when += QLatin1Char(' ') + FormatHM(event->DueTime());
     }
@@ -148,7 +145,7 @@ QStringList Agenda(const QList<EventPtr>& events, const clsLayers& layers, DateV
     for (const Item& item : items) {
         const QString time = item.time < 0 ? QStringLiteral("     ") : FormatHM(item.time);
         lines << locale.dayName(ToQDate(item.day).dayOfWeek(), QLocale::ShortFormat) +
-                     QLatin1Char(' ') + EventEditorRules::FormatStartDate(item.day, dateStyle) +
+                     QLatin1Char(' ') + cSharedDateSubs::ForDateStyle(dateStyle).ShortFormatDate(item.day) +
                      QLatin1Char(' ') + time + QStringLiteral("  ") + item.text;
     }
     return lines;

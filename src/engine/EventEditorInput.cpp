@@ -2,6 +2,7 @@
 
 #include "model/clsEvent.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "storage/clsSounds.h"
 
 #include <QFileInfo>
@@ -14,9 +15,12 @@ namespace EventEditorRules {
 
 namespace {
 
-EventEditorOutcome fail(const char* message, const char* title = nullptr) {
-    return {false, QString::fromLatin1(message),
-            title != nullptr ? QString::fromLatin1(title) : QString()};
+EventEditorOutcome fail(const char* message, const QString& focus = {}) {
+    return {false, QString::fromLatin1(message), {}, focus};
+}
+
+EventEditorOutcome dataError() {
+    return {false, QString::fromLatin1(kDataError), QString::fromLatin1(kErrorTitle), {}};
 }
 
 // A box's number as a 16-bit field takes it: rounded half to even; empty
@@ -35,27 +39,25 @@ std::optional<int16_t> Int16Of(const QString& text) {
     return static_cast<int16_t>(rounded);
 }
 
-QString qtDateFormat(int dateStyle) {
-    return dateStyle == 1 ? QStringLiteral("dd/MM/yyyy") : QStringLiteral("MM/dd/yyyy");
-}
-
 // Start date and period of an interval tab (types 2, 3 and 5).
+// The tab's controls are named after its unit: "txt" + unit + "Period" and
+// "lbl" + unit + "StartDate".
 EventEditorOutcome saveInterval(const QString& start, const QString& period, clsEvent& event,
-                                int dateStyle) {
-    const std::optional<DateValue> day = ParseStartDate(start, dateStyle);
+                                cSharedDateSubs& dates, const char* unit) {
+    const std::optional<DateValue> day = ParseStartDate(start, dates);
     if (!day) {
-        return fail(kBadStartDate);
+        return fail(kBadStartDate, QStringLiteral("lbl%1StartDate").arg(QLatin1String(unit)));
     }
     if (!Number(period)) {
-        return fail(kBadPeriod);
+        return fail(kBadPeriod, QStringLiteral("txt%1Period").arg(QLatin1String(unit)));
     }
     const std::optional<int16_t> count = Int16Of(period);
     if (!count) {
-        return fail(kDataError, kErrorTitle);
+        return dataError();
     }
     event.setStartDate(*day);
     event.setPeriod(*count);
-    return {true, {}, {}};
+    return {true, {}, {}, {}};
 }
 
 } // namespace
@@ -67,7 +69,11 @@ QString BadTimeMessage(const QString& text) {
 QString NormaliseTime(const QString& text) {
     QString t = text;
     t.replace(QLatin1Char(';'), QLatin1Char(':'));
-    return t.trimmed();
+    t = t.trimmed();
+    if (t.size() == 4 && t.at(0).isDigit() && t.at(1) == QLatin1Char(':')) {
+        t.prepend(QLatin1Char('0'));
+    }
+    return t;
 }
 
 bool TimeInRange(const QString& text) {
@@ -103,24 +109,15 @@ std::optional<double> Number(const QString& text) {
     return value;
 }
 
-QString DateFormatText(int dateStyle) {
-    return dateStyle == 1 ? QStringLiteral("DD/MM/YYYY") : QStringLiteral("MM/DD/YYYY");
-}
-
-QString FormatStartDate(DateValue day, int dateStyle) {
-    return ToQDate(day).toString(qtDateFormat(dateStyle));
-}
-
-std::optional<DateValue> ParseStartDate(const QString& text, int dateStyle) {
-    const QString t = text.trimmed();
-    QDate d = QDate::fromString(t, qtDateFormat(dateStyle));
-    if (!d.isValid()) {
-        d = QDate::fromString(t, Qt::ISODate);
+std::optional<DateValue> ParseStartDate(const QString& text, cSharedDateSubs& dates) {
+    std::optional<DateValue> day = dates.ConvertMyDateVar(text);
+    if (!day) {
+        day = ParseDateValue(text);
     }
-    if (!d.isValid() || d.year() < kMinYear || d.year() > kMaxYear) {
+    if (!day || *day != DateOnly(*day)) {
         return std::nullopt;
     }
-    return FromQDate(d);
+    return day;
 }
 
 QString AlarmAdvice(const QString& time, const QString& minutesWarning) {
@@ -152,17 +149,17 @@ EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& 
     if (in.timed) {
         in.time = NormaliseTime(in.time);
         if (!TimeInRange(in.time)) {
-            return fail(kTimeRange);
+            return fail(kTimeRange, QStringLiteral("txtTime"));
         }
         if (in.minutesWarning.isEmpty()) {
             in.minutesWarning = QStringLiteral("0");
         }
         const std::optional<double> warning = Number(in.minutesWarning);
         if (!warning) {
-            return fail(kDataError, kErrorTitle);
+            return dataError();
         }
         if (*warning > 60) {
-            return fail(kMaxWarning);
+            return fail(kMaxWarning, QStringLiteral("txtMinutesWarning"));
         }
     }
 
@@ -208,11 +205,12 @@ EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& 
     if (in.timed) {
         const std::optional<DateValue> due = TimeValue(in.time);
         if (!due) {
-            return {false, BadTimeMessage(in.time), QString::fromLatin1(kErrorTitle)};
+            return {false, BadTimeMessage(in.time), QString::fromLatin1(kErrorTitle),
+                    QStringLiteral("txtTime")};
         }
         const std::optional<int16_t> minutes = Int16Of(in.minutesWarning);
         if (!minutes) {
-            return fail(kDataError, kErrorTitle);
+            return dataError();
         }
         event.setDueTime(*due);
         event.setMinutesWarning(*minutes);
@@ -246,13 +244,13 @@ EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& 
     event.setRecurrenceType(in.recurrenceType);
     const std::optional<int16_t> days = Int16Of(in.daysWarning);
     if (!days) {
-        return fail(kDataError, kErrorTitle);
+        return dataError();
     }
     event.setDaysWarning(*days);
     event.setStartDate(TodayDate());
     event.setLayer(static_cast<int16_t>(in.layer));
 
-    const int dateStyle = settings.sGet(QStringLiteral("DateStyle"), 1).toInt16();
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(settings);
     switch (in.recurrenceType) {
     case clsEvent::DaysOfWeek: {
         int mask = 0;
@@ -261,34 +259,38 @@ EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& 
                 mask += 1 << i;
             }
         }
+        if (mask == 0) {
+            // A weekday event on no day would never fall due.
+            return fail(kNoWeekday, QStringLiteral("chkDay1"));
+        }
         event.setWeekDays(static_cast<int16_t>(mask));
-        return {true, {}, {}};
+        return {true, {}, {}, {}};
     }
     case clsEvent::DayOfMonthType: {
         if (!Number(in.dayOfMonth)) {
-            return fail(kBadDayOfMonth);
+            return fail(kBadDayOfMonth, QStringLiteral("txtDayOfMonth"));
         }
         const std::optional<int16_t> day = Int16Of(in.dayOfMonth);
         if (!day) {
-            return fail(kDataError, kErrorTitle);
+            return dataError();
         }
         event.setDayOfMonth(*day);
         event.setMonthNumber(static_cast<int16_t>(in.monthNamesIndex + 1));
-        return {true, {}, {}};
+        return {true, {}, {}, {}};
     }
     case clsEvent::EveryXMonths:
-        return saveInterval(in.monthlyStart, in.monthlyPeriod, event, dateStyle);
+        return saveInterval(in.monthlyStart, in.monthlyPeriod, event, dates, "Monthly");
     case clsEvent::Weekly:
-        return saveInterval(in.weeklyStart, in.weeklyPeriod, event, dateStyle);
+        return saveInterval(in.weeklyStart, in.weeklyPeriod, event, dates, "Weekly");
     case clsEvent::NthWeekday:
         event.setDaynumber(static_cast<int16_t>(in.dayNumberIndex + 1));
         event.setDayOfWeek(static_cast<int16_t>(in.dayNameIndex + 1));
         event.setMonthNumber(static_cast<int16_t>(in.monthsIndex));
-        return {true, {}, {}};
+        return {true, {}, {}, {}};
     case clsEvent::EveryXDays:
-        return saveInterval(in.dailyStart, in.dailyPeriod, event, dateStyle);
+        return saveInterval(in.dailyStart, in.dailyPeriod, event, dates, "Daily");
     default:
-        return {true, {}, {}};
+        return {true, {}, {}, {}};
     }
 }
 

@@ -10,6 +10,7 @@
 
 class clsEvent;
 class cSHAREDSettings;
+class cSharedDateSubs;
 
 // What the event editor's controls hold, as plain values, so that the rules
 // that turn them into an event run (and are tested) without a window. Texts
@@ -48,11 +49,13 @@ struct EventEditorInput {
 };
 
 // The result of a save: either saved, or the message (and its box title;
-// empty = the application's title) that tells the user what to correct.
+// empty = the application's title) that tells the user what to correct, and
+// the control (by name) that holds the entry to correct, if one does.
 struct EventEditorOutcome {
     bool saved = false;
     QString message;
     QString title;
+    QString focus;
 };
 
 // The editor's rules: checking the controls in order and writing them into
@@ -64,6 +67,7 @@ inline constexpr const char* kMaxWarning = "Maximum warning is 60 minutes";
 inline constexpr const char* kBadDayOfMonth = "Please enter a valid day of the month";
 inline constexpr const char* kBadStartDate = "Please enter a valid starting date";
 inline constexpr const char* kBadPeriod = "Please enter a number in the repeat box";
+inline constexpr const char* kNoWeekday = "Please select at least one day of the week";
 inline constexpr const char* kDataError = "An error occurred.  Please check the data fields.";
 inline constexpr const char* kErrorTitle = "Error";
 
@@ -76,7 +80,8 @@ EventEditorOutcome Save(EventEditorInput& input, clsEvent& event, cSHAREDSetting
 // "Time field " + text + " is not valid, please correct".
 QString BadTimeMessage(const QString& text);
 
-// The time box after the editor's tidying: ";" read as ":", blanks trimmed.
+// The time box after the editor's tidying: ";" read as ":", blanks trimmed,
+// a one-digit hour given its leading zero ("9:30" is "09:30").
 QString NormaliseTime(const QString& text);
 // Whether the tidied text passes the range check: "HH:MM", hours 0..23 and
 // minutes 0..59 (each two characters read as a number).
@@ -88,13 +93,10 @@ std::optional<DateValue> TimeValue(const QString& text);
 // point, sign); empty when the text is not a number.
 std::optional<double> Number(const QString& text);
 
-// "DD/MM/YYYY" when dateStyle is 1, else "MM/DD/YYYY": the start-date
-// labels show this until a date is picked.
-QString DateFormatText(int dateStyle);
-QString FormatStartDate(DateValue day, int dateStyle);
-// A start-date label's text as a day; empty for anything else (the format
-// text included). The editor's own format is tried first, then "YYYY-MM-DD".
-std::optional<DateValue> ParseStartDate(const QString& text, int dateStyle);
+// A start-date label's text as a day, read in the order of the user's date
+// style; "YYYY-MM-DD" is accepted too. Empty for anything else (the format
+// text the label shows before a date is picked included).
+std::optional<DateValue> ParseStartDate(const QString& text, cSharedDateSubs& dates);
 
 // "(Alarm will sound at H:MMam/pm)" for a time box and a warning box, or
 // "" when the time is not valid. The shown time wraps round midnight.

@@ -15,6 +15,8 @@ public:
     virtual void AddToList(const QString& text) = 0;
     // Sets the heading label and the window caption.
     virtual void Heading(const QString& text) = 0;
+    // Sets the window caption only (the heading with its date, after Heading).
+    virtual void Caption(const QString& text) = 0;
     // Whether the window plays a sound when it comes up, and which file (a
     // file that does not exist, empty included, means the default sound).
     virtual void setSoundFlag(bool on) = 0;

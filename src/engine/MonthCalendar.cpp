@@ -1,5 +1,7 @@
 #include "engine/MonthCalendar.h"
 
+#include "shared/cSharedDateSubs.h"
+
 #include <QLocale>
 
 #include <algorithm>
@@ -32,11 +34,9 @@ void MonthCalendar::AddEvent(clsEvent& event, int layer, bool networked) {
     }
     const DateValue last = LastDay();
     auto lineFor = [&](int chars) {
-        QString line = event.Desc().left(chars);
-        if (networked) {
-            line += QStringLiteral(" [") + event.Owner() + QLatin1Char(']');
-        }
-        return line;
+        return Line{event.Desc(),
+                    networked ? QStringLiteral(" [") + event.Owner() + QLatin1Char(']') : QString(),
+                    chars};
     };
 
     if (!event.Recurring()) {
@@ -54,7 +54,7 @@ void MonthCalendar::AddEvent(clsEvent& event, int layer, bool networked) {
     if (DateOnly(event.DueDate()) < m_first) {
         event.CalcNextAfterDate(m_first);
     }
-    const QString line = lineFor(kRecurringChars);
+    const Line line = lineFor(kRecurringChars);
     DateValue due = DateOnly(event.DueDate());
     while (due >= m_first && due <= last) {
         addLine(due, line);
@@ -69,7 +69,7 @@ void MonthCalendar::AddEvent(clsEvent& event, int layer, bool networked) {
     }
 }
 
-void MonthCalendar::addLine(DateValue day, const QString& line) {
+void MonthCalendar::addLine(DateValue day, const Line& line) {
     const int index = static_cast<int>(day - m_first);
     if (index >= 0 && index < m_dayCount) {
         m_lines[static_cast<size_t>(index)].append(line);
@@ -77,38 +77,58 @@ void MonthCalendar::addLine(DateValue day, const QString& line) {
 }
 
 QStringList MonthCalendar::Lines(int day) const {
-    if (day < 1 || day > m_dayCount) {
-        return {};
+    QStringList out;
+    if (day >= 1 && day <= m_dayCount) {
+        for (const Line& line : m_lines[static_cast<size_t>(day - 1)]) {
+            out.append(line.desc.left(line.boxChars) + line.owner);
+        }
     }
-    return m_lines[static_cast<size_t>(day - 1)];
+    return out;
+}
+
+QStringList MonthCalendar::FullLines(int day) const {
+    QStringList out;
+    if (day >= 1 && day <= m_dayCount) {
+        for (const Line& line : m_lines[static_cast<size_t>(day - 1)]) {
+            QString desc = line.desc;
+            desc.replace(QStringLiteral("\r\n"), QStringLiteral(" "))
+                .replace(QLatin1Char('\r'), QLatin1Char(' '))
+                .replace(QLatin1Char('\n'), QLatin1Char(' '));
+            out.append(desc + line.owner);
+        }
+    }
+    return out;
 }
 
 int MonthCalendar::TotalLines() const {
     int total = 0;
-    for (const QStringList& lines : m_lines) {
+    for (const QList<Line>& lines : m_lines) {
         total += static_cast<int>(lines.size());
     }
     return total;
 }
 
 void MonthCalendar::Clear() {
-    for (QStringList& lines : m_lines) {
+    for (QList<Line>& lines : m_lines) {
         lines.clear();
     }
 }
 
 QString MonthCalendar::MonthTitle() const {
-    return QLocale().toString(ToQDate(m_first), QStringLiteral("MMMM yyyy"));
+    return cSharedDateSubs::FormatWith(m_first, QStringLiteral("MMMM YYYY"), QLocale());
+}
+
+QString MonthCalendar::DayTitle(int day, const QLocale& locale) const {
+    return cSharedDateSubs::FormatWith(m_first + day - 1, QStringLiteral("DDD"), locale) +
+           QLatin1Char(' ') + QString::number(day);
 }
 
 QString MonthCalendar::EventListText() const {
     const QLocale locale;
     QStringList out{QStringLiteral("Events for ") + MonthTitle()};
     for (int day = 1; day <= m_dayCount; ++day) {
-        const QDate date = ToQDate(m_first + day - 1);
-        out.append(locale.toString(date, QStringLiteral("ddd")) + QLatin1Char(' ') +
-                   QString::number(day) + QLatin1Char('\t') +
-                   m_lines[static_cast<size_t>(day - 1)].join(QStringLiteral("; ")));
+        out.append(DayTitle(day, locale) + QLatin1Char('\t') +
+                   FullLines(day).join(QStringLiteral("; ")));
     }
     return out.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }

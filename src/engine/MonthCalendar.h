@@ -4,6 +4,7 @@
 #include "shared/DateValue.h"
 
 #include <QList>
+#include <QLocale>
 #include <QString>
 #include <QStringList>
 
@@ -18,6 +19,7 @@ public:
     static constexpr int kBoxCount = 42;
     // Lengths of description kept in a day box: recurring events get more
     // room than one-off events. The difference is how it has always looked.
+    // The event lists (viewed and printed) show whole descriptions.
     static constexpr int kRecurringChars = 22;
     static constexpr int kOneOffChars = 12;
     static constexpr int kAllLayers = 20;
@@ -51,24 +53,35 @@ public:
     void AddEvents(const QList<EventPtr>& events, int layer, bool networked);
     void AddEvent(clsEvent& event, int layer, bool networked);
 
-    // The event lines of day d (1-based); empty outside the month.
+    // The event lines of day d (1-based) as its day box shows them, each
+    // description cut short; empty outside the month.
     QStringList Lines(int day) const;
+    // The same lines with whole descriptions (line breaks as blanks), for
+    // the event lists.
+    QStringList FullLines(int day) const;
     int TotalLines() const;
     void Clear();
 
     // "MMMM YYYY" in the default locale ("March 2009").
     QString MonthTitle() const;
+    // Day d with its weekday name: "Sun 1".
+    QString DayTitle(int day, const QLocale& locale = QLocale()) const;
     // The month as plain text: "Events for " + title, then per day its
-    // weekday name ("Sun"), a blank, the day, a tab and its event lines.
+    // weekday name ("Sun"), a blank, the day, a tab and its full event lines.
     QString EventListText() const;
 
 private:
-    void addLine(DateValue day, const QString& line);
+    struct Line {
+        QString desc;
+        QString owner; // " [owner]" in networked mode, else empty
+        int boxChars;  // how much of desc the day box shows
+    };
+    void addLine(DateValue day, const Line& line);
 
     int m_year;
     int m_month;
     DateValue m_first;
     int m_dayCount;
     int m_firstWeekday;
-    std::array<QStringList, 31> m_lines;
+    std::array<QList<Line>, 31> m_lines;
 };

@@ -18,12 +18,6 @@ OccurrencePreview OccurrencePreview::Of(const EventEditorInput& input, const cls
         preview.problem = outcome.message;
         return preview;
     }
-    // No weekday ticked can never match; said here rather than by a search
-    // that gives up and logs at every tick of a box.
-    if (copy.RecurrenceType() == clsEvent::DaysOfWeek && (copy.WeekDays() & 0xFE) == 0) {
-        preview.problem = QString::fromLatin1(kNoDate);
-        return preview;
-    }
     const int count = preview.once ? 1 : kCount;
     // A search that finds nothing leaves the due date where it was, before `from`.
     DateValue from = TodayDate();
@@ -44,13 +38,13 @@ OccurrencePreview OccurrencePreview::Of(const EventEditorInput& input, const cls
     return preview;
 }
 
-QString OccurrencePreview::Text(int dateStyle) const {
+QString OccurrencePreview::Text(cSharedDateSubs& dateFormat) const {
     if (dates.isEmpty()) {
         return problem;
     }
     QStringList shown;
     for (DateValue d : dates) {
-        shown.append(cSharedDateSubs::FormatDayDate(d, dateStyle));
+        shown.append(dateFormat.ShortFormatDayDate(d));
     }
     return (once ? QStringLiteral("Once: ") : QStringLiteral("Next: ")) +
            shown.join(QStringLiteral(", "));

@@ -7,6 +7,7 @@
 
 class clsEvent;
 class cSHAREDSettings;
+class cSharedDateSubs;
 
 // The event editor's line under the recurrence tabs: the next dates the
 // event will fall on with the rule as it stands in the controls, worked out
@@ -28,6 +29,6 @@ struct OccurrencePreview {
                                 cSHAREDSettings& settings);
 
     // "Next: Fri 28/03/2025, Fri 25/04/2025, ...", "Once: Fri 28/03/2025", or
-    // the problem; dates in the order of the setting "DateStyle".
-    QString Text(int dateStyle) const;
+    // the problem; dates as dateFormat writes them.
+    QString Text(cSharedDateSubs& dateFormat) const;
 };

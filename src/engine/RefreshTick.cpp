@@ -32,7 +32,7 @@ void RefreshTick::TimerRefresh_Timer() {
             m_hooks.refillList();
         }
     }
-    CheckAlarms(m_services);
+    CheckAlarms(m_services, &m_fired);
     RememberLastRun(now);
     if (m_hooks.setTimerEnabled) {
         m_hooks.setTimerEnabled(true);

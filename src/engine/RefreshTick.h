@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/FiredAlarms.h"
 #include "engine/ReminderServices.h"
 #include "shared/DateValue.h"
 
@@ -16,6 +17,8 @@
 // by more than kGapMinutes since the previous tick, or at start-up since the
 // last run (the "LastRun" setting, kept at every tick's minute), the alarms
 // that fell in between are listed in a "MISSED" window (MissedAlarms).
+// tick, so a tick at least once a minute is needed for every alarm to fire;
+// each alarm is raised once in its minute, however many ticks see it.
 class RefreshTick {
 public:
     struct Hooks {
@@ -56,4 +59,5 @@ private:
     int16_t m_day = 0;
     DateValue m_lastTick = 0; // 0 before the first tick
     bool m_lastRunUnsaved = false;
+    FiredAlarms m_fired;
 };

@@ -1,11 +1,13 @@
 #include "engine/clsReminder.h"
 
 #include "engine/IDesktopNotifier.h"
+#include "engine/FiredAlarms.h"
 #include "engine/IReminderWindow.h"
 #include "shared/IFileOpener.h"
 #include "shared/OwnerId.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
 #include "storage/clsDbXml.h"
 
@@ -54,6 +56,7 @@ void clsReminder::UpdateAllEvents() {
     clsDbXml& events = m_services.events;
     // Taken once: DeleteRecord only marks, so positions never shift.
     const QList<EventPtr> list = events.Events();
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(m_services.settings);
     for (const EventPtr& e : list) {
         if (e->Deleted) {
             continue; // already gone from the database
@@ -63,13 +66,13 @@ void clsReminder::UpdateAllEvents() {
             continue;
         }
         if (e->Recurring()) {
-            Log().LogEvent(QStringLiteral("Event expired and updated: ") + FormatYMD(e->DueDate()) +
-                           QLatin1Char(' ') + e->Desc());
+            Log().LogEvent(QStringLiteral("Event expired and updated: ") +
+                           dates.ShortFormatDate(e->DueDate()) + QLatin1Char(' ') + e->Desc());
             e->CalcNextDueDate();
             e->CalcDaysLeft();
         } else {
-            Log().LogEvent(QStringLiteral("Event expired and deleted: ") + FormatYMD(e->DueDate()) +
-                           QLatin1Char(' ') + e->Desc());
+            Log().LogEvent(QStringLiteral("Event expired and deleted: ") +
+                           dates.ShortFormatDate(e->DueDate()) + QLatin1Char(' ') + e->Desc());
             // The expired database receives the very object that DeleteRecord
             // then marks deleted, so its save leaves it out: a passed one-off
             // event leaves "Events.xml" without reaching "Expired.xml". Users'
@@ -84,12 +87,16 @@ void clsReminder::UpdateAllEvents() {
 
 void clsReminder::DisplayReminders() {
     UpdateAllEvents();
-    IReminderWindow& today = todayWindow();
+    // Made (and so shown) in this order: today's window comes up last, on top.
     IReminderWindow& comingUp = comingUpWindow();
+    IReminderWindow& today = todayWindow();
     today.ClearList();
     comingUp.ClearList();
 
     const DateValue todayDate = TodayDate();
+    const QString dated =
+        QStringLiteral(" - ") +
+        cSharedDateSubs::ForSettings(m_services.settings).ShortFormatDate(todayDate);
     const QList<EventPtr> list = m_services.events.Events();
     bool anyComingUp = false;
     QMultiMap<int, QString> comingUpByDays; // the notification's lines, soonest first
@@ -111,6 +118,7 @@ void clsReminder::DisplayReminders() {
         Log().LogEvent(QStringLiteral("Showing upcoming reminders"));
         comingUp.Heading(QStringLiteral("COMING UP"));
         NotifyDesktop(m_services, QStringLiteral("COMING UP"), comingUpByDays.values(), false);
+        comingUp.Caption(QStringLiteral("COMING UP") + dated);
     } else {
         comingUp.Unload();
         m_comingUp = nullptr;
@@ -138,6 +146,7 @@ void clsReminder::DisplayReminders() {
         Log().LogEvent(QStringLiteral("Showing today's reminders"));
         today.Heading(QStringLiteral("TODAY!"));
         NotifyDesktop(m_services, QStringLiteral("TODAY!"), todayLines, false);
+        today.Caption(QStringLiteral("TODAY!") + dated);
     } else {
         today.Unload();
         m_today = nullptr;
@@ -145,7 +154,7 @@ void clsReminder::DisplayReminders() {
     QCoreApplication::processEvents();
 }
 
-void clsReminder::DisplayAlarms(clsDbXml& db) {
+void clsReminder::DisplayAlarms(clsDbXml& db, FiredAlarms* fired) {
     // Each database gets a window of its own, so that the shared database's
     // pass cannot clear or close a window that the user's own alarms filled.
     IReminderWindow& alarm = *m_services.windows.CreateReminderWindow();
@@ -156,13 +165,15 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
     const bool foreign = &db == m_services.shared;
 
     QList<EventPtr> runList;
-    bool fired = false;
-    QStringList lines; // for the notification
+    QStringList lines; // for the desktop notification
     const QList<EventPtr> list = db.Events();
     for (const EventPtr& e : list) {
         if (e->Deleted || !e->AlarmSet() || DateOnly(e->DueDate()) != today ||
             alarmMinute(e->AlarmTime()) != minute) {
             continue;
+        }
+        if (fired != nullptr && !fired->FirstInMinute(*e, now)) {
+            continue; // an earlier tick of this minute raised it
         }
         if (e->ExecFile && !foreign) {
             runList.append(e);
@@ -174,7 +185,6 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
                            QStringLiteral(" and only the owner's own events open files"));
         }
         alarm.AddToList(e->Desc());
-        fired = true;
         lines << e->Desc();
     }
     for (const EventPtr& e : runList) {
@@ -186,8 +196,10 @@ void clsReminder::DisplayAlarms(clsDbXml& db) {
                            QStringLiteral(" - file not found"));
         }
     }
-    if (fired) {
+    if (!lines.isEmpty()) {
         alarm.Heading(QStringLiteral("ALARM!"));
+        alarm.Caption(QStringLiteral("ALARM! - ") +
+                      cSharedDateSubs::ForSettings(m_services.settings).ShortFormatDateTime(now));
         alarm.setSoundFlag(true);
         alarm.MakeTopmost();
         NotifyDesktop(m_services, QStringLiteral("ALARM!"), lines, true);
@@ -201,11 +213,11 @@ void ShowReminders(ReminderServices& services) {
     reminder.DisplayReminders();
 }
 
-void CheckAlarms(ReminderServices& services) {
+void CheckAlarms(ReminderServices& services, FiredAlarms* fired) {
     clsReminder reminder(services);
-    reminder.DisplayAlarms(services.events);
+    reminder.DisplayAlarms(services.events, fired);
     if (networked(services.settings) && services.shared != nullptr) {
-        reminder.DisplayAlarms(*services.shared);
+        reminder.DisplayAlarms(*services.shared, fired);
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <QString>
 
+class FiredAlarms;
 class IReminderWindow;
 
 // One pass of the reminder engine: rolls past events forward or moves them
@@ -22,8 +23,9 @@ public:
     void DisplayReminders();
     // The "ALARM!" window for the events of db whose alarm minute is now, and
     // the files of due run-a-file events (only the user's own: a file named
-    // by another user's shared event is never opened here).
-    void DisplayAlarms(clsDbXml& db);
+    // by another user's shared event is never opened here). With fired, an
+    // alarm already raised in this minute is not raised again.
+    void DisplayAlarms(clsDbXml& db, FiredAlarms* fired = nullptr);
 
 private:
     IReminderWindow& todayWindow();
@@ -38,8 +40,8 @@ private:
 // A new pass that shows the day's reminders.
 void ShowReminders(ReminderServices& services);
 // A new pass that raises this minute's alarms: the events database, then in
-// networked mode the shared database.
-void CheckAlarms(ReminderServices& services);
+// networked mode the shared database. fired: see DisplayAlarms.
+void CheckAlarms(ReminderServices& services, FiredAlarms* fired = nullptr);
 // Deletes an event on the user's command. In networked mode only the owner
 // may: anyone else is told who can. True when the event was deleted.
 bool DeleteEvent(ReminderServices& services, const QString& idCode);

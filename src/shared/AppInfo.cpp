@@ -1,7 +1,5 @@
 #include "shared/AppInfo.h"
 
-#include "shared/DateValue.h"
-
 #include <QSysInfo>
 
 namespace AppInfo {
@@ -21,16 +19,6 @@ QString OperatingSystemText() {
 
 QString BuildText() {
     return QStringLiteral("Qt ") + QLatin1String(QT_VERSION_STR);
-}
-
-// The two addresses below are the places to change for a distribution.
-QString BugReportAddress() {
-    return QStringLiteral("bugs") + QString::number(YearOf(TodayDate())) +
-           QStringLiteral("@tarvo.example.org");
-}
-
-QUrl HelpUrl() {
-    return QUrl(QStringLiteral("https://tarvo.example.org/help/"));
 }
 
 } // namespace AppInfo

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QUrl>
 
 // Who the program says it is, in one place: the title used for message boxes
 // and the log header, the version text, and the files it keeps in its home
@@ -17,11 +16,5 @@ QString OperatingSystemText();
 // What build this is, beside the version: the toolkit it was built with
 // (first line of an error report).
 QString BuildText();
-
-// Where error reports are mailed. The mailbox name carries the current year,
-// so that old addresses can be retired each year.
-QString BugReportAddress();
-// The program's help, opened by the Help buttons.
-QUrl HelpUrl();
 
 } // namespace AppInfo

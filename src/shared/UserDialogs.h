@@ -44,16 +44,10 @@ public:
     virtual std::optional<QString> ChooseOpenFile(const QString& title, const QString& startFolder,
                                                   const QString& filter) = 0;
 
-    // Chooses a file to write, starting at startPath (a folder or a proposed
-    // file); filter as for ChooseOpenFile. std::nullopt on cancel, and from
-    // seams that offer no such chooser.
-    virtual std::optional<QString> ChooseSaveFile(const QString& title, const QString& startPath,
-                                                  const QString& filter) {
-        (void)title;
-        (void)startPath;
-        (void)filter;
-        return std::nullopt;
-    }
+    // Chooses the name of a file to write, starting at suggestedPath (a folder
+    // or a full name); the filter as for ChooseOpenFile. std::nullopt on cancel.
+    virtual std::optional<QString>
+    ChooseSaveFile(const QString& title, const QString& suggestedPath, const QString& filter) = 0;
 
     // Chooses a folder; std::nullopt on cancel.
     virtual std::optional<QString> ChooseFolder(const QString& title,

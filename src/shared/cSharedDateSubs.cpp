@@ -1,5 +1,6 @@
 #include "shared/cSharedDateSubs.h"
 
+#include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 
 #include <QRegularExpression>
@@ -24,6 +25,20 @@ QString TwoDigits(int n) {
 cSharedDateSubs::cSharedDateSubs(const QString& probeText, const QLocale& locale)
     : m_probe(probeText.isEmpty() ? SystemProbeText(locale) : probeText), m_locale(locale) {
     Initialise();
+}
+
+cSharedDateSubs& cSharedDateSubs::ForDateStyle(int dateStyle) {
+    // Each made on first use, so the log shows only the styles in use.
+    if (dateStyle == 1) {
+        static cSharedDateSubs dayFirst(QStringLiteral("25/12/2001"));
+        return dayFirst;
+    }
+    static cSharedDateSubs monthFirst(QStringLiteral("12/25/2001"));
+    return monthFirst;
+}
+
+cSharedDateSubs& cSharedDateSubs::ForSettings(const cSHAREDSettings& settings) {
+    return ForDateStyle(settings.sGet(QStringLiteral("DateStyle"), 1).toInt());
 }
 
 QString cSharedDateSubs::SystemProbeText(const QLocale& locale) {
@@ -207,12 +222,6 @@ QString cSharedDateSubs::FormatWith(DateValue date, const QString& format, const
     return out;
 }
 
-QString cSharedDateSubs::FormatDayDate(DateValue date, int dateStyle, const QLocale& locale) {
-    return FormatWith(
-        date, dateStyle == 1 ? QStringLiteral("DDD DD/MM/YYYY") : QStringLiteral("DDD MM/DD/YYYY"),
-        locale);
-}
-
 QString cSharedDateSubs::format(DateValue date, const QString& formatString,
                                 const char* procedure) {
     Initialise();
@@ -239,6 +248,29 @@ QString cSharedDateSubs::LocalDateFormat() {
 
 QString cSharedDateSubs::ShortFormatDate(DateValue date) {
     return format(date, DateFormatString, "ShortFormatDate");
+}
+
+QString cSharedDateSubs::ShortFormatDateTime(DateValue date) {
+    return format(date, DateFormatString + QStringLiteral(" HH:MM"), "ShortFormatDateTime");
+}
+
+QString cSharedDateSubs::ShortFormatDayDate(DateValue date) {
+    return format(date, QStringLiteral("DDD ") + DateFormatString, "ShortFormatDayDate");
+}
+
+QString cSharedDateSubs::DayMonth(DateValue date) {
+    return DayMonth(ToQDate(date));
+}
+
+QString cSharedDateSubs::DayMonth(const QDate& d) {
+    Initialise();
+    if (!d.isValid() || SysDateDayField == SysDateMonthField) {
+        return {};
+    }
+    const QString day = TwoDigits(d.day());
+    const QString month = TwoDigits(d.month());
+    return SysDateDayField < SysDateMonthField ? day + DateSeparator + month
+                                               : month + DateSeparator + day;
 }
 
 std::optional<DateValue> cSharedDateSubs::ConvertMyDateVar(const QString& text) {

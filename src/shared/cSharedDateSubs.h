@@ -9,12 +9,18 @@
 #include <cstdint>
 #include <optional>
 
+class cSHAREDSettings;
+
 // Shows dates the way the user's system writes them: learns the order of day,
 // month and year and the separator from the system's short-date text of one
 // probe date, 25 December 2001, and builds the format strings from it.
 //
-// Format strings use the traditional letters: YYYY / YY year, MMM month name,
-// MM month number, DDDD / DDD weekday name, DD day, HH:MM hours and minutes;
+// Every date the program shows goes through here: the list, the editor, the
+// printouts, the reminder windows and the log use ForSettings, which follows
+// the user's "DateStyle" setting instead of the system.
+//
+// Format strings use the traditional letters: YYYY / YY year, MMMM / MMM month
+// name, MM month number, DDDD / DDD weekday name, DD day, HH:MM hours and minutes;
 // other characters are written as they are.
 class cSharedDateSubs {
 public:
@@ -49,6 +55,14 @@ public:
     QString LocalDateFormat();
     // With DateFormatString.
     QString ShortFormatDate(DateValue date);
+    // ShortFormatDate followed by a blank and "HH:MM".
+    QString ShortFormatDateTime(DateValue date);
+    // The short weekday name, a blank and ShortFormatDate: "Fri 28/03/2025".
+    QString ShortFormatDayDate(DateValue date);
+    // The short date without its year ("DD/MM", "MM/DD"); built without a
+    // format string, as the event list needs it for every row.
+    QString DayMonth(DateValue date);
+    QString DayMonth(const QDate& date);
     // Reads a date typed in the short-date order with any of the separators
     // "/", "." or "-"; a two-digit year below 30 is 20xx, otherwise 19xx.
     // std::nullopt when the text is not such a date.
@@ -57,14 +71,18 @@ public:
     // Runs the initialisation when it has not run yet.
     void Initialise();
 
+    // The formatter for a "DateStyle" value: 1 writes the day before the
+    // month ("DD/MM/YYYY"), any other value the month first ("MM/DD/YYYY").
+    // One instance per style for the life of the process.
+    static cSharedDateSubs& ForDateStyle(int dateStyle);
+    // ForDateStyle of the setting "DateStyle" (default 1).
+    static cSharedDateSubs& ForSettings(const cSHAREDSettings& settings);
+
     // The system's short-date text of 25 December 2001 for locale.
     static QString SystemProbeText(const QLocale& locale = QLocale());
     // date written with a format string of the letters above; month names
     // from locale.
     static QString FormatWith(DateValue date, const QString& format, const QLocale& locale);
-    // "Fri 28/03/2025": the short weekday name, then the date in the order of
-    // the setting "DateStyle" (1 = day before month, anything else month first).
-    static QString FormatDayDate(DateValue date, int dateStyle, const QLocale& locale = QLocale());
 
 private:
     QString fDateSeparator() const;

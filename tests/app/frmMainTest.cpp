@@ -5,6 +5,8 @@
 #include "app/EventListView.h"
 #include "app/StartUp.h"
 #include "app/dialogs/DialogsFixture.h"
+#include "app/dialogs/TextViewer.h"
+#include "app/dialogs/frmOptions.h"
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSHAREDZipFiles.h"
@@ -34,6 +36,8 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QUndoStack>
+#include <QScrollBar>
+#include <QTextBrowser>
 
 namespace {
 
@@ -96,33 +100,18 @@ protected:
     std::unique_ptr<frmMain> window;
 };
 
-TEST_F(MainWindow, TitleToolbarAndItsTips) {
+TEST_F(MainWindow, EveryShortcutBelongsToOneActionOnly) {
     open();
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Tarvo 2 - Quillmere Software"));
-    const QList<QPair<const char*, const char*>> buttons = {
-        {"exit", "End the program"},
-        {"addevent", "Add a new event"},
-        {"editevent", "Edit selected event"},
-        {"pushevent", "Change due date to NEXT occurrence"},
-        {"deleteevent", "Delete selected event(s)"},
-        {"tasklist", "Show task list"},
-        {"monthview", "Monthly Calendar"},
-        {"editlayers", "Edit category names"},
-        {"options", "Settings"},
-        {"refresh", "Refresh event list"},
-        {"log", "View program log"},
-        {"help", "Show help"}};
-    const QList<QAction*> actions =
-        window->findChild<QToolBar*>(QStringLiteral("Toolbar1"))->actions();
-    ASSERT_EQ(actions.size(), buttons.size());
-    for (int i = 0; i < buttons.size(); ++i) {
-        EXPECT_EQ(actions[i]->objectName(), QString::fromLatin1(buttons[i].first));
-        EXPECT_EQ(actions[i]->toolTip(), QString::fromLatin1(buttons[i].second));
-        EXPECT_FALSE(actions[i]->icon().isNull()) << buttons[i].first;
+    QHash<QKeySequence, QString> owner;
+    for (const QAction* a : window->findChildren<QAction*>()) {
+        for (const QKeySequence& key : a->shortcuts()) {
+            EXPECT_FALSE(owner.contains(key))
+                << key.toString().toStdString() << " is claimed by "
+                << owner.value(key).toStdString() << " and " << a->objectName().toStdString();
+            owner.insert(key, a->objectName());
+        }
     }
-    EXPECT_EQ(window->findChild<QCheckBox*>(QStringLiteral("chkExpired"))->text(),
-              QStringLiteral("Show Expired"));
-    EXPECT_EQ(window->findChild<QComboBox*>(QStringLiteral("cmbCategories"))->count(), 21);
+    EXPECT_EQ(owner.value(QKeySequence(Qt::Key_F1)), QStringLiteral("mnuHelp"));
 }
 
 TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
@@ -147,11 +136,41 @@ TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
         << dialogs.lastText().toStdString();
 }
 
-TEST_F(MainWindow, ViewLogOpensTheLogFile) {
+TEST_F(MainWindow, LogAndHelpShowInsideTheProgram) {
     open();
+    for (int i = 0; i < 80; ++i) {
+        Log().LogEvent(QStringLiteral("line %1").arg(i));
+    }
+    Log().AddAction(QStringLiteral("the newest line"));
     window->Toolbar1_ButtonClick(QStringLiteral("log"));
-    ASSERT_EQ(opener.opened.size(), 1);
-    EXPECT_EQ(opener.opened.first(), Log().CurrentLogFilename());
+    window->findChild<QAction*>(QStringLiteral("mnuHelp"))->trigger();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(opener.opened.isEmpty()) << "nothing depends on the desktop's openers";
+
+    const TextViewer* log = window->findChild<TextViewer*>(QStringLiteral("frmLog"));
+    ASSERT_TRUE(log != nullptr && log->isVisible());
+    EXPECT_TRUE(
+        log->browser()->toPlainText().trimmed().endsWith(QStringLiteral("the newest line")));
+    const QScrollBar* bar = log->browser()->verticalScrollBar();
+    EXPECT_GT(bar->maximum(), 0);
+    EXPECT_EQ(bar->value(), bar->maximum()) << "the log opens at its end";
+
+    const TextViewer* help = window->findChild<TextViewer*>(QStringLiteral("frmHelp"));
+    ASSERT_TRUE(help != nullptr && help->isVisible());
+    EXPECT_TRUE(help->browser()->toPlainText().contains(QStringLiteral("Reminders and alarms")));
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("help.html"))))
+        << "help writes nothing into the home folder";
+}
+
+TEST_F(MainWindow, ViewBackupsSaysWhereTheyAreWhenNoFileManagerOpens) {
+    open();
+    const QString folder = home.file(QStringLiteral("Autobackups"));
+    window->ViewBackups();
+    EXPECT_EQ(opener.opened, QStringList{folder});
+    EXPECT_EQ(dialogs.count(), 0);
+    opener.accepts = false;
+    window->ViewBackups();
+    EXPECT_TRUE(dialogs.lastText().endsWith(QDir::toNativeSeparators(folder)));
 }
 
 TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
@@ -332,6 +351,26 @@ TEST_F(MainWindow, CategoryFilter) {
     emit combo->activated(5);
     EXPECT_EQ(window->model().rowCount(), 1);
     EXPECT_EQ(window->model().cellText(0, EventListModel::ColEvent), QStringLiteral("In five"));
+
+    // Any chosen filter, "Shared" too, survives new category names and saved options.
+    for (const int filter : {0, 5}) {
+        for (const char* key : {"editlayers", "options"}) {
+            combo->setCurrentIndex(filter);
+            WhenModalAppears([](QWidget* modal) {
+                for (const char* name : {"cmdAccept", "cmdSave"}) {
+                    if (auto* b = modal->findChild<QPushButton*>(QLatin1String(name))) {
+                        b->click();
+                    }
+                }
+            });
+            if (QLatin1String(key) == QLatin1String("options")) {
+                window->EditOptions();
+            } else {
+                window->Toolbar1_ButtonClick(QLatin1String(key));
+            }
+            EXPECT_EQ(combo->currentIndex(), filter) << key;
+        }
+    }
 }
 
 TEST_F(MainWindow, CloseHidesInsteadOfQuitting) {
@@ -350,15 +389,28 @@ TEST_F(MainWindow, CloseHidesInsteadOfQuitting) {
         LoggedTexts().mid(mark).contains(QStringLiteral("Main window visible - doing nothing")));
 }
 
-TEST_F(MainWindow, QuitSavesTheWindowSize) {
-    open();
-    window->show();
-    window->resize(700, 450);
-    window->Quit();
-    cSHAREDSettings saved;
-    saved.LoadSettings(context.settingsFile);
-    EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), window->width());
-    EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), window->height());
+TEST_F(MainWindow, QuitKeepsTheNormalSizeAndTheMaximisedState) {
+    for (const bool maximised : {false, true}) {
+        SCOPED_TRACE(maximised);
+        open();
+        window->show();
+        window->resize(700, 450);
+        if (maximised) {
+            window->showMaximized();
+        }
+        window->Quit();
+        cSHAREDSettings saved;
+        saved.LoadSettings(context.settingsFile);
+        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), 700);
+        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), 450);
+        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowMaximised")).toBool(), maximised);
+
+        open();
+        window->FormLoad(false);
+        EXPECT_EQ(window->isMaximized(), maximised);
+        EXPECT_EQ(window->normalGeometry().size(), QSize(700, 450));
+        window->Quit();
+    }
 }
 
 TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {
@@ -428,6 +480,18 @@ TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabaseAndCancelEnds) {
     const QStringList log = LoggedTexts();
     EXPECT_TRUE(log.contains(QStringLiteral("Loading category names")));
     EXPECT_FALSE(log.contains(QStringLiteral("Loading local events")));
+}
+
+TEST_F(MainWindow, FirstStartWithTheDefaultOptionsKeepsAlarmSounds) {
+    StartUp startUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
+    WhenModalAppears([](QWidget* options) {
+        options->findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
+    });
+    ASSERT_TRUE(startUp.Run());
+    EXPECT_FALSE(dialogs.texts().contains(
+        QStringLiteral("Cannot find specified WAV file. Sounds disabled.")));
+    EXPECT_FALSE(settings.sGet(QStringLiteral("NoSounds"), false).toBool());
+    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("alarm.wav"))));
 }
 
 TEST_F(MainWindow, StartUpLogsItsStepsInOrder) {

@@ -301,6 +301,8 @@ TEST_F(MonthView, ViewEventListShowsTheMonthAsText) {
 TEST_F(MonthView, PrintoutsGoToPdfWithTheirHeadings) {
     FixedClock clock(QStringLiteral("2009-03-10 09:00"));
     add(QStringLiteral("Dentist"), QStringLiteral("2009-03-05"));
+    add(QStringLiteral("Parents' evening at the school, bring the signed forms"),
+        QStringLiteral("2009-03-06"));
     addRecurring(QStringLiteral("Gym"), QStringLiteral("2009-03-02"), clsEvent::Weekly, 1);
     open();
 
@@ -311,13 +313,13 @@ TEST_F(MonthView, PrintoutsGoToPdfWithTheirHeadings) {
     const QString calendar = PdfText(calendarPdf);
     EXPECT_TRUE(calendar.contains(QStringLiteral("Calendar for March 2009")))
         << calendar.toStdString();
-    EXPECT_TRUE(calendar.contains(QStringLiteral("Printed 03/10/2009")));
+    EXPECT_TRUE(calendar.contains(QStringLiteral("Printed 10/03/2009")));
     EXPECT_TRUE(calendar.contains(QStringLiteral("Dentist")));
     EXPECT_EQ(calendar.count(QStringLiteral("Gym")), 5) << "every Monday of March 2009";
     const QStringList log = LoggedTexts();
     for (const char* line :
-         {"Printing calendar", "From 2009-03-01 to 2009-03-31", "Printed Header",
-          "Starting print loop", "CurrentDate: 2009-03-31", "Finished printing calendar"}) {
+         {"Printing calendar", "From 01/03/2009 to 31/03/2009", "Printed Header",
+          "Starting print loop", "CurrentDate: 31/03/2009", "Finished printing calendar"}) {
         EXPECT_TRUE(log.contains(QString::fromLatin1(line))) << line;
     }
 
@@ -327,9 +329,10 @@ TEST_F(MonthView, PrintoutsGoToPdfWithTheirHeadings) {
     click("cmd_print");
     const QString list = PdfText(listPdf);
     EXPECT_TRUE(list.contains(QStringLiteral("Events for March 2009"))) << list.toStdString();
-    EXPECT_TRUE(list.contains(QStringLiteral("Printed 03/10/2009")));
+    EXPECT_TRUE(list.contains(QStringLiteral("Printed 10/03/2009")));
     EXPECT_LT(list.indexOf(QStringLiteral("Gym")), list.indexOf(QStringLiteral("Dentist")))
         << "day by day: the 2nd before the 5th";
+    EXPECT_TRUE(list.contains(QStringLiteral("signed forms"))) << "whole descriptions";
     EXPECT_EQ(dialogs.count(), 0);
 }
 

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The real program under a real X server: it starts with its own home folder,
-# writes its log, shows the main window (a screenshot is kept), wakes up when
-# a second copy is started (which ends by itself), and quits cleanly on
-# SIGTERM. Exit 77 (skipped) only when no X server can be started here.
+# writes its log, shows the main window with the day's reminder and alarm
+# windows (a screenshot is kept), wakes up when a second copy is started
+# (which ends by itself), and quits cleanly on SIGTERM. Exit 77 (skipped)
+# only when no X server can be started here.
 set -uo pipefail
 tarvo="$1"
 artifacts="${TARVO_E2E_ARTIFACTS:-$PWD/e2e-artifacts}"
@@ -26,17 +27,22 @@ event() { # id, description, due date, days warning, recurrence type, recurring
   event 100002 'Pay%20the%20rent' 2030-06-05 3 1 0
   event 100003 'Birthday%20party' 2030-06-20 14 1 0
   event 100004 'Water%20the%20plants' 2030-06-01 0 0 -1
+  printf '<TVO2>\r\n\t<EVENT>\r\n\t\t<IDCode>100005</IDCode>\r\n\t\t<Desc>Call%%20the%%20bank</Desc>\r\n\t\t<DueDate>2030-06-01</DueDate>\r\n\t\t<AlarmSet>-1</AlarmSet>\r\n\t\t<AlarmTime>1899-12-30 08:30</AlarmTime>\r\n\t\t<RecurrenceType>5</RecurrenceType>\r\n\t\t<Period>7</Period>\r\n\t\t<Owner>Ann</Owner>\r\n\t</EVENT>\r\n</TVO2>\r\n'
 } > "$home/Events.xml"
 
 export home tarvo
 xvfb-run -a -s "-screen 0 1280x800x24" bash -c '
   set -uo pipefail
   log="$home/log.txt"
+  command -v openbox >/dev/null && { openbox >/dev/null 2>&1 & sleep 1; }
   TARVO_HOME="$home" TARVO_NOW="2030-06-01 08:30" "$tarvo" > "$home/first.out" 2>&1 &
   pid=$!
   for _ in $(seq 1 200); do grep -q "Filling events" "$log" 2>/dev/null && break; sleep 0.1; done
-  sleep 3
+  sleep 5 # the reminders come up after 2 s, the first alarm check after 1.5 + 2 s
   import -window root "$home/main-window.png" 2>/dev/null || true
+  for title in "TODAY! - 01/06/2030" "COMING UP - 01/06/2030" "ALARM! - 01/06/2030 08:30"; do
+    xdotool search --name "^$title\$" >/dev/null || { echo "no window titled $title"; kill $pid; exit 1; }
+  done
   TARVO_HOME="$home" "$tarvo" > "$home/second.out" 2>&1 &
   second=$!
   for _ in $(seq 1 100); do kill -0 $second 2>/dev/null || break; sleep 0.1; done

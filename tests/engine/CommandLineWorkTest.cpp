@@ -50,7 +50,7 @@ TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
          1,
          "\"06/31/2030\" is not a date: use DD/MM/YYYY or YYYY-MM-DD."},
         {{"x", "2030-05-31", "", ""}, 1, "The date 31/05/2030 lies in the past."},
-        {{"x", "2030-06-05", "9:30", ""},
+        {{"x", "2030-06-05", "24:00", ""},
          1,
          "Please specify a time in the range of 00:00 to 23:59"},
         {{" ", "2030-06-05", "", ""}, 1, "The description is empty."},

@@ -45,7 +45,8 @@ TEST_F(EditorRules, TimeBoxChecks) {
         {"  09:30  ", "09:30", ""},
         {"23:59", "23:59", ""},
         {"00:00", "00:00", ""},
-        {"9:30", "9:30", R::kTimeRange},
+        {"9:30", "09:30", ""},
+        {" 7;05", "07:05", ""},
         {"24:00", "24:00", R::kTimeRange},
         {"12:60", "12:60", R::kTimeRange},
         {"0930", "0930", R::kTimeRange},
@@ -191,8 +192,6 @@ TEST_F(EditorRules, StartDatesFollowTheDateStyle) {
     in.dailyStart = QStringLiteral("03/17/2009");
     ASSERT_TRUE(save(in).saved);
     EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-03-17"));
-    EXPECT_EQ(R::DateFormatText(2), QStringLiteral("MM/DD/YYYY"));
-    EXPECT_EQ(R::FormatStartDate(D("2009-03-17"), 1), QStringLiteral("17/03/2009"));
 }
 
 TEST_F(EditorRules, AFailedCheckLeavesEarlierFieldsWrittenAndLaterOnesAlone) {
@@ -220,6 +219,7 @@ TEST_F(EditorRules, OneOffUntimedEventTakesTodayOwnerAndEmptyBoxesAsZero) {
     in.minutesWarning.clear();
     in.daysWarning = QStringLiteral("  ");
     in.layer = 3;
+    in.days.at(3) = true;
     ASSERT_TRUE(save(in).saved);
     EXPECT_FALSE(event.Recurring());
     EXPECT_FALSE(event.AlarmSet());
@@ -263,11 +263,11 @@ TEST_F(EditorRules, SharingFields) {
 TEST_F(EditorRules, EmailIsRememberedAsTheDefault) {
     EventEditorInput in = valid();
     in.emailTo = true;
-    in.email = QStringLiteral("fred@example.org");
+    in.email = QStringLiteral("fred@home.test");
     ASSERT_TRUE(save(in).saved);
-    EXPECT_EQ(event.Email, QStringLiteral("fred@example.org"));
+    EXPECT_EQ(event.Email, QStringLiteral("fred@home.test"));
     EXPECT_EQ(settings.sGet(QStringLiteral("DefaultEmail")).toText(),
-              QStringLiteral("fred@example.org"));
+              QStringLiteral("fred@home.test"));
     in.emailTo = false;
     ASSERT_TRUE(save(in).saved);
     EXPECT_TRUE(event.Email.isEmpty());

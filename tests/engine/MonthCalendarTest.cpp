@@ -165,6 +165,11 @@ TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
     EXPECT_EQ(plain.Lines(5), (QStringList{QStringLiteral("Dentist appo"),
                                            QStringLiteral("Weekly team meeting in")}));
     EXPECT_EQ(plain.Lines(12), QStringList{QStringLiteral("Weekly team meeting in")});
+    // The event lists show the whole descriptions.
+    EXPECT_EQ(plain.FullLines(5), (QStringList{QStringLiteral("Dentist appointment downtown"),
+                                               QStringLiteral("Weekly team meeting in room 4")}));
+    EXPECT_TRUE(plain.EventListText().contains(
+        QStringLiteral("Thu 5\tDentist appointment downtown; Weekly team meeting in room 4\n")));
 
     longRecurring->setDueDate(day);
     longRecurring->setStartDate(day);

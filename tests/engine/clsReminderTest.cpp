@@ -127,8 +127,8 @@ TEST_F(ReminderEngine, PassedEventsRollForwardOrLeave) {
     EXPECT_EQ(FormatYMD(weekly->DueDate()), QStringLiteral("2009-03-11"));
     EXPECT_EQ(weekly->DaysLeft(), 6);
     const QStringList log = newLogLines();
-    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and updated: 2009-03-04 Team meeting")));
-    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and deleted: 2009-03-04 Parcel")));
+    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and updated: 04/03/2009 Team meeting")));
+    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and deleted: 04/03/2009 Parcel")));
 
     // Both saved: the rolled date is in the file, the one-off is gone from it,
     // and (as users' files always behaved) it is not in "Expired.xml" either.
@@ -168,15 +168,6 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
             EXPECT_TRUE(notifier.sent.last().critical);
         }
     }
-}
-
-TEST_F(ReminderEngine, TwoTicksInTheAlarmMinuteRaiseTwoWindows) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:45"));
-    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 9, 0, 15);
-    CheckAlarms(services);
-    Clock::advance(30);
-    CheckAlarms(services);
-    EXPECT_EQ(windows.shown().size(), 2u);
 }
 
 TEST_F(ReminderEngine, RunFileEventsOpenTheirFileOrLogItsAbsence) {
@@ -327,6 +318,33 @@ TEST_F(RefreshTickTest, NewDayShowsRemindersOnceAndAlarmsEveryTick) {
     tick.TimerRefresh_Timer();
     EXPECT_EQ(refills, 2);
     EXPECT_EQ(tick.storedDay(), 6);
+}
+
+TEST_F(RefreshTickTest, EachAlarmIsRaisedOnceInItsMinute) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:45"));
+    EventPtr daily = addAlarm(QStringLiteral("Pills"), QStringLiteral("2009-03-05"), 9, 0, 15);
+    daily->setRecurring(true);
+    daily->setRecurrenceType(clsEvent::EveryXDays);
+    daily->setPeriod(1);
+    daily->setStartDate(D(QStringLiteral("2009-03-05")));
+    EventPtr run = addAlarm(QStringLiteral("Backup"), QStringLiteral("2009-03-05"), 8, 45, 0);
+    run->ExecFile = true;
+    run->Filename = home.file(QStringLiteral("Events.xml"));
+    const struct {
+        int advance; // seconds since the last tick
+        int alarms;  // ALARM! windows raised so far
+        int opened;  // files opened so far
+    } ticks[] = {{0, 1, 1}, {30, 1, 1}, {29, 1, 1}, {24 * 3600 - 59, 2, 1}};
+    for (const auto& t : ticks) {
+        Clock::advance(t.advance);
+        tick.TimerRefresh_Timer();
+        int alarms = 0;
+        for (const auto& w : windows.made) {
+            alarms += w->heading == QStringLiteral("ALARM!") ? 1 : 0;
+        }
+        EXPECT_EQ(alarms, t.alarms) << t.advance;
+        EXPECT_EQ(opener.opened.size(), t.opened) << t.advance;
+    }
 }
 
 TEST_F(RefreshTickTest, NetworkedRefillsWhenTheSharedFilesChange) {

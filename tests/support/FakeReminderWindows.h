@@ -15,6 +15,7 @@
 // A reminder window that only records what the engine did to it.
 struct FakeReminderWindow : IReminderWindow {
     QString heading;
+    QString caption;
     QStringList lines;
     bool soundFlag = false;
     QString soundFile;
@@ -24,7 +25,8 @@ struct FakeReminderWindow : IReminderWindow {
 
     void ClearList() override { lines.clear(); }
     void AddToList(const QString& text) override { lines << text; }
-    void Heading(const QString& text) override { heading = text; }
+    void Heading(const QString& text) override { heading = caption = text; }
+    void Caption(const QString& text) override { caption = text; }
     void setSoundFlag(bool on) override { soundFlag = on; }
     void setSoundFile(const QString& path) override { soundFile = path; }
     void setSoundOnce(bool once) override { soundOnce = once; }
@@ -62,9 +64,10 @@ struct FakeReminderWindowFactory : IReminderWindowFactory {
 
 struct FakeFileOpener : IFileOpener {
     QStringList opened;
+    bool accepts = true; // false: a desktop with no program for the file
     bool OpenDocument(const QString& path) override {
         opened << path;
-        return true;
+        return accepts;
     }
 };
 

@@ -19,7 +19,7 @@ const char* KindName(ScriptedDialogs::Kind kind) {
     case ScriptedDialogs::Kind::OpenFile:
         return "file chooser";
     case ScriptedDialogs::Kind::SaveFile:
-        return "save file chooser";
+        return "save-file chooser";
     case ScriptedDialogs::Kind::Folder:
         return "folder chooser";
     case ScriptedDialogs::Kind::Date:
@@ -130,9 +130,9 @@ std::optional<QString> ScriptedDialogs::ChooseOpenFile(const QString& title,
 }
 
 std::optional<QString> ScriptedDialogs::ChooseSaveFile(const QString& title,
-                                                       const QString& startPath,
+                                                       const QString& suggestedPath,
                                                        const QString& filter) {
-    m_shown.append({Kind::SaveFile, title, {}, filter, startPath, Icon::None, false});
+    m_shown.append({Kind::SaveFile, title, {}, filter, suggestedPath, Icon::None, false});
     const auto a = take(Kind::SaveFile, {AnswerKind::Text, AnswerKind::Cancel});
     if (a && a->kind == AnswerKind::Text) {
         return a->text;

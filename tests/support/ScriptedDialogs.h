@@ -31,7 +31,7 @@ public:
         QString text;   // message, question or prompt
         QString title;  // as passed (empty = application title)
         QString extra;  // input default, file filter, or the date picker's start day
-        QString folder; // a chooser's start folder
+        QString folder; // a chooser's start folder (or suggested name)
         Icon icon = Icon::None;
         bool defaultYes = false;
     };
@@ -64,7 +64,7 @@ public:
                                     const QString& defaultText) override;
     std::optional<QString> ChooseOpenFile(const QString& title, const QString& startFolder,
                                           const QString& filter) override;
-    std::optional<QString> ChooseSaveFile(const QString& title, const QString& startPath,
+    std::optional<QString> ChooseSaveFile(const QString& title, const QString& suggestedPath,
                                           const QString& filter) override;
     std::optional<QString> ChooseFolder(const QString& title, const QString& startFolder) override;
     std::optional<DateValue> PickDate(const QString& prompt, DateValue initial) override;

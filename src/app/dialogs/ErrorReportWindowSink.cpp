@@ -2,7 +2,8 @@
 
 #include "app/dialogs/fSHAREDErrorRpt.h"
 
-ErrorReportWindowSink::ErrorReportWindowSink() : m_previous(cSHAREDShowError::SetSink(this)) {}
+ErrorReportWindowSink::ErrorReportWindowSink(UserDialogs& dialogs)
+    : m_dialogs(dialogs), m_previous(cSHAREDShowError::SetSink(this)) {}
 
 ErrorReportWindowSink::~ErrorReportWindowSink() {
     if (cSHAREDShowError::Sink() == this) {
@@ -13,7 +14,7 @@ ErrorReportWindowSink::~ErrorReportWindowSink() {
 void ErrorReportWindowSink::ShowReport(const QString& text, const QString& secondText) {
     // Not modal: the operation that failed goes on, and the report stays
     // open until the user closes it.
-    auto* window = new fSHAREDErrorRpt;
+    auto* window = new fSHAREDErrorRpt(m_dialogs);
     window->ShowError(text, secondText);
     window->show();
     window->raise();

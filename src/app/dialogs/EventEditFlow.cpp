@@ -10,6 +10,7 @@ namespace EventEditFlow {
 
 void StoreSavedEvent(AppContext& context, clsDbXml& db, const EventPtr& event) {
     event->CalcNextDueDate();
+    event->CalcDaysLeft(); // the list's "Left" column and expired marker read it
     db.StoreRecord(event);
     db.SaveDB();
     if (&db == &context.events && !db.Publishing() &&

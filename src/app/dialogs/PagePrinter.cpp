@@ -1,7 +1,5 @@
 #include "app/dialogs/PagePrinter.h"
 
-#include "shared/DateValue.h"
-
 #include <QFontMetrics>
 #include <QPagedPaintDevice>
 #include <QPrinter>
@@ -28,6 +26,12 @@ void PagePrinter::line(const QString& text) {
     print(text, m_bodyFont);
 }
 
+void PagePrinter::row(const QString& label, const QString& text, const QString& labelSample) {
+    const int indent =
+        QFontMetrics(m_bodyFont, &m_device).horizontalAdvance(labelSample + QStringLiteral("  "));
+    print(text, m_bodyFont, indent, label);
+}
+
 void PagePrinter::gap() {
     m_y += QFontMetrics(m_bodyFont, &m_device).lineSpacing();
 }
@@ -43,16 +47,19 @@ void PagePrinter::end() {
     }
 }
 
-void PagePrinter::print(const QString& text, const QFont& font) {
+void PagePrinter::print(const QString& text, const QFont& font, int indent, const QString& label) {
     m_painter.setFont(font);
-    const int width = m_device.width();
+    const int width = m_device.width() - indent;
     const int flags = Qt::TextWordWrap | Qt::TextExpandTabs | Qt::AlignLeft | Qt::AlignTop;
     const QRect needed = m_painter.boundingRect(QRect(0, 0, width, INT_MAX), flags, text);
     const int height = std::max(needed.height(), QFontMetrics(font, &m_device).height());
     if (m_y > 0 && m_y + height > m_device.height()) {
         newPage();
     }
-    m_painter.drawText(QRect(0, m_y, width, height), flags, text);
+    if (!label.isEmpty()) {
+        m_painter.drawText(QRect(0, m_y, indent, height), flags, label);
+    }
+    m_painter.drawText(QRect(indent, m_y, width, height), flags, text);
     m_y += height;
 }
 
@@ -62,10 +69,4 @@ QString PrinterNotReadyText(const QPrinter& printer) {
         name = printer.outputFileName();
     }
     return QStringLiteral("Unable to print. ") + name + QStringLiteral(" not ready");
-}
-
-QString PrintedDateText(double day, int dateStyle) {
-    const QDate date = ToQDate(day);
-    return date.toString(dateStyle == 1 ? QStringLiteral("dd/MM/yyyy")
-                                        : QStringLiteral("MM/dd/yyyy"));
 }

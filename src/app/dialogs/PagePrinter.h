@@ -19,6 +19,9 @@ public:
     bool begin();
     void heading(const QString& text);
     void line(const QString& text);
+    // label in a first column as wide as labelSample; text beside it,
+    // wrapped within its own column.
+    void row(const QString& label, const QString& text, const QString& labelSample);
     // Vertical gap of about one line.
     void gap();
     void newPage();
@@ -28,7 +31,7 @@ public:
     QPainter& painter() { return m_painter; }
 
 private:
-    void print(const QString& text, const QFont& font);
+    void print(const QString& text, const QFont& font, int indent = 0, const QString& label = {});
 
     QPagedPaintDevice& m_device;
     QPainter m_painter;
@@ -40,7 +43,3 @@ private:
 // "Unable to print. " + name + " not ready", naming the printer (or the PDF
 // file when printing to one).
 QString PrinterNotReadyText(const QPrinter& printer);
-
-// A printout's date: "DD/MM/YYYY" when the setting "DateStyle" is 1,
-// "MM/DD/YYYY" otherwise.
-QString PrintedDateText(double day, int dateStyle);

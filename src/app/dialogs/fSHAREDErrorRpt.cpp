@@ -1,15 +1,17 @@
 #include "app/dialogs/fSHAREDErrorRpt.h"
 
-#include "shared/AppInfo.h"
+#include "app/dialogs/TextViewer.h"
 #include "shared/AppPaths.h"
 #include "shared/AtomicFile.h"
 #include "shared/ErrorReportText.h"
 #include "shared/TextCodec.h"
+#include "shared/UserDialogs.h"
 #include "shared/cSharedLogging.h"
 
-#include <QDesktopServices>
+#include <QClipboard>
 #include <QDir>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -19,11 +21,6 @@
 namespace {
 
 const QString kModule = QStringLiteral("fSHAREDErrorRpt");
-
-fSHAREDErrorRpt::UrlOpener& Opener() {
-    static fSHAREDErrorRpt::UrlOpener opener;
-    return opener;
-}
 
 QString& ReportFolderSetting() {
     static QString folder;
@@ -49,7 +46,8 @@ QPlainTextEdit* MakeText(QWidget* parent, const char* name, const QString& tip, 
 
 } // namespace
 
-fSHAREDErrorRpt::fSHAREDErrorRpt(QWidget* parent) : QDialog(parent) {
+fSHAREDErrorRpt::fSHAREDErrorRpt(UserDialogs& dialogs, QWidget* parent)
+    : QDialog(parent), m_dialogs(dialogs) {
     setObjectName(QStringLiteral("fSHAREDErrorRpt"));
     setWindowTitle(QStringLiteral("Error Reporter"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -77,7 +75,8 @@ fSHAREDErrorRpt::fSHAREDErrorRpt(QWidget* parent) : QDialog(parent) {
 
     auto* cmdEmail =
         MakeButton(this, "cmdEmail", QStringLiteral("Submit Error Report"),
-                   QStringLiteral("You will get a chance to preview the report before sending."));
+                   QStringLiteral("Saves the report to a file you choose and copies it to the "
+                                  "clipboard, ready to send."));
     auto* cmdViewReport = MakeButton(this, "cmdViewReport", QStringLiteral("View Error Report"),
                                      QStringLiteral("If 'Submit Error' doesn't work, click here"));
     auto* cmdViewLog = MakeButton(this, "cmdViewLog", QStringLiteral("View Log File"),
@@ -120,10 +119,6 @@ void fSHAREDErrorRpt::ShowError(const QString& text, const QString& secondText) 
     m_txtLog->setPlainText(ErrorReportText::CurrentLogText());
 }
 
-void fSHAREDErrorRpt::SetUrlOpener(UrlOpener opener) {
-    Opener() = std::move(opener);
-}
-
 void fSHAREDErrorRpt::SetReportFolder(const QString& folder) {
     ReportFolderSetting() = folder;
 }
@@ -137,25 +132,43 @@ QString fSHAREDErrorRpt::FullLogPath() {
     return AppPaths::JoinPath(ReportFolder(), QStringLiteral("FullLog.txt"));
 }
 
-bool fSHAREDErrorRpt::open(const QUrl& url, const QString& procedure) {
-    const bool ok = Opener() ? Opener()(url) : QDesktopServices::openUrl(url);
-    if (!ok) {
-        Log().AddAction(QStringLiteral("Could not open ") + url.toDisplayString(), procedure,
-                        kModule);
-    }
-    return ok;
+QString fSHAREDErrorRpt::reportText() const {
+    return ErrorReportText::FullReport(m_txtError->toPlainText(), m_txtUserMessage->toPlainText(),
+                                       m_txtLog->toPlainText());
 }
 
 void fSHAREDErrorRpt::cmdEmail_Click() {
-    const QString link = ErrorReportText::MailLink(
-        m_txtError->toPlainText(), m_txtUserMessage->toPlainText(), m_txtLog->toPlainText(),
-        QDir::toNativeSeparators(Log().CurrentLogFilename()));
-    open(QUrl(link, QUrl::TolerantMode), QStringLiteral("cmdEmail_Click"));
+    // No mail address is built in: the report goes where the user says, and
+    // to the clipboard, to be sent however the user sends things.
+    const std::optional<QString> path = m_dialogs.ChooseSaveFile(
+        QStringLiteral("Save the error report"),
+        AppPaths::JoinPath(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation),
+                           QStringLiteral("Tarvo error report.txt")),
+        QStringLiteral("Text files (*.txt)|*.txt"));
+    if (!path) {
+        return;
+    }
+    const QString report = reportText();
+    QGuiApplication::clipboard()->setText(report);
+    const AtomicFile::Result r = AtomicFile::Write(*path, TextCodec::ToWindows1252(report));
+    if (!r.ok()) {
+        Log().AddAction(r.description + QStringLiteral(": ") + *path,
+                        QStringLiteral("cmdEmail_Click"), kModule);
+        m_dialogs.Message(QStringLiteral("The report could not be saved to ") + *path +
+                              QStringLiteral(" (") + r.description +
+                              QStringLiteral(").\r\nIt is on the clipboard: paste it into your "
+                                             "message."),
+                          {}, UserDialogs::Icon::Warning);
+        return;
+    }
+    m_dialogs.Message(QStringLiteral("The error report was saved to ") + *path +
+                      QStringLiteral(" and copied to the clipboard.\r\nSend the file, or paste "
+                                     "the report into a message, to whoever looks after your "
+                                     "copy of Tarvo."));
 }
 
 void fSHAREDErrorRpt::cmdViewReport_Click() {
-    const QString report = ErrorReportText::FullReport(
-        m_txtError->toPlainText(), m_txtUserMessage->toPlainText(), m_txtLog->toPlainText());
+    const QString report = reportText();
     const QString path = FullLogPath();
     QDir().mkpath(ReportFolder());
     const AtomicFile::Result r = AtomicFile::Write(path, TextCodec::ToWindows1252(report));
@@ -163,13 +176,13 @@ void fSHAREDErrorRpt::cmdViewReport_Click() {
         Log().AddAction(r.description + QStringLiteral(" (") + QString::number(r.errorNumber) +
                             QLatin1Char(')'),
                         QStringLiteral("cmdViewReport_Click"), kModule);
-        return;
     }
-    open(QUrl::fromLocalFile(path), QStringLiteral("cmdViewReport_Click"));
+    TextViewer::ShowText(this, QStringLiteral("frmReport"),
+                         QStringLiteral("Error report - ") + path, report, false);
 }
 
 void fSHAREDErrorRpt::cmdViewLog_Click() {
-    open(QUrl::fromLocalFile(Log().CurrentLogFilename()), QStringLiteral("cmdViewLog_Click"));
+    TextViewer::ShowLog(this);
 }
 
 void fSHAREDErrorRpt::cmdShowComments_Click() {
@@ -178,5 +191,5 @@ void fSHAREDErrorRpt::cmdShowComments_Click() {
 }
 
 void fSHAREDErrorRpt::cmdHelp_Click() {
-    open(AppInfo::HelpUrl(), QStringLiteral("cmdHelp_Click"));
+    TextViewer::ShowHelp(this);
 }

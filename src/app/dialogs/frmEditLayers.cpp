@@ -41,6 +41,8 @@ frmEditLayers::frmEditLayers(AppContext& context, QWidget* parent)
         box->setObjectName(QStringLiteral("txtDesc%1").arg(i));
         box->setMinimumWidth(box->fontMetrics().horizontalAdvance(QLatin1Char('x')) * 24);
         box->installEventFilter(this);
+        // "Shared" and "All Categories" are fixed names, shown but not edited.
+        box->setEnabled(i != clsLayers::kShared && i != clsLayers::kAllCategories);
         auto* label = new QLabel(captionFor(i), this);
         label->setObjectName(QStringLiteral("Label1_%1").arg(i));
         label->setBuddy(box);

@@ -9,6 +9,7 @@
 #include "shared/AppPaths.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsLayers.h"
 
@@ -48,17 +49,20 @@ frmEvent::frmEvent(AppContext& context, clsEvent& event, bool editing, QWidget* 
 
 frmEvent::~frmEvent() = default;
 
+QString frmEvent::DateFormat() const {
+    return m_dates->DateFormatString;
+}
+
 void frmEvent::Form_Load() {
     cSHAREDSettings& settings = m_context.settings;
 
     chkEmailTo->hide();
     txtEmailAlert->hide();
 
-    m_dateStyle = settings.sGet(QStringLiteral("DateStyle"), 1).toInt16();
-    m_dateFormat = EventEditorRules::DateFormatText(m_dateStyle);
-    lblWeeklyStartDate->setText(m_dateFormat);
-    lblMonthlyStartDate->setText(m_dateFormat);
-    lblDailyStartDate->setText(m_dateFormat);
+    m_dates = &cSharedDateSubs::ForSettings(settings);
+    lblWeeklyStartDate->setText(DateFormat());
+    lblMonthlyStartDate->setText(DateFormat());
+    lblDailyStartDate->setText(DateFormat());
 
     const DateValue today = TodayDate();
     selectRow(lstMonthNames, MonthOf(today) - 1);
@@ -67,7 +71,8 @@ void frmEvent::Form_Load() {
     selectRow(lstDayName, 0);
     selectRow(lstMonths, 0);
 
-    for (int i = 0; i < clsLayers::kCount; ++i) {
+    // "All Categories" is a filter, not a category an event can be in.
+    for (int i = 0; i < clsLayers::kAllCategories; ++i) {
         cmbLayers->addItem(m_context.layers.Layer(i));
     }
     cmbLayers->setCurrentIndex(1);
@@ -137,11 +142,11 @@ void frmEvent::CopyDataToForm() {
         break;
     case clsEvent::EveryXMonths:
         txtMonthlyPeriod->setText(QString::number(e.Period()));
-        lblMonthlyStartDate->setText(EventEditorRules::FormatStartDate(e.StartDate(), m_dateStyle));
+        lblMonthlyStartDate->setText(m_dates->ShortFormatDate(e.StartDate()));
         break;
     case clsEvent::Weekly:
         txtWeeklyPeriod->setText(QString::number(e.Period()));
-        lblWeeklyStartDate->setText(EventEditorRules::FormatStartDate(e.StartDate(), m_dateStyle));
+        lblWeeklyStartDate->setText(m_dates->ShortFormatDate(e.StartDate()));
         break;
     case clsEvent::NthWeekday:
         selectRow(lstDayNumber, std::clamp<int>(e.Daynumber(), 1, 5) - 1);
@@ -150,7 +155,7 @@ void frmEvent::CopyDataToForm() {
         break;
     case clsEvent::EveryXDays:
         txtDailyPeriod->setText(QString::number(e.Period()));
-        lblDailyStartDate->setText(EventEditorRules::FormatStartDate(e.StartDate(), m_dateStyle));
+        lblDailyStartDate->setText(m_dates->ShortFormatDate(e.StartDate()));
         break;
     default:
         break;
@@ -211,9 +216,14 @@ bool frmEvent::SaveData() {
     const EventEditorOutcome outcome = EventEditorRules::Save(in, m_event, m_context.settings);
     SetInput(in);
     if (!outcome.saved) {
+        // A refused entry is a warning; a conversion that failed an error.
         m_context.dialogs.Message(outcome.message, outcome.title,
-                                  outcome.title.isEmpty() ? UserDialogs::Icon::Information
+                                  outcome.title.isEmpty() ? UserDialogs::Icon::Warning
                                                           : UserDialogs::Icon::Critical);
+        if (auto* control = findChild<QWidget*>(outcome.focus); control != nullptr) {
+            TabStrip1->setCurrentIndex(m_recurrenceType);
+            control->setFocus();
+        }
     }
     return outcome.saved;
 }

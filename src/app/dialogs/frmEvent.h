@@ -20,6 +20,7 @@ class QTabWidget;
 class QWidget;
 class StartDateLabel;
 class clsEvent;
+class cSharedDateSubs;
 struct AppContext;
 
 // The event editor: a modal dialog that shows one event in its controls and,
@@ -42,7 +43,7 @@ public:
     bool Saved() const { return m_saved; }
     int RecurrenceType() const { return m_recurrenceType; }
     // "DD/MM/YYYY" or "MM/DD/YYYY", after the setting "DateStyle".
-    QString DateFormat() const { return m_dateFormat; }
+    QString DateFormat() const;
 
     void CopyDataToForm();
     // Shows the frame of recurrence tab index and makes it the event's type.
@@ -106,8 +107,7 @@ private:
     bool m_editing;
     bool m_saved = false;
     int m_recurrenceType = 0;
-    int m_dateStyle = 1;
-    QString m_dateFormat;
+    cSharedDateSubs* m_dates = nullptr; // after "DateStyle"
 
     QPlainTextEdit* txtDesc = nullptr;
     QComboBox* cmbLayers = nullptr;

@@ -8,6 +8,7 @@
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "storage/DataFiles.h"
+#include "shared/cSharedDateSubs.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -56,7 +57,7 @@ void frmEvent::UpdateNextDates() {
     const OccurrencePreview preview = OccurrencePreview::Of(Input(), m_event, m_context.settings);
     // A warning sign in front of a rule that gives no date.
     lblNextDates->setText((preview.dates.isEmpty() ? QStringLiteral("\u26A0 ") : QString()) +
-                          preview.Text(m_dateStyle));
+                          preview.Text(*m_dates));
 }
 
 void frmEvent::cmdPickWav_Click() {
@@ -107,11 +108,11 @@ void frmEvent::chkShared_Click() {
 
 void frmEvent::pickStartDate(QLabel* label) {
     const DateValue initial =
-        EventEditorRules::ParseStartDate(label->text(), m_dateStyle).value_or(TodayDate());
+        EventEditorRules::ParseStartDate(label->text(), *m_dates).value_or(TodayDate());
     const std::optional<DateValue> day =
         m_context.dialogs.PickDate(QString::fromLatin1(StartDateLabel::kPrompt), initial);
     if (day) {
-        label->setText(EventEditorRules::FormatStartDate(*day, m_dateStyle));
+        label->setText(m_dates->ShortFormatDate(*day));
         UpdateNextDates();
     }
 }

@@ -250,6 +250,13 @@ void frmEvent::connectHandlers() {
     });
     connect(chkRunFile, &QCheckBox::toggled, this, &frmEvent::SetupRelatedItems);
     connect(txtTime, &QLineEdit::textChanged, this, &frmEvent::UpdateAlarmAdvice);
+    connect(txtTime, &QLineEdit::editingFinished, this, [this] {
+        // A valid time is shown back as HH:MM ("9:30" becomes "09:30").
+        const QString tidy = EventEditorRules::NormaliseTime(txtTime->text());
+        if (EventEditorRules::TimeInRange(tidy)) {
+            txtTime->setText(tidy);
+        }
+    });
     connect(txtMinutesWarning, &QLineEdit::textChanged, this, &frmEvent::UpdateAlarmAdvice);
     connect(TabStrip1, &QTabWidget::currentChanged, this, &frmEvent::UpdateEventFrames);
     // Every control of the rule updates the line of next dates.

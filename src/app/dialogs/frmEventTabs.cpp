@@ -5,7 +5,6 @@
 #include "app/dialogs/frmEventWidgets.h"
 
 #include <QCheckBox>
-#include <QDate>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -128,9 +127,8 @@ QWidget* frmEvent::buildDayOfMonthPage() {
     QWidget* page = makePage(this, 1);
     txtDayOfMonth = makeNumberBox(page, QStringLiteral("txtDayOfMonth"), 3);
     QStringList monthNames;
-    const int year = QDate::currentDate().year();
     for (int m = 1; m <= 12; ++m) {
-        monthNames.append(QLocale().toString(QDate(year, m, 1), QStringLiteral("MMMM")));
+        monthNames.append(QLocale().monthName(m, QLocale::LongFormat));
     }
     monthNames.append(S("Every Month"));
     lstMonthNames = makeList(page, QStringLiteral("lstMonthNames"), monthNames, 5);

@@ -6,6 +6,7 @@
 #include "shared/RuntimeError.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
 #include "storage/MonthViewEvents.h"
@@ -313,7 +314,7 @@ void frmMonthView::cmdViewEvents_Click() {
     auto* text = new QPlainTextEdit(window);
     text->setObjectName(QStringLiteral("txtEventList"));
     text->setReadOnly(true);
-    text->setLineWrapMode(QPlainTextEdit::NoWrap);
+    text->setLineWrapMode(QPlainTextEdit::WidgetWidth);
     text->setTabStopDistance(QFontMetricsF(text->font()).horizontalAdvance(QLatin1Char(' ')) * 8);
     text->setPlainText(m_calendar->EventListText());
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, window);
@@ -353,8 +354,7 @@ void frmMonthView::runPrint(bool calendar) {
 }
 
 QString frmMonthView::printedDate() const {
-    return PrintedDateText(
-        TodayDate(), m_context.settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt());
+    return cSharedDateSubs::ForSettings(m_context.settings).ShortFormatDate(TodayDate());
 }
 
 bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
@@ -364,20 +364,15 @@ bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
                         kModule);
         return false;
     }
-    const QLocale locale;
     out.heading(QStringLiteral("Events for ") + m_calendar->MonthTitle());
     out.line(QStringLiteral("Printed ") + printedDate());
     out.gap();
     for (int day = 1; day <= m_calendar->DayCount(); ++day) {
-        const QStringList lines = m_calendar->Lines(day);
-        if (lines.isEmpty()) {
-            continue;
-        }
-        const QString dayText =
-            locale.toString(ToQDate(m_calendar->FirstDay() + day - 1), QStringLiteral("ddd")) +
-            QLatin1Char(' ') + QString::number(day);
+        // Whole descriptions, each wrapped in the column beside the day.
+        const QStringList lines = m_calendar->FullLines(day);
         for (qsizetype i = 0; i < lines.size(); ++i) {
-            out.line((i == 0 ? dayText : QString()) + QLatin1Char('\t') + lines[i]);
+            out.row(i == 0 ? m_calendar->DayTitle(day) : QString(), lines[i],
+                    QStringLiteral("Wed 30"));
         }
     }
     out.end();
@@ -386,8 +381,9 @@ bool frmMonthView::PrintEventList(QPagedPaintDevice& device) {
 
 bool frmMonthView::PrintCalendar(QPagedPaintDevice& device) {
     Log().LogEvent(QStringLiteral("Printing calendar"));
-    Log().LogEvent(QStringLiteral("From ") + FormatYMD(m_calendar->FirstDay()) +
-                   QStringLiteral(" to ") + FormatYMD(m_calendar->LastDay()));
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(m_context.settings);
+    Log().LogEvent(QStringLiteral("From ") + dates.ShortFormatDate(m_calendar->FirstDay()) +
+                   QStringLiteral(" to ") + dates.ShortFormatDate(m_calendar->LastDay()));
     QPainter painter;
     if (!painter.begin(&device)) {
         Log().AddAction(QStringLiteral("Printer not ready"), QStringLiteral("cmdPrintCal_Click"),
@@ -404,6 +400,7 @@ bool frmMonthView::PrintCalendar(QPagedPaintDevice& device) {
 
 void frmMonthView::drawCalendarPage(QPainter& painter, const QRect& area, const QString& heading) {
     const MonthCalendar& month = *m_calendar;
+    cSharedDateSubs& dates = cSharedDateSubs::ForSettings(m_context.settings);
     QFont headingFont(QStringLiteral("Sans Serif"), 16, QFont::Bold);
     QFont dayNameFont(QStringLiteral("Sans Serif"), 10, QFont::Bold);
     QFont numberFont(QStringLiteral("Sans Serif"), 10, QFont::Bold);
@@ -442,7 +439,8 @@ void frmMonthView::drawCalendarPage(QPainter& painter, const QRect& area, const 
     const QFontMetrics lineMetrics(lineFont, painter.device());
     const int numberHeight = QFontMetrics(numberFont, painter.device()).height();
     for (int day = 1; day <= month.DayCount(); ++day) {
-        Log().LogEvent(QStringLiteral("CurrentDate: ") + FormatYMD(month.FirstDay() + day - 1));
+        Log().LogEvent(QStringLiteral("CurrentDate: ") +
+                       dates.ShortFormatDate(month.FirstDay() + day - 1));
         const int box = firstBox + day - 1;
         const QRect cell(area.left() + (box % 7) * columnWidth + pad,
                          gridTop + (box / 7) * rowHeight + pad, columnWidth - 2 * pad,

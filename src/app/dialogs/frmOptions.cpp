@@ -1,6 +1,7 @@
 #include "app/dialogs/frmOptions.h"
 
 #include "app/AppContext.h"
+#include "app/dialogs/TextViewer.h"
 #include "app/dialogs/clsOptions2.h"
 #include "app/platform/Autostart.h"
 #include "shared/AppPaths.h"
@@ -44,9 +45,7 @@ bool endsWithSeparator(const QString& path) {
 
 } // namespace
 
-frmOptions::frmOptions(AppContext& context, QWidget* parent)
-    : QDialog(parent), m_context(context),
-      m_openUrl([](const QUrl& url) { return QDesktopServices::openUrl(url); }) {
+frmOptions::frmOptions(AppContext& context, QWidget* parent) : QDialog(parent), m_context(context) {
     setObjectName(QStringLiteral("frmOptions"));
     setWindowTitle(S("Reminder Options"));
     setModal(true);
@@ -55,10 +54,6 @@ frmOptions::frmOptions(AppContext& context, QWidget* parent)
 }
 
 frmOptions::~frmOptions() = default;
-
-QUrl frmOptions::HomePage() {
-    return QUrl(QStringLiteral("https://tarvo.example.org/"));
-}
 
 void frmOptions::buildControls() {
     // Data folder.
@@ -349,12 +344,14 @@ void frmOptions::cmdReload_Click() {
 void frmOptions::cmdAddUser_Click() {
     const QString id = txtOwner->text().trimmed();
     if (id.isEmpty()) {
-        m_context.dialogs.Message(S("You need to enter an ID before you can add it"));
+        m_context.dialogs.Message(S("You need to enter an ID before you can add it"), {},
+                                  UserDialogs::Icon::Warning);
         return;
     }
     if (txtSharedDBPath->text().trimmed().isEmpty()) {
         m_context.dialogs.Message(
-            S("You need to supply the shared data path before you can add users to it."));
+            S("You need to supply the shared data path before you can add users to it."), {},
+            UserDialogs::Icon::Warning);
         return;
     }
     if (const QString problem = OwnerId::Problem(id); !problem.isEmpty()) {
@@ -406,10 +403,8 @@ void frmOptions::cmdPickWav_Click() {
 }
 
 void frmOptions::cmdHomePage_Click() {
-    if (m_openUrl && !m_openUrl(HomePage())) {
-        Log().AddAction(QStringLiteral("Unable to open ") + HomePage().toString(),
-                        QStringLiteral("cmdHomePage_Click"), kModule);
-    }
+    // The program's own page is the "About" section of its built-in help.
+    TextViewer::ShowHelp(this, QStringLiteral("about"));
 }
 
 void frmOptions::cmdSave_Click() {
@@ -419,12 +414,13 @@ void frmOptions::cmdSave_Click() {
         txtSharedDBPath->setText(clsOptions2::WithSeparator(txtSharedDBPath->text()));
     }
     if (!QFileInfo::exists(txtAlarmWav->text()) && !chkNoSound->isChecked()) {
-        m_context.dialogs.Message(S("Cannot find specified WAV file. Sounds disabled."));
+        m_context.dialogs.Message(S("Cannot find specified WAV file. Sounds disabled."), {},
+                                  UserDialogs::Icon::Warning);
         chkNoSound->setChecked(true);
     }
     const QString id = txtOwner->text().trimmed();
     if (id.isEmpty()) {
-        m_context.dialogs.Message(S("You must specify a user ID"));
+        m_context.dialogs.Message(S("You must specify a user ID"), {}, UserDialogs::Icon::Warning);
         return;
     }
     // The ID names this user's file in the shared folder.

@@ -2,9 +2,6 @@
 
 #include <QDialog>
 #include <QString>
-#include <QUrl>
-
-#include <functional>
 
 class QCheckBox;
 class QGroupBox;
@@ -37,10 +34,6 @@ public:
     // the owner change.
     static bool RunFirstTimeSetup(AppContext& context, QWidget* parent = nullptr);
 
-    // Where "TVO Home Page" goes, and how (tests replace the opener).
-    static QUrl HomePage();
-    void setUrlOpener(std::function<bool(const QUrl&)> opener) { m_openUrl = std::move(opener); }
-
     // The user list file for the shared folder typed in the window.
     QString SharedIniPath() const;
     void ReadSharedIni();
@@ -71,7 +64,6 @@ private:
 
     AppContext& m_context;
     bool m_cancelled = true;
-    std::function<bool(const QUrl&)> m_openUrl;
 
     QLineEdit* txtDatapath = nullptr;
     QPushButton* cmdDatapath = nullptr;

@@ -6,6 +6,7 @@
 #include "shared/DateValue.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
 
 #include "storage/DataFiles.h"
@@ -170,10 +171,8 @@ bool frmTasks::PrintTasks(QPagedPaintDevice& device) {
         return false;
     }
     out.heading(QStringLiteral("Tarvo task list"));
-    out.line(
-        QStringLiteral("Printed ") +
-        PrintedDateText(TodayDate(),
-                        m_settings.sGet(QStringLiteral("DateStyle"), SettingValue(0)).toInt()));
+    out.line(QStringLiteral("Printed ") +
+             cSharedDateSubs::ForSettings(m_settings).ShortFormatDate(TodayDate()));
     out.gap();
     const QStringList tasks = m_model->stringList();
     for (qsizetype i = 0; i < tasks.size(); ++i) {

@@ -85,10 +85,11 @@ std::optional<QString> QtUserDialogs::ChooseOpenFile(const QString& title,
     return QDir::toNativeSeparators(chosen);
 }
 
-std::optional<QString> QtUserDialogs::ChooseSaveFile(const QString& title, const QString& startPath,
+std::optional<QString> QtUserDialogs::ChooseSaveFile(const QString& title,
+                                                     const QString& suggestedPath,
                                                      const QString& filter) {
     const QString chosen =
-        QFileDialog::getSaveFileName(m_parent, TitleOr(title), startPath, QtFileFilter(filter));
+        QFileDialog::getSaveFileName(m_parent, TitleOr(title), suggestedPath, QtFileFilter(filter));
     if (chosen.isEmpty()) {
         return std::nullopt;
     }

@@ -22,7 +22,7 @@ public:
                                     const QString& defaultText) override;
     std::optional<QString> ChooseOpenFile(const QString& title, const QString& startFolder,
                                           const QString& filter) override;
-    std::optional<QString> ChooseSaveFile(const QString& title, const QString& startPath,
+    std::optional<QString> ChooseSaveFile(const QString& title, const QString& suggestedPath,
                                           const QString& filter) override;
     std::optional<QString> ChooseFolder(const QString& title, const QString& startFolder) override;
     std::optional<DateValue> PickDate(const QString& prompt, DateValue initial) override;

@@ -17,11 +17,19 @@
 #include <QVBoxLayout>
 
 namespace {
-// Windows opened one after another step away from the corner so that none
-// covers another exactly.
-int g_cascade = 0;
-constexpr int kCascadeSteps = 8;
-constexpr int kCascadeOffset = 28;
+
+// Every reminder window alive, oldest first.
+QList<frmReminder*>& openWindows() {
+    static QList<frmReminder*> windows;
+    return windows;
+}
+
+quint64 g_created = 0;
+
+// One slot lower than the last: enough for a title bar and its border.
+constexpr int kSlotDown = 36;
+constexpr int kSlotRight = 24;
+
 } // namespace
 
 frmReminder::frmReminder(cSHAREDSettings& settings, ISoundPlayer& player, QWidget* parent)
@@ -30,6 +38,8 @@ frmReminder::frmReminder(cSHAREDSettings& settings, ISoundPlayer& player, QWidge
       m_sleepBox(new QLineEdit(QStringLiteral("10"), this)),
       m_sleep(new QPushButton(QStringLiteral("&Sleep"), this)),
       m_continue(new QPushButton(QStringLiteral("&Continue"), this)) {
+    m_sequence = ++g_created;
+    openWindows().append(this);
     setObjectName(QStringLiteral("frmReminder"));
     setWindowTitle(QStringLiteral("TVO - Reminder"));
     setAttribute(Qt::WA_DeleteOnClose);
@@ -70,21 +80,34 @@ frmReminder::frmReminder(cSHAREDSettings& settings, ISoundPlayer& player, QWidge
     connect(&m_timer, &QTimer::timeout, this, &frmReminder::Timer1_Timer);
 
     resize(420, 260);
-    placeNearTrayCorner();
     // Filled by the engine right after creation, shown at the first tick.
     m_timer.start(kFirstShowMs);
 }
 
-frmReminder::~frmReminder() = default;
+frmReminder::~frmReminder() {
+    openWindows().removeOne(this);
+}
 
 void frmReminder::placeNearTrayCorner() {
+    QList<bool> taken(kSlots, false);
+    int lowest = -1;
+    for (const frmReminder* other : std::as_const(openWindows())) {
+        if (other != this && other->m_slot >= 0) {
+            taken[other->m_slot] = true;
+            lowest = std::max(lowest, other->m_slot);
+        }
+    }
+    // Below every window up already; when the bottom is reached, the first
+    // free slot (or the top one again when all are taken).
+    m_slot = lowest + 1 < kSlots ? lowest + 1 : std::max<int>(0, taken.indexOf(false));
     const QScreen* screen = QApplication::primaryScreen();
     if (screen == nullptr) {
         return;
     }
     const QRect area = screen->availableGeometry();
-    const int step = (g_cascade++ % kCascadeSteps) * kCascadeOffset;
-    move(area.right() - width() - 24 - step, area.bottom() - height() - 48 - step);
+    const int below = kSlots - 1 - m_slot; // slots still below this one
+    move(area.right() - width() - 24 - below * kSlotRight,
+         area.bottom() - height() - 48 - below * kSlotDown);
 }
 
 void frmReminder::ClearList() {
@@ -122,6 +145,10 @@ void frmReminder::Heading(const QString& text) {
     setWindowTitle(text);
 }
 
+void frmReminder::Caption(const QString& text) {
+    setWindowTitle(text);
+}
+
 void frmReminder::MakeTopmost() {
     setWindowFlag(Qt::WindowStaysOnTopHint, true); // hides a shown window; the timer shows it
 }
@@ -133,12 +160,22 @@ void frmReminder::Unload() {
 }
 
 void frmReminder::bringUp() {
+    if (m_slot < 0) {
+        placeNearTrayCorner();
+    }
     if (!isVisible()) {
         show();
         QCoreApplication::processEvents();
     }
     raise();
     activateWindow();
+    // Coming forward must not bury newer windows: they go back on top, in
+    // the order they were made.
+    for (frmReminder* other : std::as_const(openWindows())) {
+        if (other->m_sequence > m_sequence && other->isVisible()) {
+            other->raise();
+        }
+    }
 }
 
 void frmReminder::Timer1_Timer() {

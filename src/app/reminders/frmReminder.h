@@ -29,6 +29,7 @@ public:
     void ClearList() override;
     void AddToList(const QString& text) override;
     void Heading(const QString& text) override;
+    void Caption(const QString& text) override;
     void setSoundFlag(bool on) override { m_soundFlag = on; }
     void setSoundFile(const QString& path) override { m_soundFile = path; }
     void setSoundOnce(bool once) override { m_soundOnce = once; }
@@ -51,6 +52,12 @@ public:
     // is taken out ("In 3 days: x" gives 3; a plain description usually 0).
     static int16_t LineNumber(const QString& text);
 
+    // Where the window sits among the reminder windows: -1 until it first
+    // comes up. Slot n lies a title bar's height below and a little to the
+    // right of slot n - 1, so every title bar stays in sight.
+    int slot() const { return m_slot; }
+    static constexpr int kSlots = 6;
+
     static constexpr int kFirstShowMs = 2000;
     static constexpr int kRepeatMs = 30000;
     static constexpr int kSleepTickMs = 1000;
@@ -59,7 +66,10 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    // Takes the slot below the lowest one in use, near the tray corner.
     void placeNearTrayCorner();
+    // Shows the window and brings the reminder windows forward, the newest
+    // (of each kind: alarms stay above the rest) on top.
     void bringUp();
 
     cSHAREDSettings& m_settings;
@@ -77,4 +87,6 @@ private:
     int16_t m_sleepMinutes = 0;
     int16_t m_seconds = 0;
     int16_t m_minutes = 0;
+    int m_slot = -1;
+    quint64 m_sequence; // creation order
 };

@@ -66,6 +66,7 @@ TEST_F(EditFlow, EditedEventIsStoredBackInPlace) {
     listed->setPeriod(7);
     listed->setStartDate(D("2009-03-01"));
     listed->setRecurring(true);
+    listed->setDaysLeft(-5); // as an expired copy left it
     events.StoreRecord(listed);
     const QString id = listed->IDCode;
 
@@ -79,6 +80,7 @@ TEST_F(EditFlow, EditedEventIsStoredBackInPlace) {
     EXPECT_EQ(listed->IDCode, id);
     EXPECT_EQ(listed->Desc(), QStringLiteral("Dentist, new time"));
     EXPECT_DOUBLE_EQ(listed->DueDate(), D("2009-03-08"));
+    EXPECT_EQ(listed->DaysLeft(), 3) << "the list shows the new days left, not the old ones";
 
     clsDbXml reread(settings, &layers);
     reread.LoadDB(home.file(QStringLiteral("Events.xml")));
@@ -115,6 +117,7 @@ TEST_F(EditFlow, NetworkedSavePublishesTheUsersSharedEvents) {
     settings.sSet(QStringLiteral("SharedDatapath"), folder);
     whenEditorOpens([](QWidget* editor) {
         describe(editor, QStringLiteral("Team lunch"));
+        click(editor, "chkDay5");
         click(editor, "chkShared");
         click(editor, "cmdSave");
     });

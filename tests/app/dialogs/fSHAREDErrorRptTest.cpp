@@ -1,39 +1,37 @@
 #include "app/dialogs/fSHAREDErrorRpt.h"
 #include "app/dialogs/ErrorReportWindowSink.h"
-#include "shared/AppInfo.h"
+#include "app/dialogs/TextViewer.h"
 #include "shared/ErrorReportText.h"
 #include "shared/TextCodec.h"
 #include "shared/cSHAREDShowError.h"
 #include "shared/cSharedLogging.h"
 
+#include "support/ScriptedDialogs.h"
 #include "support/TestSupport.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBrowser>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-// The window with its links recorded instead of opened and its log file in a
-// temporary folder.
+// The window with scripted dialogs and its log file in a temporary folder.
 class ErrorReportWindowTest : public ::testing::Test {
 protected:
     void SetUp() override {
         m_oldLog = Log().CurrentLogFilename();
         Log().OverrideLogFilename(home.file(QStringLiteral("log.txt")));
-        fSHAREDErrorRpt::SetUrlOpener([this](const QUrl& url) {
-            opened << url;
-            return true;
-        });
         fSHAREDErrorRpt::SetReportFolder(home.file(QStringLiteral("reports")));
     }
     void TearDown() override {
-        fSHAREDErrorRpt::SetUrlOpener({});
         fSHAREDErrorRpt::SetReportFolder({});
         if (!m_oldLog.isEmpty()) {
             Log().OverrideLogFilename(m_oldLog);
@@ -47,46 +45,20 @@ protected:
     }
     void click(const char* name) { QTest::mouseClick(child<QPushButton>(name), Qt::LeftButton); }
 
+    QString viewerText(const char* name) {
+        auto* viewer = window.findChild<TextViewer*>(QLatin1String(name));
+        EXPECT_NE(viewer, nullptr) << name;
+        return viewer != nullptr && viewer->isVisible() ? viewer->browser()->toPlainText()
+                                                        : QString();
+    }
+
     TempHome home;
-    QList<QUrl> opened;
-    fSHAREDErrorRpt window;
+    ScriptedDialogs dialogs;
+    fSHAREDErrorRpt window{dialogs};
 
 private:
     QString m_oldLog;
 };
-
-TEST_F(ErrorReportWindowTest, ControlsCarryTheirCaptionsAndTips) {
-    EXPECT_EQ(window.windowTitle(), QStringLiteral("Error Reporter"));
-    const struct {
-        const char* name;
-        const char* caption;
-        const char* tip;
-    } buttons[] = {
-        {"cmdEmail", "Submit Error Report",
-         "You will get a chance to preview the report before sending."},
-        {"cmdViewReport", "View Error Report", "If 'Submit Error' doesn't work, click here"},
-        {"cmdViewLog", "View Log File", "Click this button to view the log file"},
-        {"cmdShowComments", "Enter Comments",
-         "If you want to add any comments before submitting an error report, click here."},
-        {"cmdHelp", "Help", ""},
-    };
-    for (const auto& b : buttons) {
-        auto* button = child<QPushButton>(b.name);
-        ASSERT_NE(button, nullptr);
-        EXPECT_EQ(button->text(), QString::fromUtf8(b.caption));
-        EXPECT_EQ(button->toolTip(), QString::fromUtf8(b.tip));
-    }
-    EXPECT_NE(child<QPushButton>("cmdExit"), nullptr);
-    EXPECT_EQ(child<QPlainTextEdit>("txtError")->toolTip(),
-              QStringLiteral("This is the error which ocurred"));
-    EXPECT_EQ(child<QPlainTextEdit>("txtLog")->toolTip(),
-              QStringLiteral("This is the content of the program's log file"));
-    EXPECT_EQ(child<QPlainTextEdit>("txtUserMessage")->toolTip(),
-              QStringLiteral("These comments will be added to your error report."));
-    EXPECT_EQ(child<QGroupBox>("fraError")->title(), QStringLiteral("Error Details"));
-    EXPECT_EQ(child<QGroupBox>("fraComments")->title(),
-              QStringLiteral("Enter your own comments here"));
-}
 
 TEST_F(ErrorReportWindowTest, ShowsTheErrorAndNoLogFileWhenThereIsNone) {
     window.ShowError(QStringLiteral("Error 53 - File not found in frmMain of Save"));
@@ -105,45 +77,52 @@ TEST_F(ErrorReportWindowTest, ShowsTheLogWithItsBufferedActions) {
     EXPECT_TRUE(log.contains(QStringLiteral("something recent")));
 }
 
-TEST_F(ErrorReportWindowTest, ViewReportWritesFullLogAndOpensIt) {
+TEST_F(ErrorReportWindowTest, ViewReportWritesFullLogAndShowsIt) {
     window.ShowError(QStringLiteral("Bad thing"));
     click("cmdShowComments");
     EXPECT_TRUE(child<QGroupBox>("fraComments")->isVisibleTo(&window));
     QTest::keyClicks(child<QPlainTextEdit>("txtUserMessage"), QStringLiteral("my words"));
     click("cmdViewReport");
 
-    const QString path = fSHAREDErrorRpt::FullLogPath();
-    ASSERT_EQ(opened, QList<QUrl>{QUrl::fromLocalFile(path)});
-    const QString report = TextCodec::FromWindows1252(ReadFileBytes(path));
-    EXPECT_EQ(report,
-              ErrorReportText::FullReport(QStringLiteral("Bad thing"), QStringLiteral("my words"),
-                                          QStringLiteral("No log file")));
+    const QString expected = ErrorReportText::FullReport(
+        QStringLiteral("Bad thing"), QStringLiteral("my words"), QStringLiteral("No log file"));
+    EXPECT_EQ(TextCodec::FromWindows1252(ReadFileBytes(fSHAREDErrorRpt::FullLogPath())), expected);
+    EXPECT_EQ(viewerText("frmReport"),
+              QString(expected).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
 }
 
-TEST_F(ErrorReportWindowTest, SubmitOpensTheMailLink) {
+TEST_F(ErrorReportWindowTest, SubmitSavesWhereTheUserSaysAndCopiesToTheClipboard) {
     window.ShowError(QStringLiteral("Bad thing"));
-    click("cmdShowComments");
-    auto* comments = child<QPlainTextEdit>("txtUserMessage");
-    QTest::keyClicks(comments, QStringLiteral("50% &?#"));
-    QTest::keyClick(comments, Qt::Key_Return);
-    QTest::keyClicks(comments, QStringLiteral("ok"));
+    const QString file = home.file(QStringLiteral("report.txt"));
+    dialogs.answerCancel();
     click("cmdEmail");
-    ASSERT_EQ(opened.size(), 1);
-    EXPECT_EQ(opened[0].scheme(), QStringLiteral("mailto"));
-    const QString sent = opened[0].toString(QUrl::FullyEncoded);
-    EXPECT_TRUE(sent.contains(QStringLiteral("User:%2050%25%20%26%3F%23%0D%0Aok%0D%0ABad%20thing")))
-        << sent.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(file));
+    ASSERT_EQ(dialogs.count(), 1) << "cancelling the chooser says nothing more";
+
+    dialogs.answerText(file);
+    click("cmdEmail");
+    const QString report = TextCodec::FromWindows1252(ReadFileBytes(file));
+    EXPECT_TRUE(report.startsWith(QStringLiteral("Error Report: ")));
+    EXPECT_TRUE(report.contains(QStringLiteral("Bad thing")));
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), report);
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("The error report was saved to ") + file +
+                  QStringLiteral(" and copied to the clipboard.\r\nSend the file, or paste the "
+                                 "report into a message, to whoever looks after your copy of "
+                                 "Tarvo."));
 }
 
-TEST_F(ErrorReportWindowTest, ViewLogAndHelpOpenTheirTargets) {
+TEST_F(ErrorReportWindowTest, ViewLogAndHelpShowInsideTheProgram) {
+    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("log.txt")), "1 10:00:00, started\r\n"));
     click("cmdViewLog");
+    EXPECT_TRUE(viewerText("frmLog").startsWith(QStringLiteral("1 10:00:00, started")));
     click("cmdHelp");
-    EXPECT_EQ(opened, (QList<QUrl>{QUrl::fromLocalFile(home.file(QStringLiteral("log.txt"))),
-                                   AppInfo::HelpUrl()}));
+    EXPECT_TRUE(viewerText("frmHelp").contains(QStringLiteral("About Tarvo")));
 }
 
 TEST(ErrorReportWindowSink, EachReportOpensAWindowThatExitCloses) {
-    ErrorReportWindowSink sink;
+    ScriptedDialogs dialogs;
+    ErrorReportWindowSink sink(dialogs);
     cSHAREDShowError::ShowErr(QStringLiteral("Shown to the user"));
     fSHAREDErrorRpt* window = nullptr;
     for (QWidget* w : QApplication::topLevelWidgets()) {

@@ -31,6 +31,8 @@ TEST_F(LayerEditor, DefaultTableIsShownWithItsLabels) {
     EXPECT_EQ(box(1)->text(), QStringLiteral("Layer 1"));
     EXPECT_EQ(box(19)->text(), QStringLiteral("Layer 19"));
     EXPECT_EQ(box(20)->text(), QStringLiteral("All Categories"));
+    EXPECT_FALSE(box(0)->isEnabled() || box(20)->isEnabled()) << "fixed names";
+    EXPECT_TRUE(box(1)->isEnabled() && box(19)->isEnabled());
     EXPECT_EQ(Control<QLabel>(&w, "Label1_0")->text(), QStringLiteral("Shared:"));
     EXPECT_EQ(Control<QLabel>(&w, "Label1_7")->text(), QStringLiteral("7:"));
     EXPECT_EQ(Control<QLabel>(&w, "Label1_20")->text(), QStringLiteral("All Categories:"));

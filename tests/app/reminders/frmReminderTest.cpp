@@ -11,6 +11,9 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <memory>
+#include <vector>
+
 namespace {
 
 class ReminderWindow : public ::testing::Test {
@@ -37,6 +40,34 @@ TEST_F(ReminderWindow, HeadingIsAlsoTheCaption) {
     EXPECT_EQ(window->windowTitle(), QStringLiteral("COMING UP"));
     EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblHeading"))->text(),
               QStringLiteral("COMING UP"));
+}
+
+TEST_F(ReminderWindow, EachNewWindowComesUpBelowTheOthersWithEveryTitleInSight) {
+    window->Caption(QStringLiteral("TODAY! - 17/03/2009"));
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("TODAY! - 17/03/2009"));
+    std::vector<std::unique_ptr<frmReminder>> more;
+    QList<frmReminder*> shown{window.data()};
+    tick(); // the first window comes up
+    for (int i = 0; i < 3; ++i) {
+        more.push_back(std::make_unique<frmReminder>(settings, player));
+        frmReminder* w = more.back().get();
+        // Windows made by a pass that found nothing never take a place.
+        frmReminder(settings, player).Unload();
+        w->Timer1_Timer();
+        shown << w;
+    }
+    for (int older = 0; older < shown.size(); ++older) {
+        const QRect title(shown[older]->geometry().topLeft(), QSize(shown[older]->width(), 30));
+        EXPECT_EQ(shown[older]->slot(), older);
+        for (int newer = older + 1; newer < shown.size(); ++newer) {
+            EXPECT_FALSE(shown[newer]->geometry().intersects(title)) << older << " under " << newer;
+        }
+    }
+    // A window that goes frees its place for the next one to come up.
+    more.back().reset();
+    auto last = std::make_unique<frmReminder>(settings, player);
+    last->Timer1_Timer();
+    EXPECT_EQ(last->slot(), 3);
 }
 
 TEST_F(ReminderWindow, LinesOrderedByDayCountNewestFirstAmongEquals) {

@@ -126,7 +126,7 @@ e2e_start() {
 
 # e2e_wait_log HOME TEXT [SECONDS]: waits for a log line containing TEXT.
 e2e_wait_log() {
-  local home="$1" text="$2" limit="${3:-20}" _
+  local home="$1" text="$2" limit="${3:-40}" _
   for _ in $(seq 1 $((limit * 10))); do
     grep -qF -- "$text" "$home/log.txt" 2>/dev/null && return 0
     sleep 0.1
@@ -137,7 +137,7 @@ e2e_wait_log() {
 # e2e_wait_ready HOME: the main window has loaded and the program quits
 # cleanly on SIGTERM (its handler is set up just after the last loading line).
 e2e_wait_ready() {
-  e2e_wait_log "$1" "Displaying system tray icon" "${2:-20}"
+  e2e_wait_log "$1" "Displaying system tray icon" "${2:-40}"
   sleep 0.5
 }
 
@@ -145,7 +145,7 @@ e2e_wait_ready() {
 # matches TITLE (a regular expression), the newest when there are several;
 # returns 1 when none shows within the time (use: id=$(...) || e2e_fail ...).
 e2e_window() {
-  local title="$1" limit="${2:-15}" id _
+  local title="$1" limit="${2:-30}" id _
   for _ in $(seq 1 $((limit * 10))); do
     id=$(xdotool search --onlyvisible --name "$title" 2>/dev/null | tail -n 1)
     [ -n "$id" ] && { echo "$id"; return 0; }

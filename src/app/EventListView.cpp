@@ -6,6 +6,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 
 #include <algorithm>
 
@@ -114,4 +115,14 @@ void EventListView::RestoreSelection(int row) {
 void EventListView::contextMenuEvent(QContextMenuEvent* event) {
     emit rightClicked(event->globalPos());
     event->accept();
+}
+
+void EventListView::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && event->modifiers() == Qt::NoModifier && selectedRow() != kNoSelection) {
+        emit openRequested();
+        event->accept();
+        return;
+    }
+    QTreeView::keyPressEvent(event);
 }

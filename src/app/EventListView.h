@@ -49,9 +49,12 @@ signals:
     // A right click on the list, at this screen position (after Qt selected
     // the row under the mouse): the place for the list's pop-up menu.
     void rightClicked(const QPoint& globalPos);
+    // Enter or Return pressed with a row selected: open it, as a double-click does.
+    void openRequested();
 
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void HeaderClicked(int column);

@@ -34,6 +34,7 @@ int Main(QApplication& app) {
     // One copy per user and home folder, claimed before anything else, so
     // that a copy started while this one is still starting (first-time
     // options open, a large file loading) wakes this one and ends.
+    const StartUp::FirstStartTraces traces; // before anything is written
     SingleInstance::Claimed instance = SingleInstance::Claim(QStringLiteral("SHOW"));
     if (instance.handedOver) {
         return 0;
@@ -66,6 +67,8 @@ int Main(QApplication& app) {
 
     StartUp startUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
     if (!startUp.Run()) {
+        // The first-time setup was cancelled: nothing of this start stays.
+        traces.RemoveNew();
         return 0;
     }
 

@@ -13,6 +13,9 @@
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
 #include "storage/clsSounds.h"
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 StartUp::StartUp(AppContext& app, std::function<bool(AppContext&)> firstTimeOptions)
     : m_app(app), m_firstTimeOptions(std::move(firstTimeOptions)) {}
@@ -59,4 +62,23 @@ bool StartUp::Run() {
                        AppPaths::HomeFolder());
     }
     return true;
+}
+
+StartUp::FirstStartTraces::FirstStartTraces()
+    : m_home(AppPaths::HomeFolderPath()), m_homeExisted(QFileInfo::exists(m_home)) {
+    for (const char* name : {"log.txt", "alarm.wav"}) {
+        const QString file = AppPaths::JoinPath(m_home, QString::fromLatin1(name));
+        if (!QFileInfo::exists(file)) {
+            m_newFiles.append(file);
+        }
+    }
+}
+
+void StartUp::FirstStartTraces::RemoveNew() const {
+    for (const QString& file : m_newFiles) {
+        QFile::remove(file);
+    }
+    if (!m_homeExisted) {
+        QDir().rmdir(m_home); // only when nothing else is in it
+    }
 }

@@ -2,6 +2,8 @@
 
 #include "app/AppContext.h"
 
+#include <QStringList>
+
 #include <functional>
 
 // The program's start-up steps after the single-instance check, in their
@@ -21,6 +23,21 @@ public:
     bool Run();
 
     bool SilentStart() const { return m_silentStart; }
+
+    // What a start may create before the first-time setup is accepted (the
+    // home folder, its log and the default alarm sound), noted before
+    // anything is written, so that a cancelled first start takes away what
+    // it made and leaves the disk as it found it.
+    class FirstStartTraces {
+    public:
+        FirstStartTraces();
+        void RemoveNew() const;
+
+    private:
+        QString m_home;
+        bool m_homeExisted;
+        QStringList m_newFiles;
+    };
 
 private:
     AppContext& m_app;

@@ -1,4 +1,5 @@
 #include "app/frmMain.h"
+#include "app/WindowFit.h"
 
 #include "app/CalendarFileCommands.h"
 #include "app/EventListModel.h"
@@ -58,6 +59,21 @@ const ToolButton kButtons[] = {
     {"help", "Help", "Show help", "help-contents", QStyle::SP_DialogHelpButton},
 };
 
+// The desktop theme's icon, else the style's. Help is a question mark: the
+// theme's question icon, else its help icon, else the bundled one (some
+// themes draw help as a red and white life ring, which reads as Close).
+QIcon toolbarIcon(const ToolButton& b) {
+    const QString theme = QString::fromLatin1(b.theme);
+    if (theme == QLatin1String("help-contents")) {
+        // The drawing, and pictures of it for a Qt without its SVG plugin.
+        QIcon bundled(QStringLiteral(":/icons/help.svg"));
+        bundled.addFile(QStringLiteral(":/icons/help-24.png"));
+        bundled.addFile(QStringLiteral(":/icons/help-48.png"));
+        return QIcon::fromTheme(QStringLiteral("help-faq"), QIcon::fromTheme(theme, bundled));
+    }
+    return QIcon::fromTheme(theme, QApplication::style()->standardIcon(b.fallback));
+}
+
 } // namespace
 
 frmMain::frmMain(AppContext& app, QWidget* parent)
@@ -93,7 +109,7 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
     buildMenus();
     buildTray();
     FillCategories();
-    resize(1180, 640);
+    WindowFit::Apply(this, QSize(1180, 640));
 }
 
 frmMain::~frmMain() = default;
@@ -126,6 +142,7 @@ void frmMain::buildList() {
     setCentralWidget(central);
 
     connect(m_list, &EventListView::doubleClicked, this, [this] { EditSelectedEvent(); });
+    connect(m_list, &EventListView::openRequested, this, [this] { EditSelectedEvent(); });
     connect(m_list, &EventListView::rightClicked, this,
             [this](const QPoint& globalPos) { m_rightClick->popup(globalPos); });
     connect(m_showExpired, &QCheckBox::toggled, this, [this] { FillEvents(); });
@@ -142,8 +159,7 @@ void frmMain::buildToolbar() {
     bar->setMovable(false);
     bar->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
     for (const ToolButton& b : kButtons) {
-        const QIcon icon =
-            QIcon::fromTheme(QString::fromLatin1(b.theme), style()->standardIcon(b.fallback));
+        const QIcon icon = toolbarIcon(b);
         QAction* a = bar->addAction(icon, QString::fromLatin1(b.label));
         a->setObjectName(QString::fromLatin1(b.key));
         a->setToolTip(QString::fromLatin1(b.tip));
@@ -307,7 +323,8 @@ bool frmMain::RestoreWindowSize() {
                              ? QApplication::primaryScreen()->availableGeometry()
                              : QRect(0, 0, 1280, 800);
     if (width > 0 && height > 0) {
-        resize(std::min(width, screen.width()), std::min(height, screen.height()));
+        // A size saved on a larger monitor is shrunk to this one.
+        WindowFit::Apply(this, QSize(width, height));
     }
     // A size that fills nine tenths of the screen both ways opens maximised,
     // as does a window that was maximised when the program ended.

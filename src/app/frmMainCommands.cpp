@@ -57,10 +57,7 @@ void frmMain::Toolbar1_ButtonClick(const QString& key) {
     } else if (key == QLatin1String("pushevent")) {
         PushSelectedEvent();
     } else if (key == QLatin1String("deleteevent")) {
-        if (!SelectedRows().isEmpty() &&
-            m_app.dialogs.AskYesNo(EventCommands::kDeleteQuestion, {}, false)) {
-            DeleteSelectedEvents();
-        }
+        DeleteSelectedEvents();
     } else if (key == QLatin1String("editevent")) {
         EditSelectedEvent();
     } else if (key == QLatin1String("addevent")) {
@@ -102,12 +99,11 @@ void frmMain::PushSelectedEvent() {
         return;
     }
     if (!change.IsEmpty()) {
-        statusBar()->showMessage(
-            QStringLiteral("Pushed %1 to %2 \u2014 Ctrl+Z to undo")
-                .arg(
-                    EventChangeCommand::Quoted(*pushed),
-                    cSharedDateSubs::ForSettings(m_app.settings).ShortFormatDayDate(pushed->DueDate())),
-            kPushMessageMs);
+        statusBar()->showMessage(QStringLiteral("Pushed %1 to %2 \u2014 Ctrl+Z to undo")
+                                     .arg(EventChangeCommand::Quoted(*pushed),
+                                          cSharedDateSubs::ForSettings(m_app.settings)
+                                              .ShortFormatDayDate(pushed->DueDate())),
+                                 kPushMessageMs);
     }
     record(new PushEventCommand(std::move(change), *pushed, stepDone()));
     FillEvents();
@@ -116,13 +112,20 @@ void frmMain::PushSelectedEvent() {
                                                   : EventListModel::Source::Local));
 }
 
+// The rows the user may not delete are named before the question, so that
+// no one confirms a deletion that then does not happen.
 void frmMain::DeleteSelectedEvents() {
-    EventChange change;
-    const bool skipped = EventCommands::DeleteRows(m_services, SelectedRows(), &change);
-    record(new DeleteEventsCommand(std::move(change), stepDone()));
-    if (skipped) {
-        m_app.dialogs.Message(EventCommands::kDeleteRefusal);
+    QList<ListRow> allowed;
+    for (const QString& refusal :
+         EventCommands::DeleteRefusals(m_services, SelectedRows(), &allowed)) {
+        m_app.dialogs.Message(refusal);
     }
+    if (allowed.isEmpty() || !m_app.dialogs.AskYesNo(EventCommands::kDeleteQuestion, {}, false)) {
+        return;
+    }
+    EventChange change;
+    EventCommands::DeleteRows(m_services, allowed, &change);
+    record(new DeleteEventsCommand(std::move(change), stepDone()));
     FillEvents();
 }
 
@@ -138,9 +141,16 @@ void frmMain::mnuFind_Click(int index) {
     const int start = index == 1 ? SelectedRow() + 1 : 0;
     const int found = m_model->FindText(m_searchTerm, start);
     if (found >= 0) {
+        statusBar()->clearMessage();
         m_list->clearSelection();
         SelectRow(found);
+        return;
     }
+    // The search does not wrap; the status bar says why nothing moved.
+    statusBar()->showMessage((start > 0 ? QStringLiteral("No further event contains \"%1\"")
+                                        : QStringLiteral("No event contains \"%1\""))
+                                 .arg(m_searchTerm),
+                             kPushMessageMs);
 }
 
 void frmMain::ManualBackup() {

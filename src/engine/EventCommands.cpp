@@ -25,6 +25,26 @@ clsDbXml& databaseOf(ReminderServices& services, const ListRow& row) {
 
 } // namespace
 
+QStringList DeleteRefusals(ReminderServices& services, const QList<ListRow>& rows,
+                           QList<ListRow>* allowed) {
+    QStringList refusals;
+    for (const ListRow& row : rows) {
+        QString refusal;
+        if (row.marker == kOtherUsersMarker) {
+            refusal = kDeleteRefusal;
+        } else if (row.marker != kExpiredMarker) {
+            const EventPtr e = services.events.ReadEvent(row.idCode);
+            refusal = e ? DeleteOwnerRefusal(services.settings, *e) : QString();
+        }
+        if (refusal.isEmpty()) {
+            allowed->append(row);
+        } else if (!refusals.contains(refusal)) {
+            refusals.append(refusal);
+        }
+    }
+    return refusals;
+}
+
 bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows, EventChange* change) {
     if (change != nullptr) {
         for (const ListRow& row : rows) {

@@ -30,6 +30,13 @@ inline const QString kDeleteQuestion =
 inline const QString kDeleteRefusal =
     QStringLiteral("You can't delete events belonging to another user");
 
+// What keeps rows of a selection from being deleted, to be said before the
+// delete question: kDeleteRefusal (once) for other users' rows and, in
+// networked mode, the owner's refusal for each event of one's own file that
+// another user owns. The rows that may go are put in `allowed`.
+QStringList DeleteRefusals(ReminderServices& services, const QList<ListRow>& rows,
+                           QList<ListRow>* allowed);
+
 // Deletes the rows in list order: expired rows from the expired database,
 // the others from the events database; other users' rows are skipped. True
 // when any row was skipped (the caller then shows kDeleteRefusal). With a

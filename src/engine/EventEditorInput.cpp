@@ -142,6 +142,10 @@ QString AlarmAdvice(const QString& time, const QString& minutesWarning) {
 }
 
 EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& settings) {
+    // An event without words would be a blank row in every list.
+    if (in.desc.trimmed().isEmpty()) {
+        return fail(kNoDescription, QStringLiteral("txtDesc"));
+    }
     if (!in.makeNoise) {
         in.wavFile.clear();
     }

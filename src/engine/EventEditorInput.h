@@ -62,6 +62,7 @@ struct EventEditorOutcome {
 // an event, and the small conversions the editor shows.
 namespace EventEditorRules {
 
+inline constexpr const char* kNoDescription = "Please enter a description of the event";
 inline constexpr const char* kTimeRange = "Please specify a time in the range of 00:00 to 23:59";
 inline constexpr const char* kMaxWarning = "Maximum warning is 60 minutes";
 inline constexpr const char* kBadDayOfMonth = "Please enter a valid day of the month";

@@ -10,6 +10,7 @@ OccurrencePreview OccurrencePreview::Of(const EventEditorInput& input, const cls
     in.makeNoise = false;
     in.emailTo = false;
     in.daysWarning = QStringLiteral("0");
+    in.desc = QStringLiteral("-"); // the dates do not depend on the words
     clsEvent copy = event;
     OccurrencePreview preview;
     preview.once = !in.repeat;

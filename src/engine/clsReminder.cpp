@@ -1,7 +1,7 @@
 #include "engine/clsReminder.h"
 
-#include "engine/IDesktopNotifier.h"
 #include "engine/FiredAlarms.h"
+#include "engine/IDesktopNotifier.h"
 #include "engine/IReminderWindow.h"
 #include "shared/IFileOpener.h"
 #include "shared/OwnerId.h"
@@ -226,15 +226,23 @@ bool DeleteEvent(ReminderServices& services, const QString& idCode) {
     if (!e) {
         return false;
     }
-    const QString owner =
-        services.settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText();
-    if (networked(services.settings) && !OwnerId::Same(e->Owner(), owner)) {
-        services.dialogs.Message(QStringLiteral("You're not the owner of this event.  Only ") +
-                                 e->Owner() + QStringLiteral(" can delete it."));
+    const QString refusal = DeleteOwnerRefusal(services.settings, *e);
+    if (!refusal.isEmpty()) {
+        services.dialogs.Message(refusal);
         return false;
     }
     services.events.DeleteRecord(idCode);
     return true;
+}
+
+QString DeleteOwnerRefusal(const cSHAREDSettings& settings, const clsEvent& e) {
+    const QString owner =
+        settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText();
+    if (networked(settings) && !OwnerId::Same(e.Owner(), owner)) {
+        return QStringLiteral("You're not the owner of this event.  Only ") + e.Owner() +
+               QStringLiteral(" can delete it.");
+    }
+    return {};
 }
 
 bool DeleteExpiredEvent(ReminderServices& services, const QString& idCode) {

@@ -5,6 +5,7 @@
 #include <QString>
 
 class FiredAlarms;
+class clsEvent;
 class IReminderWindow;
 
 // One pass of the reminder engine: rolls past events forward or moves them
@@ -45,4 +46,8 @@ void CheckAlarms(ReminderServices& services, FiredAlarms* fired = nullptr);
 // Deletes an event on the user's command. In networked mode only the owner
 // may: anyone else is told who can. True when the event was deleted.
 bool DeleteEvent(ReminderServices& services, const QString& idCode);
+
+// Why the user may not delete this event of the events database: in
+// networked mode, when another user owns it; "" when the user may.
+QString DeleteOwnerRefusal(const cSHAREDSettings& settings, const clsEvent& e);
 bool DeleteExpiredEvent(ReminderServices& services, const QString& idCode);

@@ -8,6 +8,12 @@
 namespace AppPaths {
 
 QString HomeFolder() {
+    const QString folder = HomeFolderPath();
+    QDir().mkpath(folder);
+    return folder;
+}
+
+QString HomeFolderPath() {
     QString folder = qEnvironmentVariable(kHomeVariable);
     if (folder.isEmpty() && QCoreApplication::instance() != nullptr) {
         const QString exeFolder = QCoreApplication::applicationDirPath();
@@ -20,7 +26,6 @@ QString HomeFolder() {
                           QStringLiteral("Tarvo"));
     }
     folder = QDir::cleanPath(QDir(folder).absolutePath());
-    QDir().mkpath(folder);
     return QDir::toNativeSeparators(folder);
 }
 

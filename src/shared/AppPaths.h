@@ -13,6 +13,8 @@
 namespace AppPaths {
 
 QString HomeFolder();
+// The same folder without creating it.
+QString HomeFolderPath();
 // folder + separator + name, with exactly one separator between them.
 QString JoinPath(const QString& folder, const QString& name);
 // The name of an existing entry of folder that equals name regardless of

@@ -33,11 +33,12 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QStatusBar>
+#include <QTest>
+#include <QTextBrowser>
 #include <QToolBar>
 #include <QUndoStack>
-#include <QScrollBar>
-#include <QTextBrowser>
 
 namespace {
 
@@ -191,15 +192,37 @@ TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
     EXPECT_EQ(dialogs.lastText(),
               QStringLiteral("You can't push a shared item belonging to someone else"));
 
-    // A mixed selection: own rows go, the other user's stays, and the user is told.
-    select({QStringLiteral("Bob's party"), QStringLiteral("Mine")});
-    dialogs.answerYes();
-    window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
-    EXPECT_EQ(dialogs.texts().mid(dialogs.texts().size() - 2),
-              (QStringList{QStringLiteral("Are you sure you want to delete the selected event(s)?"),
-                           QStringLiteral("You can't delete events belonging to another user")}));
+    // What may not be deleted is said before the question, which is only
+    // asked when something can go: Bob's published row, Bob's event kept in
+    // Ann's own file, and both with one of Ann's.
+    add(events, QStringLiteral("Bob's in my file"), QStringLiteral("2009-03-11"),
+        QStringLiteral("Bob"));
+    window->FillEvents();
+    const QString question =
+        QStringLiteral("Are you sure you want to delete the selected event(s)?");
+    const QString others = QStringLiteral("You can't delete events belonging to another user");
+    const struct {
+        std::initializer_list<QString> rows;
+        QStringList said;
+    } cases[] = {
+        {{QStringLiteral("Bob's party")}, {others}},
+        {{QStringLiteral("Bob's in my file")}, {others}},
+        {{QStringLiteral("Bob's party"), QStringLiteral("Bob's in my file"),
+          QStringLiteral("Mine")},
+         {others, question}},
+    };
+    for (const auto& c : cases) {
+        const qsizetype before = dialogs.texts().size();
+        select(c.rows);
+        if (c.said.contains(question)) {
+            dialogs.answerYes();
+        }
+        window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
+        EXPECT_EQ(dialogs.texts().mid(before), c.said);
+    }
     EXPECT_EQ(rowOf(QStringLiteral("Mine")), -1);
     EXPECT_GE(rowOf(QStringLiteral("Bob's party")), 0);
+    EXPECT_GE(rowOf(QStringLiteral("Bob's in my file")), 0);
 }
 
 TEST_F(MainWindow, DeleteAsksFirstAndNoKeepsEverything) {
@@ -332,6 +355,24 @@ TEST_F(MainWindow, FindAndFindNext) {
                     .cellText(second, EventListModel::ColEvent)
                     .contains(QStringLiteral("rent"), Qt::CaseInsensitive));
     EXPECT_EQ(dialogs.count(), 1) << "Find Next reuses the kept term";
+    // No further match, or none at all: the status bar says so.
+    window->mnuFind_Click(1);
+    EXPECT_EQ(window->SelectedRow(), second);
+    EXPECT_EQ(window->statusBar()->currentMessage(),
+              QStringLiteral("No further event contains \"RENT\""));
+    dialogs.answerText(QStringLiteral("zoo"));
+    window->mnuFind_Click(0);
+    EXPECT_EQ(window->statusBar()->currentMessage(), QStringLiteral("No event contains \"zoo\""));
+    EXPECT_EQ(window->SelectedRow(), second);
+
+    // Enter on a selected row opens it in the editor, as a double-click does.
+    QString opened;
+    WhenModalAppears([&opened](QWidget* modal) {
+        opened = modal->objectName();
+        modal->close();
+    });
+    QTest::keyClick(&window->list(), Qt::Key_Return);
+    EXPECT_EQ(opened, QStringLiteral("frmEvent"));
 
     // An empty answer ends the search without moving.
     dialogs.answerText(QString());

@@ -115,8 +115,16 @@ TEST_F(TaskList, DeleteKeepsASelectionWhileTasksRemain) {
         {1, {QStringLiteral("a")}, 0},
         {0, {}, -1},
     };
+    // No keeps the task; Yes deletes it.
+    window->Select(1);
+    dialogs.answerNo();
+    click("cmd_delete");
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("Are you sure you want to delete this task?\r\n\r\nb"));
+    EXPECT_EQ(window->Tasks().size(), 3);
     for (const auto& s : steps) {
         window->Select(s.select);
+        dialogs.answerYes();
         click("cmd_delete");
         EXPECT_EQ(window->Tasks(), s.left);
         EXPECT_EQ(onDisk(), s.left);
@@ -124,7 +132,7 @@ TEST_F(TaskList, DeleteKeepsASelectionWhileTasksRemain) {
     }
     EXPECT_EQ(ReadFileBytes(xml()), TaskListFile::Format({}))
         << "an empty list is still a whole file";
-    EXPECT_EQ(dialogs.count(), 0);
+    EXPECT_EQ(dialogs.count(), 4);
 }
 
 TEST_F(TaskList, LegacyFileIsShownAndConverted) {

@@ -75,4 +75,27 @@ fail() { echo "FAIL: $1"; echo "--- log:"; cat "$home/log.txt"; echo "--- first 
 [ -s "$home/alarm.wav" ] || fail "no default alarm.wav"
 grep -qi '^NOSOUNDS,-1' "$home/Tvo.ini" && fail "the first-time options switched sounds off"
 grep -q 'Bins out' "$home/Events.xml" 2>/dev/null && fail "an event with no weekday was stored"
+
+# Cancel in the first-time options ends the program and leaves the disk as it
+# was: no log, no alarm sound, not even the home folder it made.
+fresh="$home/fresh-home"
+export fresh
+xvfb-run -a -s "-screen 0 1280x800x24" bash -c '
+  openbox >/dev/null 2>&1 &
+  sleep 1
+  TARVO_HOME="$fresh" "$tarvo" > "$home/cancel.out" 2>&1 &
+  pid=$!
+  for _ in $(seq 1 100); do grep -q "First time setup" "$fresh/log.txt" 2>/dev/null && break; sleep 0.1; done
+  sleep 1
+  xdotool key Return                                  # the first-time message
+  for _ in $(seq 1 50); do xdotool search --name "Reminder Options" >/dev/null 2>&1 && break; sleep 0.1; done
+  sleep 0.5
+  xdotool search --name "Reminder Options" windowactivate --sync key alt+c
+  for _ in $(seq 1 100); do kill -0 $pid 2>/dev/null || break; sleep 0.1; done
+  kill -0 $pid 2>/dev/null && { kill $pid; echo "still running after Cancel" > "$home/cancel.code"; exit 0; }
+  wait $pid
+  echo $? > "$home/cancel.code"
+'
+[ "$(cat "$home/cancel.code")" = 0 ] || { cat "$home/cancel.out"; fail "Cancel: $(cat "$home/cancel.code")"; }
+[ -e "$fresh" ] && fail "a cancelled first start left files: $(ls -A "$fresh" | tr '\n' ' ')"
 echo "first start e2e ok; screenshots in $artifacts"

@@ -179,6 +179,18 @@ TEST_F(EditorRules, IntervalTabsNeedAStartDateThenANumber) {
     }
 }
 
+TEST_F(EditorRules, DescriptionMustHoldMoreThanBlanks) {
+    for (const char* desc : {"", "   ", "\r\n\t "}) {
+        EventEditorInput in = valid();
+        in.desc = QString::fromLatin1(desc);
+        const EventEditorOutcome out = save(in);
+        EXPECT_FALSE(out.saved);
+        EXPECT_EQ(out.message, QString::fromLatin1(R::kNoDescription));
+        EXPECT_EQ(out.focus, QStringLiteral("txtDesc"));
+        EXPECT_TRUE(event.Desc().isEmpty()) << "nothing written";
+    }
+}
+
 TEST_F(EditorRules, DayOfMonthMustBeANumber) {
     EventEditorInput in = valid();
     in.recurrenceType = clsEvent::DayOfMonthType;

@@ -1,4 +1,5 @@
 #include "app/dialogs/TextViewer.h"
+#include "app/WindowFit.h"
 
 #include "shared/AppResources.h"
 #include "shared/ErrorReportText.h"
@@ -18,7 +19,6 @@ TextViewer::TextViewer(QWidget* parent, const QString& name)
     setObjectName(name);
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowFlag(Qt::WindowMaximizeButtonHint, true);
-    setSizeGripEnabled(true);
     m_browser->setObjectName(QStringLiteral("txtViewer"));
     m_browser->setOpenExternalLinks(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
@@ -27,7 +27,7 @@ TextViewer::TextViewer(QWidget* parent, const QString& name)
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_browser);
     layout->addWidget(buttons);
-    resize(760, 560);
+    WindowFit::Apply(this, QSize(760, 560));
 }
 
 TextViewer* TextViewer::find(QWidget* parent, const QString& name) {

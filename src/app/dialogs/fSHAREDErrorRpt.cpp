@@ -1,4 +1,5 @@
 #include "app/dialogs/fSHAREDErrorRpt.h"
+#include "app/WindowFit.h"
 
 #include "app/dialogs/TextViewer.h"
 #include "shared/AppPaths.h"
@@ -107,7 +108,7 @@ fSHAREDErrorRpt::fSHAREDErrorRpt(UserDialogs& dialogs, QWidget* parent)
     layout->addWidget(m_txtLog, 2);
     layout->addWidget(m_fraComments, 1);
     layout->addLayout(buttons);
-    resize(720, 520);
+    WindowFit::Apply(this, QSize(720, 520));
 }
 
 void fSHAREDErrorRpt::ShowError(const QString& text, const QString& secondText) {

@@ -1,4 +1,5 @@
 #include "app/dialogs/frmEditLayers.h"
+#include "app/WindowFit.h"
 
 #include "app/AppContext.h"
 #include "shared/cSHAREDSettings.h"
@@ -73,6 +74,7 @@ frmEditLayers::frmEditLayers(AppContext& context, QWidget* parent)
     layout->addLayout(grid);
     layout->addSpacing(6);
     layout->addLayout(buttons);
+    WindowFit::Apply(this, sizeHint());
 
     // Boxes in index order (down the first column, then the second), then
     // the buttons.

@@ -1,6 +1,7 @@
 // Building the event editor's window: its controls, their arrangement, the
 // keyboard order and the connections to the handlers. The recurrence tabs'
 // pages are in frmEventTabs.cpp.
+#include "app/WindowFit.h"
 #include "app/dialogs/StartDateLabel.h"
 #include "app/dialogs/frmEvent.h"
 #include "app/dialogs/frmEventWidgets.h"
@@ -46,11 +47,11 @@ void frmEvent::buildControls() {
     lower->addWidget(actionsBox, 1);
     lower->addWidget(FrameShared);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addLayout(middle, 1);
-    layout->addLayout(lower);
-    layout->addLayout(buttons);
+    auto* body = new QVBoxLayout;
+    body->addLayout(top);
+    body->addLayout(middle, 1);
+    body->addLayout(lower);
+    WindowFit::ScrollBody(this, body, buttons);
 
     setKeyboardOrder();
     connectHandlers();

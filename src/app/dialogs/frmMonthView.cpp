@@ -1,4 +1,5 @@
 #include "app/dialogs/frmMonthView.h"
+#include "app/WindowFit.h"
 
 #include "app/AppContext.h"
 #include "app/dialogs/PagePrinter.h"
@@ -79,7 +80,6 @@ frmMonthView::~frmMonthView() = default;
 
 void frmMonthView::buildWindow() {
     setWindowFlag(Qt::WindowMaximizeButtonHint, true);
-    setSizeGripEnabled(true);
 
     m_layers = new QComboBox(this);
     m_layers->setObjectName(QStringLiteral("cmbLayers"));
@@ -165,7 +165,7 @@ void frmMonthView::buildWindow() {
     layout->addLayout(top);
     layout->addLayout(grid, 1);
     layout->addLayout(bottom);
-    resize(980, 700);
+    WindowFit::Apply(this, QSize(980, 700));
 
     connect(m_layers, &QComboBox::activated, this, &frmMonthView::cmbLayers_Click);
     connect(prevYear, &QPushButton::clicked, this, &frmMonthView::cmd_prevyear_Click);
@@ -322,7 +322,7 @@ void frmMonthView::cmdViewEvents_Click() {
     auto* layout = new QVBoxLayout(window);
     layout->addWidget(text);
     layout->addWidget(buttons);
-    window->resize(520, 600);
+    WindowFit::Apply(window, QSize(520, 600));
     window->show();
 }
 

@@ -1,4 +1,5 @@
 #include "app/dialogs/frmOptions.h"
+#include "app/WindowFit.h"
 
 #include "app/AppContext.h"
 #include "app/dialogs/TextViewer.h"
@@ -224,14 +225,16 @@ void frmOptions::buildControls() {
     buttons->addWidget(cmdSave);
     buttons->addWidget(cmdAbort);
 
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(pathRow);
-    layout->addWidget(wavBox);
-    layout->addLayout(modeRow);
-    layout->addWidget(FrameNetwork);
-    layout->addLayout(lowerRow);
-    layout->addLayout(buttons);
-    setMinimumWidth(640);
+    auto* body = new QVBoxLayout;
+    body->addLayout(pathRow);
+    body->addWidget(wavBox);
+    body->addLayout(modeRow);
+    body->addWidget(FrameNetwork);
+    body->addLayout(lowerRow);
+    WindowFit::ScrollBody(this, body, buttons);
+    if (width() < 640) {
+        WindowFit::Apply(this, QSize(640, height()));
+    }
 
     const QList<QWidget*> order = {txtDatapath,
                                    cmdDatapath,

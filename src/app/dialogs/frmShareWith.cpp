@@ -1,4 +1,5 @@
 #include "app/dialogs/frmShareWith.h"
+#include "app/WindowFit.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -43,7 +44,7 @@ frmShareWith::frmShareWith(const clsEvent& event, const QStringList& users, QWid
     connect(m_shared, &QCheckBox::toggled, this, &frmShareWith::updateEnabled);
     connect(m_specific, &QRadioButton::toggled, this, &frmShareWith::updateEnabled);
     updateEnabled();
-    resize(360, 340);
+    WindowFit::Apply(this, QSize(360, 340));
 }
 
 void frmShareWith::updateEnabled() {

@@ -1,4 +1,5 @@
 #include "app/dialogs/frmTasks.h"
+#include "app/WindowFit.h"
 
 #include "app/AppContext.h"
 #include "app/dialogs/PagePrinter.h"
@@ -30,7 +31,6 @@ frmTasks::frmTasks(cSHAREDSettings& settings, UserDialogs& dialogs, QWidget* par
       m_file(DataFiles::DataFolder(settings)) {
     setObjectName(QStringLiteral("frmTasks"));
     setWindowTitle(QStringLiteral("Task List"));
-    setSizeGripEnabled(true);
 
     m_model = new QStringListModel(this);
     m_list = new QListView(this);
@@ -63,7 +63,7 @@ frmTasks::frmTasks(cSHAREDSettings& settings, UserDialogs& dialogs, QWidget* par
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(m_list, 1);
     layout->addLayout(buttons);
-    resize(480, 360);
+    WindowFit::Apply(this, QSize(480, 360));
 
     connect(add, &QPushButton::clicked, this, &frmTasks::cmd_add_Click);
     connect(change, &QPushButton::clicked, this, &frmTasks::cmd_change_Click);
@@ -142,6 +142,12 @@ void frmTasks::cmd_delete_Click() {
     const int row = SelectedIndex();
     if (row < 0) {
         m_dialogs.Message(QString::fromLatin1(kSelectFirst));
+        return;
+    }
+    // Asked first, as deleting an event is: a task deleted is gone for good.
+    if (!m_dialogs.AskYesNo(QStringLiteral("Are you sure you want to delete this task?\r\n\r\n") +
+                                m_model->stringList().at(row),
+                            {}, false)) {
         return;
     }
     m_model->removeRows(row, 1);

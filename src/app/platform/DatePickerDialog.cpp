@@ -1,4 +1,5 @@
 #include "app/platform/DatePickerDialog.h"
+#include "app/WindowFit.h"
 
 #include "shared/AppInfo.h"
 
@@ -32,6 +33,7 @@ DatePickerDialog::DatePickerDialog(const QString& prompt, const QDate& initial, 
     layout->addWidget(label);
     layout->addWidget(m_calendar);
     layout->addWidget(buttons);
+    WindowFit::Apply(this, sizeHint());
 }
 
 QDate DatePickerDialog::selectedDate() const {

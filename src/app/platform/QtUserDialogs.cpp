@@ -3,10 +3,13 @@
 #include "app/platform/DatePickerDialog.h"
 #include "shared/AppInfo.h"
 
+#include <QApplication>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
+
+#include <algorithm>
 
 namespace {
 
@@ -64,10 +67,20 @@ bool QtUserDialogs::AskRetryCancel(const QString& text, const QString& title) {
 
 std::optional<QString> QtUserDialogs::InputBox(const QString& prompt, const QString& title,
                                                const QString& defaultText) {
-    QInputDialog box(m_parent);
+    // Over the window the user works in, and as wide as it (up to a long
+    // line), so that the entry of a task or a search term is as wide as the
+    // list it goes into.
+    QWidget* over =
+        QApplication::activeWindow() != nullptr ? QApplication::activeWindow() : m_parent.data();
+    QInputDialog box(over);
     box.setWindowTitle(TitleOr(title));
     box.setLabelText(DisplayText(prompt));
     box.setTextValue(defaultText);
+    if (over != nullptr) {
+        constexpr int kWidest = 720;
+        box.resize(std::max(box.sizeHint().width(), std::min(over->width(), kWidest)),
+                   box.sizeHint().height());
+    }
     if (box.exec() != QDialog::Accepted) {
         return std::nullopt;
     }

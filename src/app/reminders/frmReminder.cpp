@@ -1,4 +1,5 @@
 #include "app/reminders/frmReminder.h"
+#include "app/WindowFit.h"
 
 #include "shared/ISoundPlayer.h"
 #include "shared/NumericPrefix.h"
@@ -10,10 +11,10 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
+#include <QSpinBox>
 #include <QVBoxLayout>
 
 namespace {
@@ -35,8 +36,7 @@ constexpr int kSlotRight = 24;
 frmReminder::frmReminder(cSHAREDSettings& settings, ISoundPlayer& player, QWidget* parent)
     : QWidget(parent, Qt::Window), m_settings(settings), m_player(player),
       m_heading(new QLabel(QStringLiteral("REMINDER"), this)), m_list(new QListWidget(this)),
-      m_sleepBox(new QLineEdit(QStringLiteral("10"), this)),
-      m_sleep(new QPushButton(QStringLiteral("&Sleep"), this)),
+      m_sleepBox(new QSpinBox(this)), m_sleep(new QPushButton(QStringLiteral("&Sleep"), this)),
       m_continue(new QPushButton(QStringLiteral("&Continue"), this)) {
     m_sequence = ++g_created;
     openWindows().append(this);
@@ -55,7 +55,9 @@ frmReminder::frmReminder(cSHAREDSettings& settings, ISoundPlayer& player, QWidge
     m_heading->setAlignment(Qt::AlignCenter);
     m_list->setObjectName(QStringLiteral("lstReminders"));
     m_sleepBox->setObjectName(QStringLiteral("txtSleep"));
-    m_sleepBox->setMaximumWidth(60);
+    // Whole minutes, up to a day: the box takes nothing else.
+    m_sleepBox->setRange(1, 1440);
+    m_sleepBox->setValue(10);
     m_sleepBox->setToolTip(QStringLiteral("Minutes until the reminder comes back"));
     m_sleep->setObjectName(QStringLiteral("cmdRemindMe"));
     m_continue->setObjectName(QStringLiteral("cmdContinue"));
@@ -79,7 +81,7 @@ frmReminder::frmReminder(cSHAREDSettings& settings, ISoundPlayer& player, QWidge
     m_timer.setObjectName(QStringLiteral("Timer1"));
     connect(&m_timer, &QTimer::timeout, this, &frmReminder::Timer1_Timer);
 
-    resize(420, 260);
+    WindowFit::Apply(this, QSize(420, 260));
     // Filled by the engine right after creation, shown at the first tick.
     m_timer.start(kFirstShowMs);
 }
@@ -108,6 +110,7 @@ void frmReminder::placeNearTrayCorner() {
     const int below = kSlots - 1 - m_slot; // slots still below this one
     move(area.right() - width() - 24 - below * kSlotRight,
          area.bottom() - height() - 48 - below * kSlotDown);
+    WindowFit::KeepInside(this);
 }
 
 void frmReminder::ClearList() {
@@ -206,7 +209,8 @@ void frmReminder::Timer1_Timer() {
 
 void frmReminder::cmdRemindMe_Click() {
     m_sleeping = true;
-    m_sleepMinutes = NumericPrefixInt16(m_sleepBox->text());
+    m_sleepBox->interpretText();
+    m_sleepMinutes = static_cast<int16_t>(m_sleepBox->value());
     m_seconds = 0;
     m_minutes = 0;
     m_timer.start(kSleepTickMs);

@@ -8,7 +8,7 @@
 #include <cstdint>
 
 class QLabel;
-class QLineEdit;
+class QSpinBox;
 class QListWidget;
 class QPushButton;
 class ISoundPlayer;
@@ -76,7 +76,7 @@ private:
     ISoundPlayer& m_player;
     QLabel* m_heading;
     QListWidget* m_list;
-    QLineEdit* m_sleepBox;
+    QSpinBox* m_sleepBox;
     QPushButton* m_sleep;
     QPushButton* m_continue;
     QTimer m_timer;

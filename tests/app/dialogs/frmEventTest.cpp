@@ -143,14 +143,17 @@ TEST_F(EventEditor, NextDatesFollowTheRuleAsItIsEdited) {
 
 TEST_F(EventEditor, RefusedEntriesWarnAndTakeTheFocus) {
     const struct {
+        const char* desc;
         const char* time; // "" = untimed
         const char* weekday;
         const char* message;
         const char* focus;
     } cases[] = {
-        {"", "", "Please select at least one day of the week", "chkDay1"},
-        {"24:00", "chkDay2", "Please specify a time in the range of 00:00 to 23:59", "txtTime"},
-        {"9:30", "chkDay2", "", ""},
+        {" \n ", "9:30", "chkDay2", "Please enter a description of the event", "txtDesc"},
+        {"Call", "", "", "Please select at least one day of the week", "chkDay1"},
+        {"Call", "24:00", "chkDay2", "Please specify a time in the range of 00:00 to 23:59",
+         "txtTime"},
+        {"Call", "9:30", "chkDay2", "", ""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.message);
@@ -158,7 +161,7 @@ TEST_F(EventEditor, RefusedEntriesWarnAndTakeTheFocus) {
         event = clsEvent();
         frmEvent& w = open();
         w.show();
-        describe(QStringLiteral("Call"));
+        describe(QString::fromLatin1(c.desc));
         if (*c.time != '\0') {
             check("chkTimed")->click();
             box("txtTime")->setText(QString::fromLatin1(c.time));
@@ -184,6 +187,7 @@ TEST_F(EventEditor, RefusedEntriesWarnAndTakeTheFocus) {
 
 TEST_F(EventEditor, EveryXDaysNeedsAPickedStartDate) {
     open();
+    describe(QStringLiteral("Call"));
     tab(clsEvent::EveryXDays);
     box("txtDailyPeriod")->setText(QStringLiteral("10"));
     save();
@@ -361,6 +365,7 @@ TEST_F(EventEditor, SharingFrameInNetworkedMode) {
     ASSERT_TRUE(
         WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Bob\r\n\r\n  Jim \r\nAnn\r\n"));
     open();
+    describe(QStringLiteral("Call"));
     check("chkDay1")->click();
     EXPECT_FALSE(Control<QGroupBox>(window.get(), "FrameShared")->isHidden());
     QListWidget* users = list("lstUsers");
@@ -389,6 +394,7 @@ TEST_F(EventEditor, EmailBoxOffersTheLastAddress) {
 
 TEST_F(EventEditor, BadNumberShowsTheDataFieldsError) {
     open();
+    describe(QStringLiteral("Call"));
     box("txtDaysWarning")->setText(QStringLiteral("a week"));
     save();
     EXPECT_FALSE(window->Saved());

@@ -75,12 +75,15 @@ TEST(QtUserDialogs, RetryCancel) {
 }
 
 TEST(QtUserDialogs, InputBoxGivesTheTypedTextOrNothingOnCancel) {
-    QtUserDialogs dialogs;
+    QWidget list;
+    list.resize(560, 300);
+    QtUserDialogs dialogs(&list);
     QString prompt;
     WhenModalAppears([&prompt](QWidget* w) {
         auto* box = qobject_cast<QInputDialog*>(w);
         ASSERT_NE(box, nullptr);
         prompt = box->labelText();
+        EXPECT_GE(box->width(), 560) << "as wide as the window it is opened from";
         EXPECT_EQ(box->textValue(), QStringLiteral("old"));
         box->setTextValue(QStringLiteral("Buy milk"));
         box->accept();

@@ -5,10 +5,10 @@
 #include "support/TestSupport.h"
 
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTest>
 
 #include <memory>
@@ -111,15 +111,18 @@ TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {
     const struct {
         const char* entry;
         int minutes;
-    } cases[] = {{"10", 10}, {"", 1}, {"soon", 1}, {" 2 ", 2}};
+    } cases[] = {{"2", 2}, {"1440", 1440}, {"soon", 10}, {"0", 10}};
     for (const auto& c : cases) {
         delete window.data();
         window = new frmReminder(settings, player);
         window->setSoundFlag(true);
         tick();
         player.played.clear();
-        window->findChild<QLineEdit*>(QStringLiteral("txtSleep"))
-            ->setText(QString::fromLatin1(c.entry));
+        // Typed over the whole entry; the box keeps only whole minutes 1 to
+        // 1440 and stays at 10 when nothing valid is typed.
+        auto* box = window->findChild<QSpinBox*>(QStringLiteral("txtSleep"));
+        box->selectAll();
+        QTest::keyClicks(box, QString::fromLatin1(c.entry));
         QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdRemindMe")),
                           Qt::LeftButton);
         EXPECT_TRUE(window->sleeping()) << c.entry;

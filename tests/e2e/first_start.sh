@@ -19,6 +19,8 @@ done
 
 home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
+# "Start at login" writes into the desktop's autostart folder: keep it here.
+export XDG_CONFIG_HOME="$home/config"
 export home tarvo artifacts
 
 xvfb-run -a -s "-screen 0 1280x800x24" bash -c '

@@ -35,6 +35,8 @@ E2E_PIDS=()
 e2e_init() {
   E2E_TARVO="$1"
   E2E_DIR=$(mktemp -d)
+  # "Start at login" writes into the desktop's autostart folder: keep it here.
+  export XDG_CONFIG_HOME="$E2E_DIR/config"
   E2E_ARTIFACTS="${TARVO_E2E_ARTIFACTS:-$PWD/e2e-artifacts}"
   mkdir -p "$E2E_ARTIFACTS"
   trap e2e_cleanup EXIT

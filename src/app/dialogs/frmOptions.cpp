@@ -11,6 +11,7 @@
 #include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
+#include "storage/SharedUserList.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
 
@@ -86,9 +87,9 @@ void frmOptions::buildControls() {
     cmdPickWav->setFixedWidth(browseWidth);
 
     // Mode.
-    optSingle = new QRadioButton(S("Single User"), this);
+    optSingle = new QRadioButton(S("Single &User"), this);
     optSingle->setObjectName(QStringLiteral("optSingle"));
-    optNetworked = new QRadioButton(S("Networked"), this);
+    optNetworked = new QRadioButton(S("&Networked"), this);
     optNetworked->setObjectName(QStringLiteral("optNetworked"));
     optNetworked->setToolTip(S("You can share events on a LAN"));
     auto* modeGroup = new QButtonGroup(this);
@@ -110,9 +111,9 @@ void frmOptions::buildControls() {
     txtOwner->setObjectName(QStringLiteral("txtOwner"));
     txtOwner->setToolTip(
         S("A short name to identify the user on the network (e.g. Dad, Fred, etc)"));
-    auto* lblOwner = new QLabel(S("ID:"), FrameNetwork);
+    auto* lblOwner = new QLabel(S("&ID:"), FrameNetwork);
     lblOwner->setBuddy(txtOwner);
-    cmdAddUser = new QPushButton(S("Add"), FrameNetwork);
+    cmdAddUser = new QPushButton(S("&Add"), FrameNetwork);
     cmdAddUser->setObjectName(QStringLiteral("cmdAddUser"));
     lstUsers = new QListWidget(FrameNetwork);
     lstUsers->setObjectName(QStringLiteral("lstUsers"));
@@ -358,14 +359,60 @@ void frmOptions::cmdAddUser_Click() {
         m_context.dialogs.Message(problem, {}, UserDialogs::Icon::Warning);
         return;
     }
-    ReadSharedIni();
-    for (int i = lstUsers->count() - 1; i >= 0; --i) {
-        if (lstUsers->item(i)->text().compare(id, Qt::CaseInsensitive) == 0) {
-            delete lstUsers->takeItem(i);
-        }
+    if (!AcceptId(id)) {
+        return;
     }
-    lstUsers->addItem(id);
-    WriteSharedIni();
+    // Checked again under the lock: somebody may have added a clashing ID
+    // while this window was asking.
+    SharedUserList::Clash clash;
+    QString error;
+    const bool written = SharedUserList::Modify(
+        SharedIniPath(),
+        [&](const QStringList& names) {
+            clash = SharedUserList::FindClash(names, id, OwnID());
+            if (clash.kind == SharedUserList::ClashKind::None ||
+                (clash.kind == SharedUserList::ClashKind::Same && OwnerId::Same(m_takenOver, id))) {
+                clash = {};
+                return SharedUserList::WithAdded(names, id);
+            }
+            return names;
+        },
+        &error);
+    ReadSharedIni();
+    if (!written) {
+        m_context.dialogs.Message(S("Unable to change the user list ") + SharedIniPath() + S(": ") +
+                                      error + S("."),
+                                  {}, UserDialogs::Icon::Warning);
+    } else if (clash.kind != SharedUserList::ClashKind::None) {
+        m_context.dialogs.Message(SharedUserList::ClashMessage(clash, id), {},
+                                  UserDialogs::Icon::Warning);
+    }
+}
+
+QString frmOptions::OwnID() const {
+    return m_context.settings.sGet(QStringLiteral("Owner"), kNotSet).toText();
+}
+
+bool frmOptions::AcceptId(const QString& id) {
+    const SharedUserList::Clash clash =
+        SharedUserList::FindClash(SharedDatabases::ReadUserList(SharedIniPath()), id, OwnID());
+    if (clash.kind == SharedUserList::ClashKind::None) {
+        return true;
+    }
+    if (clash.kind == SharedUserList::ClashKind::Same) {
+        if (OwnerId::Same(m_takenOver, id)) {
+            return true;
+        }
+        if (m_context.dialogs.AskYesNo(SharedUserList::TakeOverQuestion(id), {}, false)) {
+            m_takenOver = id;
+            return true;
+        }
+        return false;
+    }
+    Log().LogEvent(QStringLiteral("ID refused: ") + SharedUserList::ClashMessage(clash, id));
+    m_context.dialogs.Message(SharedUserList::ClashMessage(clash, id), {},
+                              UserDialogs::Icon::Warning);
+    return false;
 }
 
 void frmOptions::cmdDel_Click() {
@@ -436,6 +483,22 @@ void frmOptions::cmdSave_Click() {
                                       {}, UserDialogs::Icon::Warning);
             return;
         }
+        if (!AcceptId(id)) {
+            return;
+        }
+    } else if (settings.sGet(QStringLiteral("Networked"), false).toBool()) {
+        // Leaving networked mode: the published copy would otherwise stay
+        // visible to the others, alarms and all, for good.
+        const QString ownId = OwnID();
+        if (m_context.dialogs.AskYesNo(S("Stop sharing your events with the other users?"))) {
+            if (const QString error = m_context.shared.StopSharing(ownId); !error.isEmpty()) {
+                m_context.dialogs.Message(error, {}, UserDialogs::Icon::Warning);
+            }
+        } else {
+            m_context.dialogs.Message(
+                S("Your shared events stay in the shared folder as they are now, and the "
+                  "other users keep seeing them. The shared copy will no longer be updated."));
+        }
     }
 
     settings.sSet(QStringLiteral("DisableAutoUpdateCheck"), chkDisableAutoUpdate->isChecked());
@@ -468,12 +531,11 @@ void frmOptions::cmdSave_Click() {
 
 // Single user: every local event becomes the single user's and nothing is
 // published any more. Networked: the previous ID (and "Single") becomes the
-// new one in the local and expired databases, the previous ID's shared file
-// is emptied of its events (other users would otherwise keep seeing them
-// under the old name), the new ID is stored and this user's shared events
-// are published under it. The local database publishes on every save from
-// then on. Databases without a file name (first-time setup, before
-// anything is loaded) are left alone.
+// new one in the local and expired databases; then the user list names the
+// new ID in place of the old, this user's shared events are published under
+// it and the old shared file is emptied (SharedDatabases::ChangeOwnId). The
+// local database publishes on every save from then on. Databases without a file name (first-time
+// setup, before anything is loaded) are left alone.
 void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked) {
     cSHAREDSettings& settings = m_context.settings;
     clsDbXml& events = m_context.events;
@@ -496,20 +558,10 @@ void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked) {
             db->RenameOwner(QStringLiteral("Single"), newOwner);
         }
     }
-    if (!OwnerId::Same(oldOwner, newOwner) && OwnerId::Problem(oldOwner).isEmpty()) {
-        const QString oldFile =
-            AppPaths::JoinPath(settings.sGet(QStringLiteral("SharedDataPath"), QString()).toText(),
-                               SharedDatabases::SharedFileName(oldOwner.trimmed()));
-        if (QFileInfo::exists(oldFile)) {
-            clsDbXml previous(settings, &m_context.layers);
-            previous.SetDBFilename(oldFile);
-            previous.WipeRecordsByOwner(oldOwner);
-        }
-    }
-    settings.sSet(QStringLiteral("Owner"), newOwner);
-    if (eventsLoaded) {
-        m_context.shared.AttachTo(events);
-        m_context.shared.PublishSharedEvents(events);
+    const QString error =
+        m_context.shared.ChangeOwnId(oldOwner, newOwner, eventsLoaded ? &events : nullptr);
+    if (!error.isEmpty()) {
+        m_context.dialogs.Message(error, {}, UserDialogs::Icon::Warning);
     }
 }
 

@@ -61,9 +61,16 @@ private:
     void Form_Load();
     // The owner change of a save; see the .cpp for the order.
     void ApplyOwnerChange(const QString& newOwner, bool networked);
+    // The ID stored now ("Not Set" before the first save).
+    QString OwnID() const;
+    // Whether id may be used beside the listed IDs of the other users: a clash
+    // is refused with its reason; a listed ID of the same spelling (this
+    // user's own after a reinstall) is taken over only when the user says so.
+    bool AcceptId(const QString& id);
 
     AppContext& m_context;
     bool m_cancelled = true;
+    QString m_takenOver; // a listed ID the user chose to take over
 
     QLineEdit* txtDatapath = nullptr;
     QPushButton* cmdDatapath = nullptr;

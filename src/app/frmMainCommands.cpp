@@ -82,6 +82,7 @@ bool frmMain::guard(const QString& refusal) {
     if (refusal.isEmpty()) {
         return true;
     }
+    Log().LogEvent(QStringLiteral("Refused: ") + refusal);
     m_app.dialogs.Message(refusal);
     return false;
 }
@@ -91,7 +92,7 @@ void frmMain::PushSelectedEvent() {
     if (row < 0) {
         return;
     }
-    const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+    const ListRow target = m_model->listRow(row);
     if (!guard(EventCommands::PushRefusal(target))) {
         return;
     }
@@ -121,7 +122,7 @@ void frmMain::DeleteSelectedEvents() {
     const bool skipped = EventCommands::DeleteRows(m_services, SelectedRows(), &change);
     record(new DeleteEventsCommand(std::move(change), stepDone()));
     if (skipped) {
-        m_app.dialogs.Message(EventCommands::kDeleteRefusal);
+        guard(EventCommands::kDeleteRefusal);
     }
     FillEvents();
 }
@@ -203,7 +204,7 @@ void frmMain::ReloadDatabases() {
 void frmMain::AddEvent() {
     m_refreshTimer.stop();
     const EventPtr added = EventEditFlow::AddNewEvent(m_app, this);
-    m_refreshTimer.start(RefreshTick::kIntervalMs);
+    m_refreshTimer.start(RefreshTick::IntervalMs());
     if (added) {
         EventChange change;
         change.WatchAdded(m_app.events, added);
@@ -219,7 +220,7 @@ void frmMain::EditSelectedEvent() {
     m_refreshTimer.stop();
     const int row = SelectedRow();
     if (row >= 0) {
-        const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+        const ListRow target = m_model->listRow(row);
         const bool expired = target.marker == EventCommands::kExpiredMarker;
         const EventPtr e = m_model->event(row);
         clsDbXml& db = expired ? m_app.expired : m_app.events;
@@ -235,7 +236,7 @@ void frmMain::EditSelectedEvent() {
                                                               : EventListModel::Source::Local));
         }
     }
-    m_refreshTimer.start(RefreshTick::kIntervalMs);
+    m_refreshTimer.start(RefreshTick::IntervalMs());
 }
 
 void frmMain::EditLayers() {
@@ -262,7 +263,7 @@ void frmMain::EditOptions() {
     if (!options.Cancelled()) {
         ReloadDatabases();
     }
-    m_refreshTimer.start(RefreshTick::kIntervalMs);
+    m_refreshTimer.start(RefreshTick::IntervalMs());
 }
 
 void frmMain::Tasklist() {
@@ -278,7 +279,7 @@ void frmMain::ShareWith() {
     if (row < 0) {
         return;
     }
-    const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+    const ListRow target = m_model->listRow(row);
     if (!guard(EventCommands::EditRefusal(target))) {
         return;
     }

@@ -6,15 +6,13 @@
 namespace EventCommands {
 
 QString EditRefusal(const ListRow& row) {
-    return row.marker == kOtherUsersMarker
-               ? QStringLiteral("You can't edit a shared item belonging to someone else")
-               : QString();
+    return row.otherUsers ? QStringLiteral("You can't edit a shared item belonging to someone else")
+                          : QString();
 }
 
 QString PushRefusal(const ListRow& row) {
-    return row.marker == kOtherUsersMarker
-               ? QStringLiteral("You can't push a shared item belonging to someone else")
-               : QString();
+    return row.otherUsers ? QStringLiteral("You can't push a shared item belonging to someone else")
+                          : QString();
 }
 
 namespace {
@@ -28,13 +26,16 @@ clsDbXml& databaseOf(ReminderServices& services, const ListRow& row) {
 bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows, EventChange* change) {
     if (change != nullptr) {
         for (const ListRow& row : rows) {
+            if (row.otherUsers) {
+                continue;
+            }
             change->Watch(databaseOf(services, row),
                           databaseOf(services, row).ReadEvent(row.idCode));
         }
     }
     bool skipped = false;
     for (const ListRow& row : rows) {
-        if (row.marker == kOtherUsersMarker) {
+        if (row.otherUsers) {
             skipped = true;
         } else if (row.marker == kExpiredMarker) {
             DeleteExpiredEvent(services, row.idCode);

@@ -2,6 +2,9 @@
 
 #include <QDialog>
 #include <QString>
+#include <QStringList>
+
+#include <functional>
 
 class QCheckBox;
 class QGroupBox;
@@ -37,7 +40,9 @@ public:
     // The user list file for the shared folder typed in the window.
     QString SharedIniPath() const;
     void ReadSharedIni();
-    void WriteSharedIni();
+    // Read, change and write of the list file under its lock; false (the
+    // user told why) when it could not be written.
+    bool ChangeSharedIni(const std::function<QStringList(QStringList)>& change);
 
     void cmdSave_Click();
     void cmdAbort_Click();

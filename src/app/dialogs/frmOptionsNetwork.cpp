@@ -39,18 +39,20 @@ void frmOptions::ReadSharedIni() {
     lstUsers->addItems(SharedDatabases::ReadUserList(SharedIniPath()));
 }
 
-void frmOptions::WriteSharedIni() {
-    QStringList names;
-    for (int i = 0; i < lstUsers->count(); ++i) {
-        names.append(lstUsers->item(i)->text());
-    }
-    if (!SharedDatabases::WriteUserList(SharedIniPath(), names)) {
+// Changes the user list file under its lock (the list as it is on the disk
+// then, not as this window read it) and shows the result.
+bool frmOptions::ChangeSharedIni(const std::function<QStringList(QStringList)>& change) {
+    QString error;
+    const bool written = SharedUserList::Modify(SharedIniPath(), change, &error);
+    if (!written) {
         Log().AddAction(QStringLiteral("Unable to write ") + SharedIniPath(),
-                        QStringLiteral("WriteSharedIni"), kModule);
-        m_context.dialogs.Message(S("Unable to write the user list ") + SharedIniPath() +
-                                      S(". Please check the shared data path."),
+                        QStringLiteral("ChangeSharedIni"), kModule);
+        m_context.dialogs.Message(S("Unable to change the user list ") + SharedIniPath() + S(": ") +
+                                      error + S(". Please check the shared data path."),
                                   {}, UserDialogs::Icon::Warning);
     }
+    ReadSharedIni();
+    return written;
 }
 
 void frmOptions::cmdReload_Click() {
@@ -80,25 +82,16 @@ void frmOptions::cmdAddUser_Click() {
     // Checked again under the lock: somebody may have added a clashing ID
     // while this window was asking.
     SharedUserList::Clash clash;
-    QString error;
-    const bool written = SharedUserList::Modify(
-        SharedIniPath(),
-        [&](const QStringList& names) {
-            clash = SharedUserList::FindClash(names, id, OwnID());
-            if (clash.kind == SharedUserList::ClashKind::None ||
-                (clash.kind == SharedUserList::ClashKind::Same && OwnerId::Same(m_takenOver, id))) {
-                clash = {};
-                return SharedUserList::WithAdded(names, id);
-            }
-            return names;
-        },
-        &error);
-    ReadSharedIni();
-    if (!written) {
-        m_context.dialogs.Message(S("Unable to change the user list ") + SharedIniPath() + S(": ") +
-                                      error + S("."),
-                                  {}, UserDialogs::Icon::Warning);
-    } else if (clash.kind != SharedUserList::ClashKind::None) {
+    const bool written = ChangeSharedIni([&](const QStringList& names) {
+        clash = SharedUserList::FindClash(names, id, OwnID());
+        if (clash.kind == SharedUserList::ClashKind::None ||
+            (clash.kind == SharedUserList::ClashKind::Same && OwnerId::Same(m_takenOver, id))) {
+            clash = {};
+            return SharedUserList::WithAdded(names, id);
+        }
+        return names;
+    });
+    if (written && clash.kind != SharedUserList::ClashKind::None) {
         m_context.dialogs.Message(SharedUserList::ClashMessage(clash, id), {},
                                   UserDialogs::Icon::Warning);
     }
@@ -137,12 +130,16 @@ void frmOptions::cmdDel_Click() {
     if (!m_context.dialogs.AskYesNo(S("Are you sure you want to remove these users?"))) {
         return;
     }
-    for (int i = lstUsers->count() - 1; i >= 0; --i) {
-        if (lstUsers->item(i)->isSelected()) {
-            delete lstUsers->takeItem(i);
-        }
+    QStringList gone;
+    for (const QListWidgetItem* item : lstUsers->selectedItems()) {
+        gone.append(item->text());
     }
-    WriteSharedIni();
+    ChangeSharedIni([&gone](QStringList names) {
+        for (const QString& name : gone) {
+            names = SharedUserList::WithRemoved(names, name);
+        }
+        return names;
+    });
 }
 
 // Single user: every local event becomes the single user's and nothing is

@@ -361,7 +361,11 @@ void frmOptions::cmdSave_Click() {
                                       {}, UserDialogs::Icon::Warning);
             return;
         }
-        if (!AcceptId(id)) {
+        // An ID kept as it was is not refused (the list may hold a clash
+        // from before these checks): the user is told, and saves the rest.
+        const bool keptId =
+            id == OwnID().trimmed() && settings.sGet(QStringLiteral("Networked"), false).toBool();
+        if (!AcceptId(id, keptId)) {
             return;
         }
     } else if (settings.sGet(QStringLiteral("Networked"), false).toBool()) {

@@ -71,7 +71,8 @@ private:
     // Whether id may be used beside the listed IDs of the other users: a clash
     // is refused with its reason; a listed ID of the same spelling (this
     // user's own after a reinstall) is taken over only when the user says so.
-    bool AcceptId(const QString& id);
+    // With keptId (the ID stays as it was) a clash is only told.
+    bool AcceptId(const QString& id, bool keptId = false);
 
     AppContext& m_context;
     bool m_cancelled = true;

@@ -101,7 +101,7 @@ QString frmOptions::OwnID() const {
     return m_context.settings.sGet(QStringLiteral("Owner"), kNotSet).toText();
 }
 
-bool frmOptions::AcceptId(const QString& id) {
+bool frmOptions::AcceptId(const QString& id, bool keptId) {
     const SharedUserList::Clash clash =
         SharedUserList::FindClash(SharedDatabases::ReadUserList(SharedIniPath()), id, OwnID());
     if (clash.kind == SharedUserList::ClashKind::None) {
@@ -116,6 +116,13 @@ bool frmOptions::AcceptId(const QString& id) {
             return true;
         }
         return false;
+    }
+    if (keptId) {
+        m_context.dialogs.Message(SharedUserList::ClashMessage(clash, id) +
+                                      S("\n\nYour ID stays as it is for now; please agree on "
+                                        "another one with the other user."),
+                                  {}, UserDialogs::Icon::Warning);
+        return true;
     }
     Log().LogEvent(QStringLiteral("ID refused: ") + SharedUserList::ClashMessage(clash, id));
     m_context.dialogs.Message(SharedUserList::ClashMessage(clash, id), {},

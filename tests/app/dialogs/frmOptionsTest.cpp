@@ -146,6 +146,16 @@ TEST_F(OptionsWindow, AddingAClashingIdIsRefusedAndASameSpelledOneIsAskedFor) {
     }
     EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")),
               QByteArray("Fred\r\nBob\r\nCarl\r\n"));
+
+    // A clash listed from before is told, but the user's own ID kept as it
+    // was does not stop the other settings from being saved.
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ed"));
+    dialogs.clear();
+    box("txtOwner")->setText(QStringLiteral("Ed"));
+    button("cmdSave")->click();
+    EXPECT_FALSE(window->Cancelled());
+    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("stays as it is")))
+        << dialogs.lastText().toStdString();
 }
 
 TEST_F(OptionsWindow, AddingNeedsAnIdAndAFolderAndASafeName) {

@@ -35,18 +35,18 @@ e2e_start "$bob" "2030-06-05 08:30"
 e2e_wait_ready "$bob"
 main=$(family_window "$bob" "^Tarvo 2") || e2e_fail "no main window for Bob"
 e2e_keys "$main" ctrl+f
-family_answer C o n c e r t Return
+family_answer "$bob" "TITLE=Search C o n c e r t Return"
 e2e_screenshot bob-sees-anns-passed-event
 e2e_keys "$main" ctrl+e
 family_refused "$bob" "Refused: You can't edit a shared item belonging to someone else"
-family_answer Return
+family_answer "$bob" Return
 e2e_keys "$main" ctrl+p
 family_refused "$bob" "Refused: You can't push a shared item belonging to someone else"
-family_answer Return
+family_answer "$bob" Return
 e2e_keys "$main" Delete
-family_answer alt+y
+family_answer "$bob" alt+y
 family_refused "$bob" "Refused: You can't delete events belonging to another user"
-family_answer Return
+family_answer "$bob" Return
 
 # 2. The shared folder goes away for a while and comes back.
 mv "$shared" "$shared.away"
@@ -72,9 +72,9 @@ leave() { # HOME ANSWER...
   local home="$1" win; shift
   e2e_start "$home" "$family_now"
   e2e_wait_ready "$home"
-  win=$(family_options "$home")
+  win=$(family_options "$home") || exit 1
   e2e_keys "$win" alt+u alt+s
-  family_answer "$@"
+  family_answer "$home" "$@"
   e2e_gone "$win"
   e2e_stop "$home"
   [ "$(e2e_ini "$home" NETWORKED)" = "0" ] || e2e_fail "$home is still networked"

@@ -19,26 +19,26 @@ e2e_wait_log "$bob" "Loading from $shared/Shared_Ann.xml"
 [ "$(e2e_field "$shared/Shared_Ann.xml" 100001 Owner)" = "Ann" ] || e2e_fail "Ann's event is not published"
 
 # 1. Carl tries IDs that clash; nothing changes.
-options=$(family_options "$carl")
+options=$(family_options "$carl") || exit 1
 family_set_id "$options" ann
 e2e_keys "$options" alt+a
 family_refused "$carl" 'ID refused: The ID "ann" is already used by another user as "Ann"'
-family_answer Return
+family_answer "$carl" Return
 family_set_id "$options" Ed
 e2e_keys "$options" alt+a
 family_refused "$carl" 'cannot be used beside the listed ID "Fred"'
 e2e_screenshot carl-tail-refused
-family_answer Return
+family_answer "$carl" Return
 family_set_id "$options" ann
 e2e_keys "$options" alt+s
 e2e_wait_log "$carl" 'ID refused: The ID "ann"' 5
-family_answer Return
+family_answer "$carl" Return
 family_expect_list "Ann,Bob,Fred" "after Carl's refused IDs"
 # The same spelling may be Carl's own after a reinstall: asked, and No keeps all.
 family_set_id "$options" Ann
 e2e_keys "$options" alt+a
 e2e_screenshot carl-take-over-question
-family_answer alt+n
+family_answer "$carl" alt+n
 e2e_keys "$options" alt+c
 e2e_gone "$options"
 family_expect_list "Ann,Bob,Fred" "after Carl declined to take over Ann"
@@ -48,7 +48,7 @@ grep -q "Family%20dinner" "$shared/Shared_Ann.xml" || e2e_fail "Ann's shared fil
 # 2. Ann becomes Anna, then anna; Bob follows each change.
 rename_ann() { # NEW OLD
   local win
-  win=$(family_options "$ann")
+  win=$(family_options "$ann") || exit 1
   family_set_id "$win" "$1"
   e2e_keys "$win" alt+s
   e2e_gone "$win"
@@ -73,12 +73,13 @@ done
 # lock holder writes) is lost.
 e2e_start "$dora" "$family_now"
 e2e_wait_ready "$dora"
+carl_options=$(family_options "$carl") || exit 1
+dora_options=$(family_options "$dora") || exit 1
+# A lock younger than five seconds is respected; this one lives about two.
 printf '%s\n%s\n%s\n' "$$" bash "$(hostname)" > "$shared/TVOShared.ini.lock"
 held=$(family_list)
-for home in "$carl" "$dora"; do
-  win=$(family_options "$home")
-  e2e_keys "$win" alt+a
-done
+e2e_keys "$carl_options" alt+a
+e2e_keys "$dora_options" alt+a
 sleep 1
 family_write_list $(echo "$held" | tr , ' ') Eve
 rm -f "$shared/TVOShared.ini.lock"

@@ -6,9 +6,10 @@
 #   family_init "$1"               # X server, $shared, homes $ann $bob $carl
 #   family_list                    # TVOShared.ini as "Ann,Bob" (one line)
 #   family_write_list Ann Bob      # writes TVOShared.ini as the program does
-#   win=$(family_options "$ann")   # opens Settings in the running program
+#   win=$(family_options "$ann") || exit 1  # opens Settings in the running
+#                                  # program (a failure was reported already)
 #   family_set_id "$win" Anna      # types an ID into the options' ID box
-#   family_answer alt+y            # answers the newest message box
+#   family_answer "$ann" alt+y     # answers the program's message box
 #   family_header_only FILE        # the file is an event file with no event
 #
 # Each program refreshes every TARVO_REFRESH_MS (short here), so one copy sees
@@ -50,8 +51,9 @@ family_window() {
   local pid id _
   pid=$(cat "$1/.pid")
   for _ in $(seq 1 150); do
-    id=$(xdotool search --all --onlyvisible --pid "$pid" --name "$2" 2>/dev/null | tail -n 1)
-    [ -n "$id" ] && { echo "$id"; return 0; }
+    for id in $(xdotool search --onlyvisible --name "$2" 2>/dev/null | tac); do
+      [ "$(xdotool getwindowpid "$id" 2>/dev/null)" = "$pid" ] && { echo "$id"; return 0; }
+    done
     sleep 0.1
   done
   return 1
@@ -71,12 +73,20 @@ family_set_id() {
   e2e_type "$1" "$2"
 }
 
-# family_answer KEY...: presses keys in the message box that has just opened
-# (it takes the focus as it opens).
+# family_answer HOME "KEYS" [...]: answers that program's boxes in turn, one
+# argument each: waits for the box (title "Tarvo", or TITLE= before the keys:
+# "TITLE=Search Tab Return"), presses its keys and waits until it closes.
 family_answer() {
-  sleep 0.8
-  local key
-  for key in "$@"; do xdotool key --clearmodifiers "$key"; sleep 0.3; done
+  local home="$1" box title id key; shift
+  for box in "$@"; do
+    title="Tarvo"
+    case "$box" in TITLE=*) title="${box%% *}"; title="${title#TITLE=}"; box="${box#* }" ;; esac
+    id=$(family_window "$home" "^$title\$") || e2e_fail "no \"$title\" box in $home for: $box"
+    xdotool windowactivate --sync "$id" 2>/dev/null || xdotool windowfocus --sync "$id"
+    sleep 0.2
+    for key in $box; do xdotool key --clearmodifiers "$key"; sleep 0.15; done
+    e2e_gone "$id" 5
+  done
 }
 
 # family_header_only FILE: exists and holds the header line only.

@@ -3,7 +3,9 @@
 #include "shared/cSharedLogging.h"
 #include "storage/SharedDatabases.h"
 
+#include <QDir>
 #include <QFileInfo>
+#include <QLabel>
 #include <QStatusBar>
 
 namespace {
@@ -14,7 +16,13 @@ constexpr int kSettleMs = 400;
 
 SharedFolderWatch::SharedFolderWatch(SharedDatabases& shared, QStatusBar* statusBar,
                                      std::function<void()> refill, QObject* parent)
-    : QObject(parent), m_shared(shared), m_statusBar(statusBar), m_refill(std::move(refill)) {
+    : QObject(parent), m_shared(shared), m_refill(std::move(refill)) {
+    // A widget of the status bar rather than a message: it stays while the
+    // folder is away, also after a passing message (a push) has come and gone.
+    m_notice = new QLabel(statusBar);
+    m_notice->setObjectName(QStringLiteral("lblSharedFolder"));
+    m_notice->hide();
+    statusBar->addWidget(m_notice, 1);
     m_settle.setSingleShot(true);
     m_settle.setInterval(kSettleMs);
     connect(&m_settle, &QTimer::timeout, this, [this] {
@@ -32,9 +40,9 @@ void SharedFolderWatch::Update(bool networked) {
     const bool away = !folder.isEmpty() && !m_shared.SharedFolderReachable();
     QStringList wanted;
     if (!folder.isEmpty() && !away) {
-        wanted << QFileInfo(folder).absoluteFilePath();
+        wanted << QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
         if (QFileInfo::exists(m_shared.UserListFile())) {
-            wanted << QFileInfo(m_shared.UserListFile()).absoluteFilePath();
+            wanted << QDir::cleanPath(QFileInfo(m_shared.UserListFile()).absoluteFilePath());
         }
     }
     QStringList watched = m_watcher.files() + m_watcher.directories();
@@ -51,14 +59,15 @@ void SharedFolderWatch::Update(bool networked) {
     }
 
     if (away && !m_away) {
-        const QString text = QStringLiteral("The shared folder %1 cannot be reached: other "
-                                            "users' events are back when it is.")
+        const QString text = QStringLiteral("The shared folder %1 cannot be reached. Other "
+                                            "users' events will show again when it is back.")
                                  .arg(folder);
         Log().LogEvent(QStringLiteral("Shared folder unreachable: ") + folder);
-        m_statusBar->showMessage(text);
+        m_notice->setText(text);
+        m_notice->show();
     } else if (!away && m_away) {
         Log().LogEvent(QStringLiteral("Shared folder reachable again: ") + folder);
-        m_statusBar->clearMessage();
+        m_notice->hide();
     }
     m_away = away;
 }

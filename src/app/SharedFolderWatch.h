@@ -6,6 +6,7 @@
 
 #include <functional>
 
+class QLabel;
 class QStatusBar;
 class SharedDatabases;
 
@@ -29,7 +30,7 @@ public:
 
 private:
     SharedDatabases& m_shared;
-    QStatusBar* m_statusBar;
+    QLabel* m_notice; // in the status bar, shown while the folder is away
     std::function<void()> m_refill;
     QFileSystemWatcher m_watcher;
     QTimer m_settle;

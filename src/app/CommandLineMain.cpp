@@ -21,6 +21,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -110,6 +111,11 @@ int agenda(const QStringList& positional) {
     QList<EventPtr> events = EventFileSnapshot::Read(
         DataFiles::EventsFile(home.settings), home.events.CurrentOwner(), networked, today + days);
     if (networked) {
+        // Other users' category names take only slots free of own events.
+        home.layers.setOwnEventsTest([&events](int layer) {
+            return std::any_of(events.cbegin(), events.cend(),
+                               [layer](const EventPtr& e) { return e->Layer() == layer; });
+        });
         home.shared.ReloadSharedSet();
         events.append(home.shared.SharedSet().Events());
     }

@@ -213,7 +213,8 @@ void EventListModel::AddListItem(const FillContext& fc, const EventPtr& event, S
         if (fc.networked) {
             c[ColOwner] = e.Owner();
         }
-        // Later rules win: another user's shared event shows "S", any expired one "E".
+        // Later rules win: another user's event shows "S" (even when its day
+        // has passed: it is not this user's to expire), an own expired one "E".
         Marker marker = NoMarker;
         if (e.SharedEvent) {
             marker = MarkShared;
@@ -223,6 +224,9 @@ void EventListModel::AddListItem(const FillContext& fc, const EventPtr& event, S
         }
         if (e.DaysLeft() < 0) {
             marker = MarkExpired;
+        }
+        if (source == Source::Shared) {
+            marker = MarkOthers;
         }
         row.marker = marker;
         c[ColType] = MarkerText(marker);
@@ -345,6 +349,16 @@ QString EventListModel::marker(int row) const {
         return {};
     }
     return MarkerText(m_rows[static_cast<size_t>(row)].marker);
+}
+
+EventCommands::ListRow EventListModel::listRow(int row) const {
+    if (row < 0 || row >= rowCount()) {
+        return {};
+    }
+    const Row& r = m_rows[static_cast<size_t>(row)];
+    // An event in the user's own expired file is the user's to clear away.
+    const bool othersOwner = r.source == Source::Local && r.marker == MarkOthers;
+    return {IDCode(row), MarkerText(r.marker), r.source == Source::Shared || othersOwner};
 }
 
 EventListModel::Source EventListModel::source(int row) const {

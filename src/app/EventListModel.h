@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/EventCommands.h"
 #include "model/clsEvent.h"
 
 #include <QAbstractTableModel>
@@ -80,6 +81,9 @@ public:
     EventPtr event(int row) const;
     QString marker(int row) const;
     Source source(int row) const;
+    // The row as the list commands see it; an event from another user's
+    // file, or owned by another user, is theirs whatever its marker.
+    EventCommands::ListRow listRow(int row) const;
     QString cellText(int row, int column) const;
     // The first row holding the event with this ID code from that source; -1
     // when there is none (ID codes are unique only within one database).

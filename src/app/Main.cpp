@@ -56,6 +56,17 @@ int Main(QApplication& app) {
     clsDbXml events(settings, &layers);
     clsDbXml expired(settings, &layers);
     SharedDatabases shared(settings, layers);
+    // Other users' category names take only slots free of this user's events.
+    layers.setOwnEventsTest([&events, &expired](int layer) {
+        for (const clsDbXml* db : {&events, &expired}) {
+            for (const EventPtr& e : db->Events()) {
+                if (!e->Deleted && e->Layer() == layer) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    });
     QtFileOpener opener;
     QtSoundPlayer player;
     AppContext context{

@@ -4,6 +4,7 @@
 #include "app/CalendarFileCommands.h"
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
+#include "app/SharedFolderWatch.h"
 #include "app/frmRunner.h"
 #include "app/platform/DBusNotifier.h"
 #include "app/reminders/ReminderWindowFactory.h"
@@ -94,7 +95,7 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
         m_services,
         RefreshTick::Hooks{[this](bool on) {
                                if (on) {
-                                   m_refreshTimer.start(RefreshTick::kIntervalMs);
+                                   m_refreshTimer.start(RefreshTick::IntervalMs());
                                } else {
                                    m_refreshTimer.stop();
                                }
@@ -104,6 +105,16 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
     m_refreshTimer.setObjectName(QStringLiteral("TimerRefresh"));
     connect(&m_refreshTimer, &QTimer::timeout, this, [this] { m_tick->TimerRefresh_Timer(); });
 
+    // A change in the shared folder refills the list, unless a command has
+    // the refresh stopped (the editor is open): its tick catches up later.
+    m_folderWatch = new SharedFolderWatch(
+        app.shared, statusBar(),
+        [this] {
+            if (m_refreshTimer.isActive()) {
+                FillEvents();
+            }
+        },
+        this);
     buildList();
     buildToolbar();
     buildMenus();
@@ -365,12 +376,13 @@ int frmMain::currentLayer() const {
 void frmMain::FillEvents() {
     // Keeps the selected position, as the list always has.
     m_list->FillEvents(currentLayer(), m_showExpired->isChecked());
+    m_folderWatch->Update(DataFiles::Networked(m_app.settings));
 }
 
 QList<EventCommands::ListRow> frmMain::SelectedRows() const {
     QList<EventCommands::ListRow> out;
     for (int row : m_list->selectedRows()) {
-        out.append({m_model->IDCode(row), m_model->marker(row)});
+        out.append(m_model->listRow(row));
     }
     return out;
 }

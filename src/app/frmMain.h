@@ -132,6 +132,7 @@ private:
     QMenu* m_rightClick = nullptr;
     QSystemTrayIcon* m_tray = nullptr;
     QUndoStack* m_history = nullptr;
+    class SharedFolderWatch* m_folderWatch = nullptr;
     QString m_searchTerm;
     bool m_quitting = false;
 };

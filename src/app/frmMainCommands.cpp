@@ -79,6 +79,7 @@ bool frmMain::guard(const QString& refusal) {
     if (refusal.isEmpty()) {
         return true;
     }
+    Log().LogEvent(QStringLiteral("Refused: ") + refusal);
     m_app.dialogs.Message(refusal);
     return false;
 }
@@ -88,7 +89,7 @@ void frmMain::PushSelectedEvent() {
     if (row < 0) {
         return;
     }
-    const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+    const ListRow target = m_model->listRow(row);
     if (!guard(EventCommands::PushRefusal(target))) {
         return;
     }
@@ -118,7 +119,7 @@ void frmMain::DeleteSelectedEvents() {
     QList<ListRow> allowed;
     for (const QString& refusal :
          EventCommands::DeleteRefusals(m_services, SelectedRows(), &allowed)) {
-        m_app.dialogs.Message(refusal);
+        guard(refusal);
     }
     if (allowed.isEmpty() || !m_app.dialogs.AskYesNo(EventCommands::kDeleteQuestion, {}, false)) {
         return;
@@ -213,7 +214,7 @@ void frmMain::ReloadDatabases() {
 void frmMain::AddEvent() {
     m_refreshTimer.stop();
     const EventPtr added = EventEditFlow::AddNewEvent(m_app, this);
-    m_refreshTimer.start(RefreshTick::kIntervalMs);
+    m_refreshTimer.start(RefreshTick::IntervalMs());
     if (added) {
         EventChange change;
         change.WatchAdded(m_app.events, added);
@@ -229,7 +230,7 @@ void frmMain::EditSelectedEvent() {
     m_refreshTimer.stop();
     const int row = SelectedRow();
     if (row >= 0) {
-        const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+        const ListRow target = m_model->listRow(row);
         const bool expired = target.marker == EventCommands::kExpiredMarker;
         const EventPtr e = m_model->event(row);
         clsDbXml& db = expired ? m_app.expired : m_app.events;
@@ -245,7 +246,7 @@ void frmMain::EditSelectedEvent() {
                                                               : EventListModel::Source::Local));
         }
     }
-    m_refreshTimer.start(RefreshTick::kIntervalMs);
+    m_refreshTimer.start(RefreshTick::IntervalMs());
 }
 
 void frmMain::EditLayers() {
@@ -272,7 +273,7 @@ void frmMain::EditOptions() {
     if (!options.Cancelled()) {
         ReloadDatabases();
     }
-    m_refreshTimer.start(RefreshTick::kIntervalMs);
+    m_refreshTimer.start(RefreshTick::IntervalMs());
 }
 
 void frmMain::Tasklist() {
@@ -288,7 +289,7 @@ void frmMain::ShareWith() {
     if (row < 0) {
         return;
     }
-    const ListRow target{m_model->IDCode(row), m_model->marker(row)};
+    const ListRow target = m_model->listRow(row);
     if (!guard(EventCommands::EditRefusal(target))) {
         return;
     }

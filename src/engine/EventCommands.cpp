@@ -6,15 +6,13 @@
 namespace EventCommands {
 
 QString EditRefusal(const ListRow& row) {
-    return row.marker == kOtherUsersMarker
-               ? QStringLiteral("You can't edit a shared item belonging to someone else")
-               : QString();
+    return row.otherUsers ? QStringLiteral("You can't edit a shared item belonging to someone else")
+                          : QString();
 }
 
 QString PushRefusal(const ListRow& row) {
-    return row.marker == kOtherUsersMarker
-               ? QStringLiteral("You can't push a shared item belonging to someone else")
-               : QString();
+    return row.otherUsers ? QStringLiteral("You can't push a shared item belonging to someone else")
+                          : QString();
 }
 
 namespace {
@@ -30,7 +28,7 @@ QStringList DeleteRefusals(ReminderServices& services, const QList<ListRow>& row
     QStringList refusals;
     for (const ListRow& row : rows) {
         QString refusal;
-        if (row.marker == kOtherUsersMarker) {
+        if (row.otherUsers) {
             refusal = kDeleteRefusal;
         } else if (row.marker != kExpiredMarker) {
             const EventPtr e = services.events.ReadEvent(row.idCode);
@@ -48,13 +46,16 @@ QStringList DeleteRefusals(ReminderServices& services, const QList<ListRow>& row
 bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows, EventChange* change) {
     if (change != nullptr) {
         for (const ListRow& row : rows) {
+            if (row.otherUsers) {
+                continue;
+            }
             change->Watch(databaseOf(services, row),
                           databaseOf(services, row).ReadEvent(row.idCode));
         }
     }
     bool skipped = false;
     for (const ListRow& row : rows) {
-        if (row.marker == kOtherUsersMarker) {
+        if (row.otherUsers) {
             skipped = true;
         } else if (row.marker == kExpiredMarker) {
             DeleteExpiredEvent(services, row.idCode);

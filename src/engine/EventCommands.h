@@ -17,12 +17,17 @@ namespace EventCommands {
 struct ListRow {
     QString idCode;
     QString marker; // "" own, "*" own shared, "S" another user's, "E" expired
+    // The event came from another user's shared file or names another owner.
+    // Ownership is decided by this, never by the marker: another user's event
+    // whose day has passed is still theirs.
+    bool otherUsers = false;
 };
 
 inline const QString kOtherUsersMarker = QStringLiteral("S");
 inline const QString kExpiredMarker = QStringLiteral("E");
 
 // The refusal for editing or pushing a row, or "" when the row may be changed.
+// Another user's event is refused whatever its days left.
 QString EditRefusal(const ListRow& row);
 QString PushRefusal(const ListRow& row);
 inline const QString kDeleteQuestion =
@@ -38,7 +43,8 @@ QStringList DeleteRefusals(ReminderServices& services, const QList<ListRow>& row
                            QList<ListRow>* allowed);
 
 // Deletes the rows in list order: expired rows from the expired database,
-// the others from the events database; other users' rows are skipped. True
+// the others from the events database; other users' rows are skipped (by
+// ownership, not by marker). True
 // when any row was skipped (the caller then shows kDeleteRefusal). With a
 // change, the rows' events are recorded in it for undo.
 bool DeleteRows(ReminderServices& services, const QList<ListRow>& rows,

@@ -65,6 +65,12 @@ void RefreshTick::RememberLastRun(DateValue now) {
     }
 }
 
+int RefreshTick::IntervalMs() {
+    bool ok = false;
+    const int ms = qEnvironmentVariableIntValue("TARVO_REFRESH_MS", &ok);
+    return ok && ms >= 100 ? ms : kIntervalMs;
+}
+
 void RefreshTick::markDaySeen() {
     m_day = static_cast<int16_t>(DayOf(Now()));
 }

@@ -48,6 +48,10 @@ public:
     int16_t storedDay() const { return m_day; }
 
     static constexpr int kIntervalMs = 30000;
+    // kIntervalMs, or the milliseconds in the environment variable
+    // TARVO_REFRESH_MS (100 at least), so that tests of several running
+    // copies need not wait half a minute for each other.
+    static int IntervalMs();
     static constexpr int kGapMinutes = 2;
 
 private:

@@ -5,10 +5,15 @@
 #include "shared/TextCodec.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "storage/SharedUserList.h"
 #include "storage/clsLayers.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
+
+#include <filesystem>
 
 SharedDatabases::SharedDatabases(cSHAREDSettings& settings, clsLayers& layers)
     : m_settings(settings), m_layers(layers), m_sharedSet(settings, &layers),
@@ -22,6 +27,11 @@ QString SharedDatabases::SharedFileName(const QString& owner) {
 
 QString SharedDatabases::SharedFolder() const {
     return m_settings.sGet(QStringLiteral("SharedDatapath"), SettingValue(QString())).toText();
+}
+
+bool SharedDatabases::SharedFolderReachable() const {
+    const QString folder = SharedFolder().trimmed();
+    return !folder.isEmpty() && QFileInfo(folder).isDir() && QDir(folder).isReadable();
 }
 
 QString SharedDatabases::UserListFile() const {
@@ -109,4 +119,83 @@ bool SharedDatabases::WriteUserList(const QString& listPath, const QStringList& 
         return false;
     }
     return true;
+}
+
+bool SharedDatabases::EmptySharedFile(const QString& id) {
+    const QString path = AppPaths::JoinPath(SharedFolder(), SharedFileName(id.trimmed()));
+    if (!QFileInfo::exists(path)) {
+        return true;
+    }
+    clsDbXml empty(m_settings);
+    empty.SetDBFilename(path);
+    empty.SaveDB();
+    return !empty.HasUnsavedChanges();
+}
+
+namespace {
+
+// Whether two paths name one file (a case-only change of the ID on a file
+// system that ignores letter case gives the same file twice).
+bool sameFile(const QString& a, const QString& b) {
+    std::error_code error;
+    return std::filesystem::equivalent(std::filesystem::path(a.toStdU16String()),
+                                       std::filesystem::path(b.toStdU16String()), error);
+}
+
+} // namespace
+
+QString SharedDatabases::ChangeOwnId(const QString& oldId, const QString& newId, clsDbXml* local) {
+    const QString folder = SharedFolder();
+    const QString oldFile = AppPaths::JoinPath(folder, SharedFileName(oldId.trimmed()));
+    const bool renamed = oldId.trimmed() != newId.trimmed() && OwnerId::Problem(oldId).isEmpty() &&
+                         !OwnerId::Same(oldId, QStringLiteral("Not Set"));
+    QString error;
+    if (renamed) {
+        const QString oldName = oldId.trimmed();
+        const QString newName = newId.trimmed();
+        if (!SharedUserList::Modify(
+                UserListFile(),
+                [&](const QStringList& names) {
+                    return SharedUserList::WithRenamed(names, oldName, newName);
+                },
+                &error)) {
+            error = QStringLiteral("The user list ") + UserListFile() +
+                    QStringLiteral(" could not be changed (") + error +
+                    QStringLiteral("), so it still names \"") + oldName + QStringLiteral("\".");
+        }
+    }
+    m_settings.sSet(QStringLiteral("Owner"), newId.trimmed());
+    if (local != nullptr) {
+        AttachTo(*local);
+        PublishSharedEvents(*local);
+    }
+    if (renamed && QFileInfo::exists(oldFile) &&
+        !sameFile(oldFile, AppPaths::JoinPath(folder, SharedFileName(newId.trimmed())))) {
+        Log().AddAction(QStringLiteral("Emptying ") + oldFile, QStringLiteral("ChangeOwnId"),
+                        QStringLiteral("SharedDatabases"));
+        if (!EmptySharedFile(oldId) && error.isEmpty()) {
+            error = QStringLiteral("The old shared file ") + oldFile +
+                    QStringLiteral(" could not be emptied.");
+        }
+    }
+    return error;
+}
+
+QString SharedDatabases::StopSharing(const QString& ownId) {
+    QString error;
+    if (!SharedUserList::Modify(
+            UserListFile(),
+            [&](const QStringList& names) { return SharedUserList::WithRemoved(names, ownId); },
+            &error)) {
+        error = QStringLiteral("The user list ") + UserListFile() +
+                QStringLiteral(" could not be changed (") + error + QStringLiteral(").");
+    }
+    if (OwnerId::Problem(ownId).isEmpty() && !EmptySharedFile(ownId) && error.isEmpty()) {
+        error = QStringLiteral("Your shared file ") +
+                AppPaths::JoinPath(SharedFolder(), SharedFileName(ownId.trimmed())) +
+                QStringLiteral(" could not be emptied.");
+    }
+    Log().AddAction(QStringLiteral("Stopped sharing as ") + ownId, QStringLiteral("StopSharing"),
+                    QStringLiteral("SharedDatabases"));
+    return error;
 }

@@ -30,6 +30,21 @@ public:
 
     // The setting "SharedDatapath".
     QString SharedFolder() const;
+    // Whether the shared folder is set and can be reached now (a network
+    // drive or a removable disk may be away for a while).
+    bool SharedFolderReachable() const;
+
+    // Saving the options with a changed ID (networked): the old name in the
+    // user list becomes the new one, the Owner setting takes the new ID and
+    // local's shared events are published under it, and then the old shared
+    // file is emptied (header only), so the others always find the events
+    // under exactly one listed name. "" on success, otherwise what failed.
+    QString ChangeOwnId(const QString& oldId, const QString& newId, clsDbXml* local);
+    // Leaving networked mode and no longer sharing: the ID is taken off the
+    // user list and its shared file emptied (header only). "" on success.
+    QString StopSharing(const QString& ownId);
+    // Rewrites a user's shared file with the header only, when it exists.
+    bool EmptySharedFile(const QString& id);
     // Shared folder + "TVOShared.ini".
     QString UserListFile() const;
     // Shared folder + "Shared_" + the setting "Owner" + ".xml".

@@ -91,6 +91,9 @@ qint64 clsDbXml::fileStamp(const QString& path) {
 
 bool clsDbXml::DatabaseChanged() const {
     if (m_mergedSet) {
+        if (!m_listFile.isEmpty() && fileStamp(m_listFile) != m_listStamp) {
+            return true;
+        }
         for (qsizetype i = 0; i < m_sharedFiles.size(); ++i) {
             if (fileStamp(m_sharedFiles.at(i)) != m_sharedStamps.at(i)) {
                 return true;
@@ -420,6 +423,8 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
     const QString owner = CurrentOwner();
     const QString folder =
         m_settings.sGet(QStringLiteral("SharedDataPath"), SettingValue(QString())).toText();
+    m_listFile = listPath;
+    m_listStamp = listPath.isEmpty() ? 0 : fileStamp(listPath);
     QFile list(listPath);
     QString text;
     if (list.exists() && list.open(QIODevice::ReadOnly)) {

@@ -33,9 +33,10 @@ public:
     void SetDBFilename(const QString& path);
     QString DBFilename() const { return m_fileName; }
 
-    // Whether the file (or, for a merged set, any of its files) has a time
-    // stamp other than the one recorded at the last load or save. A file that
-    // was missing then counts as changed as soon as it exists.
+    // Whether the file (or, for a merged set, any of its files or the user
+    // list itself) has a time stamp other than the one recorded at the last
+    // load or save. A file that was missing then counts as changed as soon as
+    // it exists, so a shared folder that comes back is read again.
     bool DatabaseChanged() const;
     void LoadDBIfChanged(const QString& path);
     // Reads path into the list (emptied first unless append). Owner "Single"
@@ -141,6 +142,8 @@ private:
     qint64 m_stamp = 0;           // ms since the epoch; 0 = file absent
     QStringList m_sharedFiles;    // merged set: files in list order
     QList<qint64> m_sharedStamps; // and their stamps when loaded (0 = absent)
+    QString m_listFile;           // merged set: the user list it was built from
+    qint64 m_listStamp = 0;       // and its stamp then (0 = absent or unreachable)
     bool m_mergedSet = false;
     quint64 m_generation = 0;
     bool m_unsaved = false;

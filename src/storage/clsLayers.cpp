@@ -71,9 +71,12 @@ int clsLayers::SeekLayerIndex(const QString& name) {
         }
     }
     // Highest free slot first. A slot is free while its name is exactly
-    // "Layer " + index, so "All Categories" at 20 never qualifies.
+    // "Layer " + index, so "All Categories" at 20 never qualifies, and while
+    // none of the user's own events sit in it: naming it would move them
+    // under the other user's category.
     for (int i = kAllCategories; i >= 1; --i) {
-        if (m_names[i] == QStringLiteral("Layer ") + QString::number(i)) {
+        if (m_names[i] == QStringLiteral("Layer ") + QString::number(i) &&
+            !(m_holdsOwnEvents && m_holdsOwnEvents(i))) {
             m_names[i] = name;
             SaveLayers();
             return i;

@@ -3,6 +3,7 @@
 #include <QString>
 
 #include <array>
+#include <functional>
 
 class cSHAREDSettings;
 
@@ -30,8 +31,16 @@ public:
     void LoadLayers();
     // The index of the layer with this name (trimmed, case ignored; 1..20,
     // never 0). A name not known yet takes the highest user layer that still
-    // has its default name and the table is saved. -1 when no layer is free.
+    // has its default name and holds none of the user's own events (see
+    // setOwnEventsTest), and the table is saved. -1 when no layer is free.
     int SeekLayerIndex(const QString& name);
+    // Tells SeekLayerIndex which layers hold the user's own events, so that
+    // another user's category name never takes over a slot the user already
+    // files events in, even while it still has its default name. Without a
+    // test every default-named slot counts as free.
+    void setOwnEventsTest(std::function<bool(int)> holdsOwnEvents) {
+        m_holdsOwnEvents = std::move(holdsOwnEvents);
+    }
     // The local layer for another user's event by the layer name it was
     // published with: "Shared" is layer 0 everywhere, so it stays the
     // publishing category on every machine; any other name as SeekLayerIndex.
@@ -44,4 +53,5 @@ public:
 private:
     cSHAREDSettings& m_settings;
     std::array<QString, kCount> m_names;
+    std::function<bool(int)> m_holdsOwnEvents;
 };

@@ -244,12 +244,22 @@ TEST_F(EventList, PastSharedEventIsMovedToItsNextDate) {
     e->setPeriod(14);
     e->setStartDate(D("2009-02-01"));
     e->setDaysLeft(-32);
-    const QList<EventPtr> sharedList{e};
+    // A passed one-off event of Bob's stays his: "S", never an own "E".
+    const EventPtr once = Make({"Bob's concert", "2009-03-01", "Bob", 0, true});
+    once->setDaysLeft(-4);
+    e->IDCode = QStringLiteral("100001");
+    once->IDCode = QStringLiteral("100002");
+    const QList<EventPtr> sharedList{e, once};
     model.FillFromLists({}, &sharedList, nullptr, EventListModel::kAllLayers);
-    ASSERT_EQ(model.rowCount(), 1);
+    ASSERT_EQ(model.rowCount(), 2);
     EXPECT_EQ(FormatYMD(e->DueDate()), QStringLiteral("2009-03-15"));
-    EXPECT_EQ(model.cellText(0, Col::ColLeft), QStringLiteral("0010"));
-    EXPECT_EQ(model.marker(0), QStringLiteral("S"));
+    const int row = model.FindRow(e->IDCode, EventListModel::Source::Shared);
+    EXPECT_EQ(model.cellText(row, Col::ColLeft), QStringLiteral("0010"));
+    for (int r = 0; r < 2; ++r) {
+        EXPECT_EQ(model.marker(r), QStringLiteral("S")) << r;
+        EXPECT_TRUE(model.listRow(r).otherUsers) << r;
+        EXPECT_FALSE(EventCommands::EditRefusal(model.listRow(r)).isEmpty()) << r;
+    }
 }
 
 TEST_F(EventList, LayerFilter) {

@@ -3,6 +3,7 @@
 #include "StorageFixture.h"
 
 #include "storage/SharedDatabases.h"
+#include "storage/SharedUserList.h"
 #include "storage/clsDbXml.h"
 
 #include <QDir>
@@ -74,6 +75,30 @@ TEST_F(SharedFolder, TheUserListIsTrimmedWithBlankLinesLeftOut) {
     const QString list = File(QStringLiteral("list2.ini"));
     ASSERT_TRUE(SharedDatabases::WriteUserList(list, {"Ann", "Zo\u00eb"}));
     EXPECT_EQ(ReadFileBytes(list), QByteArray("Ann\r\nZo\xEB\r\n"));
+}
+
+TEST_F(SharedFolder, IdsThatWouldMeetInAFileNameOrInShareWithClash) {
+    using SharedUserList::ClashKind;
+    const QStringList listed{"Ann", "Fred", "Bob"};
+    struct Case {
+        const char* id;
+        ClashKind kind;
+        const char* with;
+    } const cases[] = {
+        {"ann", ClashKind::CaseOnly, "Ann"}, {" Ann ", ClashKind::Same, "Ann"},
+        {"Ed", ClashKind::Tail, "Fred"},     {"ALFRED", ClashKind::Tail, "Fred"},
+        {"ob", ClashKind::None, ""}, // the tail of this user's own ID
+        {"BOB", ClashKind::None, ""},        {"Carl", ClashKind::None, ""},
+    };
+    for (const Case& c : cases) {
+        const SharedUserList::Clash clash =
+            SharedUserList::FindClash(listed, QString::fromUtf8(c.id), QStringLiteral("Bob"));
+        EXPECT_EQ(clash.kind, c.kind) << c.id;
+        EXPECT_EQ(clash.listed, QString::fromUtf8(c.with)) << c.id;
+    }
+    EXPECT_EQ(SharedUserList::WithRenamed({"Ann", "Bob", "anna"}, "ann", "Anna"),
+              (QStringList{"Anna", "Bob"}));
+    EXPECT_EQ(SharedUserList::WithAdded({"Ann"}, "ANN"), QStringList{"Ann"});
 }
 
 TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
@@ -169,6 +194,9 @@ TEST_F(SharedFolder, AMissingUserListGivesAnEmptySetAndTheMergedSetIsNeverSaved)
     EXPECT_FALSE(ann.shared->SharedSet().DatabaseChanged());
     ann.shared->SharedSet().SaveDB();
     EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
+    // The folder comes back: the set counts as changed, so it is read again.
+    ASSERT_TRUE(WriteFileBytes(File(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\n"));
+    EXPECT_TRUE(ann.shared->SharedSet().DatabaseChanged());
 }
 
 TEST_F(SharedFolder, AnOwnerNameTheOptionsRefusePublishesNothing) {

@@ -59,6 +59,14 @@ TEST_F(Layers, SeekingANewNameTakesTheHighestFreeSlotAndSaves) {
     EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("All Categories")), 20);
 }
 
+TEST_F(Layers, ADefaultNamedSlotHoldingOwnEventsIsNotFree) {
+    layers.LoadLayers();
+    layers.setOwnEventsTest([](int layer) { return layer == 19 || layer == 17; });
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Work")), 18);
+    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Home")), 16);
+    EXPECT_EQ(layers.Layer(19), QStringLiteral("Layer 19"));
+}
+
 TEST_F(Layers, SeekingSharedNeverAnswersLayerZero) {
     layers.LoadLayers();
     EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Shared")), 19);

@@ -13,7 +13,6 @@
 #include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
-#include "storage/clsLayers.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -33,7 +32,6 @@
 
 namespace {
 
-const QString kModule = QStringLiteral("frmOptions");
 const QString kNotSet = QStringLiteral("Not Set");
 
 QString S(const char* text) {
@@ -87,9 +85,9 @@ void frmOptions::buildControls() {
     cmdPickWav->setFixedWidth(browseWidth);
 
     // Mode.
-    optSingle = new QRadioButton(S("Single User"), this);
+    optSingle = new QRadioButton(S("Single &User"), this);
     optSingle->setObjectName(QStringLiteral("optSingle"));
-    optNetworked = new QRadioButton(S("Networked"), this);
+    optNetworked = new QRadioButton(S("&Networked"), this);
     optNetworked->setObjectName(QStringLiteral("optNetworked"));
     optNetworked->setToolTip(S("You can share events on a LAN"));
     auto* modeGroup = new QButtonGroup(this);
@@ -111,9 +109,9 @@ void frmOptions::buildControls() {
     txtOwner->setObjectName(QStringLiteral("txtOwner"));
     txtOwner->setToolTip(
         S("A short name to identify the user on the network (e.g. Dad, Fred, etc)"));
-    auto* lblOwner = new QLabel(S("ID:"), FrameNetwork);
+    auto* lblOwner = new QLabel(S("&ID:"), FrameNetwork);
     lblOwner->setBuddy(txtOwner);
-    cmdAddUser = new QPushButton(S("Add"), FrameNetwork);
+    cmdAddUser = new QPushButton(S("&Add"), FrameNetwork);
     cmdAddUser->setObjectName(QStringLiteral("cmdAddUser"));
     lstUsers = new QListWidget(FrameNetwork);
     lstUsers->setObjectName(QStringLiteral("lstUsers"));
@@ -313,79 +311,6 @@ void frmOptions::UpdateNetworkFrame() {
     FrameNetwork->setEnabled(optNetworked->isChecked());
 }
 
-QString frmOptions::SharedIniPath() const {
-    return clsOptions2::WithSeparator(txtSharedDBPath->text()) + QStringLiteral("TVOShared.ini");
-}
-
-void frmOptions::ReadSharedIni() {
-    lstUsers->clear();
-    // No folder typed: no list (rather than a file beside the program).
-    if (txtSharedDBPath->text().trimmed().isEmpty()) {
-        return;
-    }
-    lstUsers->addItems(SharedDatabases::ReadUserList(SharedIniPath()));
-}
-
-void frmOptions::WriteSharedIni() {
-    QStringList names;
-    for (int i = 0; i < lstUsers->count(); ++i) {
-        names.append(lstUsers->item(i)->text());
-    }
-    if (!SharedDatabases::WriteUserList(SharedIniPath(), names)) {
-        Log().AddAction(QStringLiteral("Unable to write ") + SharedIniPath(),
-                        QStringLiteral("WriteSharedIni"), kModule);
-        m_context.dialogs.Message(S("Unable to write the user list ") + SharedIniPath() +
-                                      S(". Please check the shared data path."),
-                                  {}, UserDialogs::Icon::Warning);
-    }
-}
-
-void frmOptions::cmdReload_Click() {
-    ReadSharedIni();
-}
-
-void frmOptions::cmdAddUser_Click() {
-    const QString id = txtOwner->text().trimmed();
-    if (id.isEmpty()) {
-        m_context.dialogs.Message(S("You need to enter an ID before you can add it"), {},
-                                  UserDialogs::Icon::Warning);
-        return;
-    }
-    if (txtSharedDBPath->text().trimmed().isEmpty()) {
-        m_context.dialogs.Message(
-            S("You need to supply the shared data path before you can add users to it."), {},
-            UserDialogs::Icon::Warning);
-        return;
-    }
-    if (const QString problem = OwnerId::Problem(id); !problem.isEmpty()) {
-        m_context.dialogs.Message(problem, {}, UserDialogs::Icon::Warning);
-        return;
-    }
-    ReadSharedIni();
-    for (int i = lstUsers->count() - 1; i >= 0; --i) {
-        if (lstUsers->item(i)->text().compare(id, Qt::CaseInsensitive) == 0) {
-            delete lstUsers->takeItem(i);
-        }
-    }
-    lstUsers->addItem(id);
-    WriteSharedIni();
-}
-
-void frmOptions::cmdDel_Click() {
-    if (lstUsers->selectedItems().isEmpty()) {
-        return;
-    }
-    if (!m_context.dialogs.AskYesNo(S("Are you sure you want to remove these users?"))) {
-        return;
-    }
-    for (int i = lstUsers->count() - 1; i >= 0; --i) {
-        if (lstUsers->item(i)->isSelected()) {
-            delete lstUsers->takeItem(i);
-        }
-    }
-    WriteSharedIni();
-}
-
 void frmOptions::cmdDatapath_Click() {
     const std::optional<QString> folder = m_context.dialogs.ChooseFolder(
         S("Select the storage path for your data files"), txtDatapath->text());
@@ -439,6 +364,26 @@ void frmOptions::cmdSave_Click() {
                                       {}, UserDialogs::Icon::Warning);
             return;
         }
+        // An ID kept as it was is not refused (the list may hold a clash
+        // from before these checks): the user is told, and saves the rest.
+        const bool keptId =
+            id == OwnID().trimmed() && settings.sGet(QStringLiteral("Networked"), false).toBool();
+        if (!AcceptId(id, keptId)) {
+            return;
+        }
+    } else if (settings.sGet(QStringLiteral("Networked"), false).toBool()) {
+        // Leaving networked mode: the published copy would otherwise stay
+        // visible to the others, alarms and all, for good.
+        const QString ownId = OwnID();
+        if (m_context.dialogs.AskYesNo(S("Stop sharing your events with the other users?"))) {
+            if (const QString error = m_context.shared.StopSharing(ownId); !error.isEmpty()) {
+                m_context.dialogs.Message(error, {}, UserDialogs::Icon::Warning);
+            }
+        } else {
+            m_context.dialogs.Message(
+                S("Your shared events stay in the shared folder as they are now, and the "
+                  "other users keep seeing them. The shared copy will no longer be updated."));
+        }
     }
 
     settings.sSet(QStringLiteral("DisableAutoUpdateCheck"), chkDisableAutoUpdate->isChecked());
@@ -467,53 +412,6 @@ void frmOptions::cmdSave_Click() {
     emit Saved();
     hide();
     done(QDialog::Accepted);
-}
-
-// Single user: every local event becomes the single user's and nothing is
-// published any more. Networked: the previous ID (and "Single") becomes the
-// new one in the local and expired databases, the previous ID's shared file
-// is emptied of its events (other users would otherwise keep seeing them
-// under the old name), the new ID is stored and this user's shared events
-// are published under it. The local database publishes on every save from
-// then on. Databases without a file name (first-time setup, before
-// anything is loaded) are left alone.
-void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked) {
-    cSHAREDSettings& settings = m_context.settings;
-    clsDbXml& events = m_context.events;
-    const bool eventsLoaded = !events.DBFilename().isEmpty();
-    // Each save below writes the local file only; publishing comes last.
-    events.setPublisher({});
-
-    if (!networked) {
-        settings.sSet(QStringLiteral("Owner"), QStringLiteral("Single"));
-        if (eventsLoaded) {
-            events.SetAllToSingleUser();
-        }
-        return;
-    }
-
-    const QString oldOwner = settings.sGet(QStringLiteral("Owner"), kNotSet).toText();
-    for (clsDbXml* db : {&events, &m_context.expired}) {
-        if (!db->DBFilename().isEmpty()) {
-            db->RenameOwner(oldOwner, newOwner);
-            db->RenameOwner(QStringLiteral("Single"), newOwner);
-        }
-    }
-    if (!OwnerId::Same(oldOwner, newOwner) && OwnerId::Problem(oldOwner).isEmpty()) {
-        const QString oldFile =
-            AppPaths::JoinPath(settings.sGet(QStringLiteral("SharedDataPath"), QString()).toText(),
-                               SharedDatabases::SharedFileName(oldOwner.trimmed()));
-        if (QFileInfo::exists(oldFile)) {
-            clsDbXml previous(settings, &m_context.layers);
-            previous.SetDBFilename(oldFile);
-            previous.WipeRecordsByOwner(oldOwner);
-        }
-    }
-    settings.sSet(QStringLiteral("Owner"), newOwner);
-    if (eventsLoaded) {
-        m_context.shared.AttachTo(events);
-        m_context.shared.PublishSharedEvents(events);
-    }
 }
 
 void frmOptions::cmdAbort_Click() {

@@ -2,6 +2,9 @@
 
 #include <QDialog>
 #include <QString>
+#include <QStringList>
+
+#include <functional>
 
 class QCheckBox;
 class QGroupBox;
@@ -37,7 +40,9 @@ public:
     // The user list file for the shared folder typed in the window.
     QString SharedIniPath() const;
     void ReadSharedIni();
-    void WriteSharedIni();
+    // Read, change and write of the list file under its lock; false (the
+    // user told why) when it could not be written.
+    bool ChangeSharedIni(const std::function<QStringList(QStringList)>& change);
 
     void cmdSave_Click();
     void cmdAbort_Click();
@@ -61,9 +66,17 @@ private:
     void Form_Load();
     // The owner change of a save; see the .cpp for the order.
     void ApplyOwnerChange(const QString& newOwner, bool networked);
+    // The ID stored now ("Not Set" before the first save).
+    QString OwnID() const;
+    // Whether id may be used beside the listed IDs of the other users: a clash
+    // is refused with its reason; a listed ID of the same spelling (this
+    // user's own after a reinstall) is taken over only when the user says so.
+    // With keptId (the ID stays as it was) a clash is only told.
+    bool AcceptId(const QString& id, bool keptId = false);
 
     AppContext& m_context;
     bool m_cancelled = true;
+    QString m_takenOver; // a listed ID the user chose to take over
 
     QLineEdit* txtDatapath = nullptr;
     QPushButton* cmdDatapath = nullptr;

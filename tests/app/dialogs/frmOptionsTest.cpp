@@ -118,17 +118,44 @@ TEST_F(OptionsWindow, BlankIdIsRefusedAndNothingIsWritten) {
     EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
 }
 
-TEST_F(OptionsWindow, AddingAnIdReplacesTheSameNameInAnyCase) {
+TEST_F(OptionsWindow, AddingAClashingIdIsRefusedAndASameSpelledOneIsAskedFor) {
     const QString folder = sharedFolder("Fred\r\nBob\r\n");
     settings.sSet(QStringLiteral("SharedDataPath"), folder);
     settings.sSet(QStringLiteral("Networked"), true);
     open();
-    box("txtOwner")->setText(QStringLiteral("fred"));
-    button("cmdAddUser")->click();
-    EXPECT_EQ(userNames(), (QStringList{QStringLiteral("Bob"), QStringLiteral("fred")}));
+    struct Case {
+        const char* id;
+        const char* says; // "" = added without a word
+    } const cases[] = {
+        {"fred", "is already used by another user as \"Fred\""},
+        {"Ed", "beside the listed ID \"Fred\""},
+        {"Alfred", "beside the listed ID \"Fred\""},
+        {"Fred", "Take over the ID \"Fred\"?"}, // answered No
+        {"Carl", ""},
+    };
+    for (const Case& c : cases) {
+        dialogs.clear();
+        box("txtOwner")->setText(QString::fromUtf8(c.id));
+        button("cmdAddUser")->click();
+        if (*c.says == 0) {
+            EXPECT_EQ(dialogs.count(), 0) << c.id;
+        } else {
+            EXPECT_TRUE(dialogs.lastText().contains(QString::fromUtf8(c.says)))
+                << c.id << ": " << dialogs.lastText().toStdString();
+        }
+    }
     EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")),
-              QByteArray("Bob\r\nfred\r\n"));
-    EXPECT_EQ(dialogs.count(), 0);
+              QByteArray("Fred\r\nBob\r\nCarl\r\n"));
+
+    // A clash listed from before is told, but the user's own ID kept as it
+    // was does not stop the other settings from being saved.
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ed"));
+    dialogs.clear();
+    box("txtOwner")->setText(QStringLiteral("Ed"));
+    button("cmdSave")->click();
+    EXPECT_FALSE(window->Cancelled());
+    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("stays as it is")))
+        << dialogs.lastText().toStdString();
 }
 
 TEST_F(OptionsWindow, AddingNeedsAnIdAndAFolderAndASafeName) {
@@ -262,9 +289,21 @@ TEST_F(OptionsWindow, SwitchingToSingleUserStoresSingleAndTakesOverTheEvents) {
     events.StoreRecord(mine);
     shared.AttachTo(events);
 
+    shared.PublishSharedEvents(events);
+    mine->SharedEvent = true;
+    shared.PublishSharedEvents(events);
+    ASSERT_TRUE(ReadFileBytes(folder + QStringLiteral("/Shared_Fred.xml")).contains("mine"));
+
     open();
     button("optSingle")->click();
+    dialogs.answerYes();
     button("cmdSave")->click();
+    EXPECT_EQ(dialogs.texts().first(),
+              QStringLiteral("Stop sharing your events with the other users?"));
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray());
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/Shared_Fred.xml")),
+              QByteArray("<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\r\n"))
+        << "Yes empties the shared file";
     EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
     EXPECT_FALSE(settings.sGet(QStringLiteral("Networked")).toBool());
     EXPECT_EQ(mine->Owner(), QStringLiteral("Single"));
@@ -306,6 +345,8 @@ TEST_F(OptionsWindow, NewNetworkIdRenamesWipesTheOldSharedFileAndPublishes) {
     newFile.LoadDB(folder + QStringLiteral("/Shared_Frederick.xml"));
     ASSERT_EQ(newFile.Events().size(), 1);
     EXPECT_EQ(newFile.Events().first()->Desc(), QStringLiteral("team"));
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Frederick\r\n"))
+        << "the new ID takes the old one's place in the list";
     EXPECT_TRUE(events.Publishing());
 }
 

@@ -12,6 +12,10 @@ namespace FileLimits {
 // the main window's status bar. 32 MiB holds some 35,000 ordinary events.
 inline constexpr qint64 kMaxSharedFileBytes = qint64(32) * 1024 * 1024;
 
+// A user list ("TVOShared.ini") larger than this is not read either: some
+// 4,000 names, each a file looked at on every refresh.
+inline constexpr qint64 kMaxUserListBytes = 64 * 1024;
+
 // Events read from one event file at most: one per ID code ("000000" to
 // "100000"), so a file the program wrote never holds more. Reading stops
 // there; an own file that goes on counts as damaged, so it is copied before

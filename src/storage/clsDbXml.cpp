@@ -498,7 +498,10 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
         m_settings.sGet(QStringLiteral("SharedDataPath"), SettingValue(QString())).toText();
     QFile list(listPath);
     QString text;
-    if (list.exists() && list.open(QIODevice::ReadOnly)) {
+    if (list.size() > FileLimits::kMaxUserListBytes) {
+        refuseLarge(listPath, FileLimits::kMaxUserListBytes); // no users then
+    } else if (list.exists() && list.open(QIODevice::ReadOnly)) {
+        m_refused.remove(listPath);
         text = TextCodec::FromWindows1252(list.readAll());
     }
     for (const QString& line : text.split(QLatin1String(TextCodec::kLineEnd))) {
@@ -517,7 +520,7 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
             m_sharedFiles.append(file);
             m_sharedStamps.append(fileStamp(file));
             if (QFileInfo(file).size() > FileLimits::kMaxSharedFileBytes) {
-                refuseLarge(file);
+                refuseLarge(file, FileLimits::kMaxSharedFileBytes);
                 continue;
             }
             m_refused.remove(file);
@@ -535,15 +538,17 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
     m_stamp = fileStamp(m_fileName);
 }
 
-void clsDbXml::refuseLarge(const QString& file) {
+void clsDbXml::refuseLarge(const QString& file, qint64 limit) {
     if (m_refused.contains(file)) {
         return; // told when it was first found too large
     }
     m_refused.insert(file);
-    const QString text = QStringLiteral("Shared file ") + QDir::toNativeSeparators(file) +
-                         QStringLiteral(" is over ") +
-                         QString::number(FileLimits::kMaxSharedFileBytes / (1024 * 1024)) +
-                         QStringLiteral(" MB and is not read");
+    const QString text =
+        QStringLiteral("Shared file ") + QDir::toNativeSeparators(file) +
+        QStringLiteral(" is over ") +
+        (limit >= 1024 * 1024 ? QString::number(limit / (1024 * 1024)) + QStringLiteral(" MB")
+                              : QString::number(limit / 1024) + QStringLiteral(" KB")) +
+        QStringLiteral(" and is not read");
     Log().AddAction(text, QStringLiteral("LoadMultiple"), kModule);
     StatusNotices::Post(text);
 }

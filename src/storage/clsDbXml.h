@@ -86,7 +86,8 @@ public:
     // other user's "Shared_" + name + ".xml" in the shared folder, in list
     // order; DBFilename becomes this user's own shared file (never written
     // here: the set is read-only). A file over FileLimits::kMaxSharedFileBytes
-    // is left out, logged and posted to the status bar once.
+    // (or a user list over kMaxUserListBytes) is left out, logged and posted
+    // to the status bar once.
     void LoadMultiple(const QString& listPath);
 
     // Networked mode changes how LoadDB filters and maps layers.
@@ -128,8 +129,8 @@ private:
     // when the copy could not be made, and then the file must stay.
     bool keepDamagedCopy();
     static AtomicFile::Result damagedCopyFailed();
-    // A shared file too large to read: logged and posted once while it stays so.
-    void refuseLarge(const QString& file);
+    // A shared file over limit bytes: logged and posted once while it stays so.
+    void refuseLarge(const QString& file, qint64 limit);
 
     cSHAREDSettings& m_settings;
     clsLayers* m_layers;

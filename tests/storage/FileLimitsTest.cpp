@@ -58,6 +58,15 @@ TEST_F(FileLimits_, ASharedFileOverTheLimitIsRefusedAndToldOnce) {
     EXPECT_EQ(StatusNotices::Take(), QStringList{told});
     EXPECT_EQ(NewLogLines().filter(told).size(), 1);
     EXPECT_FALSE(set.DatabaseChanged());
+
+    // A user list too long to be a list of names gives no shared events.
+    const QString list = QDir(folder).filePath(QStringLiteral("TVOShared.ini"));
+    WriteSparse(list, "Carl\r\n", 1024 * 1024);
+    set.LoadMultiple(list);
+    EXPECT_EQ(set.RecordCount(), 0);
+    EXPECT_EQ(StatusNotices::Take(),
+              QStringList{QStringLiteral("Shared file ") + QDir::toNativeSeparators(list) +
+                          QStringLiteral(" is over 64 KB and is not read")});
 }
 
 TEST_F(FileLimits_, AMillionTinyEventsAreReadUpToTheLimitAndTheFileIsKept) {

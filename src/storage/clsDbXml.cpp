@@ -230,8 +230,10 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
         const QByteArrayView piece(bytes.constData() + from, pieceEnd - from);
         const char* text = piece.data();
         if (from == 0) {
+            // Without a header only a file of blanks is whole: it holds nothing.
             text = DamagedFile::AfterHeader(piece.data(), piece.data() + piece.size());
-            damaged = damaged || text == nullptr;
+            damaged = text == nullptr &&
+                      !DamagedFile::OnlyWrappers(piece.data(), piece.data() + piece.size());
             text = text == nullptr ? piece.data() : text;
         }
         from = endTag < 0 ? bytes.size() : endTag + static_cast<qsizetype>(kEndTag.size());

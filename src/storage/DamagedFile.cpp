@@ -42,7 +42,7 @@ QString CopyName(const QString& path) {
 }
 
 QString KeepCopy(const QString& path) {
-    const QString copy = CopyName(path);
+    QString copy = CopyName(path);
     if (!QFile::copy(path, copy)) {
         Log().AddAction(QStringLiteral("Unable to keep a copy of the damaged file ") +
                             QDir::toNativeSeparators(path) + QStringLiteral(" as ") +

@@ -29,9 +29,9 @@ void WriteSparse(const QString& path, const QByteArray& text, qint64 size) {
     ASSERT_TRUE(file.resize(size));
 }
 
-class FileLimits_ : public StorageTest {};
+class SizeLimits : public StorageTest {};
 
-TEST_F(FileLimits_, ASharedFileOverTheLimitIsRefusedAndToldOnce) {
+TEST_F(SizeLimits, ASharedFileOverTheLimitIsRefusedAndToldOnce) {
     const QString folder = home.path();
     settings.sSet(QStringLiteral("SharedDatapath"), SettingValue(folder));
     ASSERT_TRUE(
@@ -69,7 +69,7 @@ TEST_F(FileLimits_, ASharedFileOverTheLimitIsRefusedAndToldOnce) {
                           QStringLiteral(" is over 64 KB and is not read")});
 }
 
-TEST_F(FileLimits_, AMillionTinyEventsAreReadUpToTheLimitAndTheFileIsKept) {
+TEST_F(SizeLimits, AMillionTinyEventsAreReadUpToTheLimitAndTheFileIsKept) {
     const QString path = home.file(QStringLiteral("Events.xml"));
     QByteArray bytes = Header();
     bytes += QByteArrayLiteral("<EVENT><Desc>x</Desc></EVENT>\r\n").repeated(1000000);
@@ -81,7 +81,7 @@ TEST_F(FileLimits_, AMillionTinyEventsAreReadUpToTheLimitAndTheFileIsKept) {
     EXPECT_EQ(ReadFileBytes(path), bytes);
 }
 
-TEST_F(FileLimits_, AnEndlessSettingsLineIsSkippedWithoutHoldingIt) {
+TEST_F(SizeLimits, AnEndlessSettingsLineIsSkippedWithoutHoldingIt) {
     const QString path = home.file(QStringLiteral("Tvo.ini"));
     WriteSparse(path, "Owner,Ann\r\nJunk,", 100LL * 1024 * 1024);
     {

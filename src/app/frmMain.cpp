@@ -9,6 +9,7 @@
 #include "app/platform/DBusNotifier.h"
 #include "app/reminders/ReminderWindowFactory.h"
 #include "engine/clsReminder.h"
+#include "shared/StatusNotices.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
@@ -25,6 +26,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QStatusBar>
 #include <QStyle>
 #include <QSystemTrayIcon>
 #include <QToolBar>
@@ -103,7 +105,10 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
                            [this] { FillEvents(); },
                            [this] { return m_app.settings.SaveSettings(m_app.settingsFile); }});
     m_refreshTimer.setObjectName(QStringLiteral("TimerRefresh"));
-    connect(&m_refreshTimer, &QTimer::timeout, this, [this] { m_tick->TimerRefresh_Timer(); });
+    connect(&m_refreshTimer, &QTimer::timeout, this, [this] {
+        m_tick->TimerRefresh_Timer();
+        showNotices();
+    });
 
     // A change in the shared folder refills the list, unless a command has
     // the refresh stopped (the editor is open): its tick catches up later.
@@ -308,6 +313,7 @@ void frmMain::FormLoad(bool silentStart, std::unique_ptr<QLocalServer> channel) 
     m_tick->markDaySeen(); // the first tick need not show them again
     Log().LogEvent(QStringLiteral("Filling events"));
     FillEvents();
+    showNotices();
 
     Log().LogEvent(QStringLiteral("Setting main window width and height"));
     const bool maximise = RestoreWindowSize();
@@ -323,7 +329,17 @@ void frmMain::FormLoad(bool silentStart, std::unique_ptr<QLocalServer> channel) 
     if (!silentStart || !trayAvailable()) {
         maximise ? showMaximized() : show();
     }
-    QTimer::singleShot(kFirstTickMs, this, [this] { m_tick->TimerRefresh_Timer(); });
+    QTimer::singleShot(kFirstTickMs, this, [this] {
+        m_tick->TimerRefresh_Timer();
+        showNotices();
+    });
+}
+
+void frmMain::showNotices() {
+    const QStringList notices = StatusNotices::Take();
+    if (!notices.isEmpty()) {
+        statusBar()->showMessage(notices.join(QStringLiteral(" \u2014 ")), kNoticeMs);
+    }
 }
 
 bool frmMain::RestoreWindowSize() {

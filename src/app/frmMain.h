@@ -43,6 +43,9 @@ public:
     // Rebuilds the list with the current category filter, keeping the
     // selected position.
     void FillEvents();
+    // Shows the notices the core posted (StatusNotices) in the status bar.
+    void showNotices();
+    static constexpr int kNoticeMs = 60000;
     // Another copy of the program asked this one to come forward.
     void Runner_ShowWindow();
 

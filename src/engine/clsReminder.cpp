@@ -13,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QHash>
 #include <QMultiMap>
 
 #include <cmath>
@@ -32,6 +33,31 @@ int alarmMinute(DateValue time) {
         return -1;
     }
     return static_cast<int>(rounded);
+}
+
+// Marks deleted the first record of list that holds the code of the one at
+// position i, as DeleteRecord would. An event stored without a code got a
+// fresh one from the expired database just now, so it may be the first
+// holder of that code: firstWithCode is kept true for it.
+void markFirstWithCode(const QList<EventPtr>& list, QHash<QString, qsizetype>& firstWithCode,
+                       qsizetype i) {
+    const QString& code = list.at(i)->IDCode;
+    if (code.isEmpty()) {
+        // No code was free: the records without one changed as the pass went.
+        for (const EventPtr& e : list) {
+            if (e->IDCode.isEmpty()) {
+                e->Deleted = true;
+                return;
+            }
+        }
+    }
+    auto it = firstWithCode.find(code);
+    if (it == firstWithCode.end()) {
+        it = firstWithCode.insert(code, i);
+    } else if (it.value() > i) {
+        it.value() = i;
+    }
+    list.at(it.value())->Deleted = true;
 }
 
 } // namespace
@@ -54,33 +80,50 @@ IReminderWindow& clsReminder::comingUpWindow() {
 
 void clsReminder::UpdateAllEvents() {
     clsDbXml& events = m_services.events;
-    // Taken once: DeleteRecord only marks, so positions never shift.
+    // Taken once: events are only marked deleted here, so positions never shift.
     const QList<EventPtr> list = events.Events();
     cSharedDateSubs& dates = cSharedDateSubs::ForSettings(m_services.settings);
-    for (const EventPtr& e : list) {
+    // One reading of the clock for the whole pass: the day cannot change
+    // between two events, and reading it costs a look at the time zone.
+    const DateValue today = TodayDate();
+    // Where each ID code first appears in the list. A passed one-off event is
+    // removed as DeleteRecord removes one: the first record with its code is
+    // marked. The record is found here without a walk of the list, and the
+    // events file is saved once at the end of the pass rather than once per
+    // event, which made the pass cost more the more events lay in the past.
+    QHash<QString, qsizetype> firstWithCode;
+    firstWithCode.reserve(list.size());
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (!firstWithCode.contains(list.at(i)->IDCode)) {
+            firstWithCode.insert(list.at(i)->IDCode, i);
+        }
+    }
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        const EventPtr& e = list.at(i);
         if (e->Deleted) {
             continue; // already gone from the database
         }
-        e->CalcDaysLeft();
-        if (!IsBeforeDate(e->DueDate())) {
+        e->CalcDaysLeft(today);
+        if (!IsBeforeDate(e->DueDate(), today)) {
             continue;
         }
         if (e->Recurring()) {
             Log().LogEvent(QStringLiteral("Event expired and updated: ") +
                            dates.ShortFormatDate(e->DueDate()) + QLatin1Char(' ') + e->Desc());
-            e->CalcNextDueDate();
-            e->CalcDaysLeft();
+            e->CalcNextAfterDate(today);
+            e->CalcDaysLeft(today);
         } else {
             Log().LogEvent(QStringLiteral("Event expired and deleted: ") +
                            dates.ShortFormatDate(e->DueDate()) + QLatin1Char(' ') + e->Desc());
-            // The expired database receives the very object that DeleteRecord
-            // then marks deleted, so its save leaves it out: a passed one-off
+            // The expired database receives the very object that is then
+            // marked deleted, so its save leaves it out: a passed one-off
             // event leaves "Events.xml" without reaching "Expired.xml". Users'
             // files have always behaved this way; it is kept.
             m_services.expired.StoreRecord(e, false);
-            events.DeleteRecord(e->IDCode);
+            markFirstWithCode(list, firstWithCode, i);
         }
     }
+    // Each save leaves a file alone when its bytes would not change.
     events.SaveDB();
     m_services.expired.SaveDB();
 }

@@ -15,5 +15,9 @@ void clsEvent::CalcNextAfterDate(DateValue after) {
 }
 
 void clsEvent::CalcDaysLeft() {
-    m_DaysLeft = static_cast<int32_t>(std::llround(m_DueDate - TodayDate()));
+    CalcDaysLeft(TodayDate());
+}
+
+void clsEvent::CalcDaysLeft(DateValue today) {
+    m_DaysLeft = static_cast<int32_t>(std::llround(m_DueDate - today));
 }

@@ -101,6 +101,8 @@ public:
     void CalcNextAfterDate(DateValue after);
     // DaysLeft := DueDate - today, in whole days (negative when past).
     void CalcDaysLeft();
+    // The same against a today read once for a pass over many events.
+    void CalcDaysLeft(DateValue today);
 
     // The recurrence computation behind the two above. Sets DueDate (and
     // StartDate for the interval rules) and clears MailSent. An unknown type

@@ -6,6 +6,8 @@
 #include "shared/cSHAREDShowError.h"
 #include "shared/cSharedLogging.h"
 
+#include "shared/FileLimits.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -248,13 +250,27 @@ void cSHAREDSettings::LoadSettings(const QString& file) {
                                       file);
             return;
         }
-        const QString text = TextCodec::FromWindows1252(f.readAll());
         // Lines end in CR LF; a bare LF from a hand edit on another system is
-        // accepted too.
-        static const QRegularExpression lineEnd(QStringLiteral("\r\n|\n"));
-        const QStringList lines = text.split(lineEnd);
-        for (const QString& l : lines) {
-            line = l;
+        // accepted too. Read a line at a time, so that an endless line (a
+        // damaged file) is skipped rather than held in memory.
+        while (!f.atEnd()) {
+            QByteArray bytes = f.readLine(FileLimits::kMaxSettingsLineBytes);
+            if (!bytes.endsWith('\n') && !f.atEnd()) {
+                qint64 skipped = bytes.size();
+                QByteArray rest;
+                do {
+                    rest = f.readLine(FileLimits::kMaxSettingsLineBytes);
+                    skipped += rest.size();
+                } while (!rest.endsWith('\n') && !f.atEnd());
+                Log().AddAction(QStringLiteral("Skipped a line of ") + QString::number(skipped) +
+                                    QStringLiteral(" bytes in ") + file,
+                                QStringLiteral("LoadSettings"), kModule);
+                continue;
+            }
+            if (bytes.endsWith('\n')) {
+                bytes.chop(bytes.endsWith("\r\n") ? 2 : 1);
+            }
+            line = TextCodec::FromWindows1252(bytes);
             const qsizetype comma = line.indexOf(QLatin1Char(','));
             if (comma < 0) {
                 continue;

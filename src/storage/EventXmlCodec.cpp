@@ -210,6 +210,10 @@ void AppendBlock(QByteArray& out, const clsEvent& e) {
     out.truncate(w.p - out.constData());
 }
 
+bool TextCache::CountError() {
+    return ++m_errors <= kMaxLoggedErrors;
+}
+
 QString TextCache::Text(int slot, QByteArrayView raw) {
     if (raw.isEmpty()) {
         return {};
@@ -225,6 +229,130 @@ QString TextCache::Text(int slot, QByteArrayView raw) {
     entries[i].raw = raw.toByteArray();
     entries[i].text = FromAnsi(raw);
     return entries[i].text;
+}
+
+// Sets field f of e from its value v (empty for a missing tag); a value
+// that does not convert throws RuntimeError.
+void setField(clsEvent& e, int f, QByteArrayView v, TextCache* cache) {
+    auto text = [cache](int slot, QByteArrayView raw) {
+        return cache != nullptr ? cache->Text(slot, raw) : FromAnsi(raw);
+    };
+    switch (f) {
+    case fIDCode:
+        e.IDCode = FromAnsi(v);
+        break;
+    case fAlarmSet:
+        e.setAlarmSet(toBoolean(v));
+        break;
+    case fAlarmTime:
+        e.setAlarmTime(parseDateTime(v));
+        break;
+    case fDayNumber:
+        e.setDaynumber(toInt16(v));
+        break;
+    case fDayOfMonth:
+        e.setDayOfMonth(toInt16(v));
+        break;
+    case fDayOfWeek:
+        e.setDayOfWeek(toInt16(v));
+        break;
+    case fDaysLeft:
+        e.setDaysLeft(toInt32(v));
+        break;
+    case fDaysWarning:
+        e.setDaysWarning(toInt16(v));
+        break;
+    case fDeleted:
+        e.Deleted = toBoolean(v);
+        break;
+    case fMailSent:
+        e.MailSent = toBoolean(v);
+        break;
+    case fDesc:
+        e.setDesc(PercentDecode(v));
+        break;
+    case fDueDate:
+        e.setDueDate(parseDateTime(v));
+        break;
+    case fDueTime:
+        e.setDueTime(parseDateTime(v));
+        break;
+    case fLayer:
+        e.setLayer(toInt16(v));
+        break;
+    case fSharedLayerName:
+        e.SharedLayerName = text(0, v);
+        break;
+    case fEmail:
+        e.Email = text(1, v);
+        break;
+    case fMinutesWarning:
+        e.setMinutesWarning(toInt16(v));
+        break;
+    case fMonthNumber:
+        e.setMonthNumber(toInt16(v));
+        break;
+    case fOwner:
+        e.setOwner(text(2, v));
+        break;
+    case fPeriod:
+        e.setPeriod(toInt16(v));
+        break;
+    case fRecurrenceType:
+        e.setRecurrenceType(toInt32(v));
+        break;
+    case fRecurring:
+        e.setRecurring(toBoolean(v));
+        break;
+    case fStartDate:
+        e.setStartDate(parseDateTime(v));
+        break;
+    case fWeekDays:
+        e.setWeekDays(toInt16(v));
+        break;
+    case fSharedEvent:
+        e.SharedEvent = toBoolean(v);
+        break;
+    case fExecFile:
+        e.ExecFile = toBoolean(v);
+        break;
+    case fFilename:
+        e.Filename = text(3, v);
+        break;
+    case fWavFile:
+        e.WavFile = text(4, v);
+        break;
+    case fPlayWav:
+        e.PlayWav = toBoolean(v);
+        break;
+    case fShareWithSpecific:
+        e.ShareWithSpecific = toBoolean(v);
+        break;
+    case fShareNames:
+        e.ShareNames = PercentDecode(v);
+        break;
+    default:
+        break;
+    }
+}
+
+// What a missing tag gives for each field: nothing, or the conversion error
+// of an empty value. Found once, by trying it, so that a file of events
+// without most of their tags costs no exception per missing tag.
+const std::array<QString, kFieldCount>& missingFieldErrors() {
+    static const std::array<QString, kFieldCount> errors = [] {
+        std::array<QString, kFieldCount> texts;
+        clsEvent probe;
+        for (int f = 0; f < kFieldCount; ++f) {
+            try {
+                setField(probe, f, QByteArrayView(), nullptr);
+            } catch (const RuntimeError& error) {
+                texts[f] = error.logText();
+            }
+        }
+        return texts;
+    }();
+    return errors;
 }
 
 EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QString& module,
@@ -306,116 +434,29 @@ EventPtr ParseBlock(QByteArrayView block, const QString& procedure, const QStrin
         return scratch;
     };
 
-    auto text = [cache](int slot, QByteArrayView v) {
-        return cache != nullptr ? cache->Text(slot, v) : FromAnsi(v);
+    auto report = [&](const QString& error) {
+        if (cache == nullptr || cache->CountError()) {
+            Log().AddAction(error, procedure, module);
+        }
     };
-
+    const std::array<QString, kFieldCount>& missing = missingFieldErrors();
     auto event = std::make_shared<clsEvent>();
     clsEvent& e = *event;
     for (int f = 0; f < kFieldCount; ++f) {
-        try {
-            // A missing tag is an empty value: fine for text and booleans,
-            // a conversion error for numbers and dates.
-            const QByteArrayView v = open[f] != nullptr ? value(f) : QByteArrayView();
-            switch (f) {
-            case fIDCode:
-                e.IDCode = FromAnsi(v);
-                break;
-            case fAlarmSet:
-                e.setAlarmSet(toBoolean(v));
-                break;
-            case fAlarmTime:
-                e.setAlarmTime(parseDateTime(v));
-                break;
-            case fDayNumber:
-                e.setDaynumber(toInt16(v));
-                break;
-            case fDayOfMonth:
-                e.setDayOfMonth(toInt16(v));
-                break;
-            case fDayOfWeek:
-                e.setDayOfWeek(toInt16(v));
-                break;
-            case fDaysLeft:
-                e.setDaysLeft(toInt32(v));
-                break;
-            case fDaysWarning:
-                e.setDaysWarning(toInt16(v));
-                break;
-            case fDeleted:
-                e.Deleted = toBoolean(v);
-                break;
-            case fMailSent:
-                e.MailSent = toBoolean(v);
-                break;
-            case fDesc:
-                e.setDesc(PercentDecode(v));
-                break;
-            case fDueDate:
-                e.setDueDate(parseDateTime(v));
-                break;
-            case fDueTime:
-                e.setDueTime(parseDateTime(v));
-                break;
-            case fLayer:
-                e.setLayer(toInt16(v));
-                break;
-            case fSharedLayerName:
-                e.SharedLayerName = text(0, v);
-                break;
-            case fEmail:
-                e.Email = text(1, v);
-                break;
-            case fMinutesWarning:
-                e.setMinutesWarning(toInt16(v));
-                break;
-            case fMonthNumber:
-                e.setMonthNumber(toInt16(v));
-                break;
-            case fOwner:
-                e.setOwner(text(2, v));
-                break;
-            case fPeriod:
-                e.setPeriod(toInt16(v));
-                break;
-            case fRecurrenceType:
-                e.setRecurrenceType(toInt32(v));
-                break;
-            case fRecurring:
-                e.setRecurring(toBoolean(v));
-                break;
-            case fStartDate:
-                e.setStartDate(parseDateTime(v));
-                break;
-            case fWeekDays:
-                e.setWeekDays(toInt16(v));
-                break;
-            case fSharedEvent:
-                e.SharedEvent = toBoolean(v);
-                break;
-            case fExecFile:
-                e.ExecFile = toBoolean(v);
-                break;
-            case fFilename:
-                e.Filename = text(3, v);
-                break;
-            case fWavFile:
-                e.WavFile = text(4, v);
-                break;
-            case fPlayWav:
-                e.PlayWav = toBoolean(v);
-                break;
-            case fShareWithSpecific:
-                e.ShareWithSpecific = toBoolean(v);
-                break;
-            case fShareNames:
-                e.ShareNames = PercentDecode(v);
-                break;
-            default:
-                break;
+        // A missing tag is an empty value: fine for text and booleans,
+        // a conversion error for numbers and dates.
+        if (open[f] == nullptr) {
+            if (!missing[f].isEmpty()) {
+                report(missing[f]);
+            } else {
+                setField(e, f, QByteArrayView(), cache);
             }
+            continue;
+        }
+        try {
+            setField(e, f, value(f), cache);
         } catch (const RuntimeError& error) {
-            Log().AddAction(error.logText(), procedure, module);
+            report(error.logText());
         }
     }
     return event;

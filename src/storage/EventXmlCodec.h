@@ -6,6 +6,7 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -26,11 +27,18 @@ void AppendBlock(QByteArray& out, const clsEvent& event);
 
 // Values that repeat from event to event in one file (owner, layer name, file
 // and sound paths, mail addresses): equal bytes give one shared string
-// instead of a new one per event.
+// instead of a new one per event. It also counts the conversion errors of one
+// read, so that a damaged file logs the first kMaxLoggedErrors of them only.
 class TextCache {
 public:
     QString Text(int slot, QByteArrayView raw);
     static constexpr int kSlots = 6;
+
+    static constexpr qsizetype kMaxLoggedErrors = 1000;
+    // Counts one error; true while it is still to be logged.
+    bool CountError();
+    // Errors counted beyond the logged ones.
+    qsizetype UnloggedErrors() const { return std::max<qsizetype>(0, m_errors - kMaxLoggedErrors); }
 
 private:
     struct Entry {
@@ -41,6 +49,7 @@ private:
     std::array<std::array<Entry, kEntries>, kSlots> m_entries;
     std::array<std::size_t, kSlots> m_used{};
     std::array<std::size_t, kSlots> m_next{};
+    qsizetype m_errors = 0;
 };
 
 // Builds a new event from the text of one block. A missing tag leaves the

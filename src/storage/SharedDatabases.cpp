@@ -65,10 +65,16 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
             QStringLiteral("PublishSharedEvents"), QStringLiteral("SharedDatabases"));
         return;
     }
-    m_publish.SetDBFilename(OwnSharedFile());
-    // Loads the file, marks this user's old events deleted and saves, so only
-    // what follows is published under this name.
-    m_publish.WipeRecordsByOwner(owner);
+    // This user's old events in the file are marked deleted, so only what
+    // follows is published under this name; the file is then written once
+    // (and not at all when its bytes stay the same), so other users never
+    // read it without this user's events.
+    m_publish.LoadDB(OwnSharedFile());
+    for (const EventPtr& event : m_publish.Events()) {
+        if (OwnerId::Same(event->Owner(), owner)) {
+            event->Deleted = true;
+        }
+    }
     for (const EventPtr& event : local.Events()) {
         if ((event->SharedEvent || event->Layer() == clsLayers::kShared) &&
             OwnerId::Same(event->Owner(), owner)) {

@@ -5,6 +5,7 @@
 #include "shared/SaveFailures.h"
 #include "shared/TextCodec.h"
 #include "shared/cSharedLogging.h"
+#include "storage/DamagedFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -51,6 +52,11 @@ QStringList TaskListFile::Load() {
             Log().AddAction(QStringLiteral("Unable to read ") + xml, QStringLiteral("LoadTasks"),
                             kModule);
         }
+        m_damaged = DamagedFile::TaskFileDamaged(bytes);
+        if (m_damaged) {
+            Log().AddAction(xml + QStringLiteral(" is damaged; it is kept as it is until saved"),
+                            QStringLiteral("LoadTasks"), kModule);
+        }
         return Parse(bytes);
     }
 
@@ -72,6 +78,15 @@ QStringList TaskListFile::Load() {
 bool TaskListFile::Save(const QStringList& tasks) {
     const QString path = XmlPath();
     const QByteArray bytes = Format(tasks);
+    if (m_damaged && QFileInfo::exists(path)) {
+        // What was read of a damaged file replaces it only once it is kept.
+        if (DamagedFile::KeepCopy(path).isEmpty()) {
+            SaveFailures::Failed(
+                path, QStringLiteral("the file is damaged and no copy of it could be kept"));
+            return false;
+        }
+    }
+    m_damaged = false;
     AtomicFile::Result result = AtomicFile::Write(path, bytes);
     // A read-only file is made writable and written once more.
     if (result.status == AtomicFile::Status::AccessDenied && AtomicFile::IsReadOnly(path) &&

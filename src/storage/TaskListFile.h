@@ -22,6 +22,8 @@ public:
     // The tasks, in order. Reads the XML file, unless only the legacy file is
     // there: then its lines are taken, the XML file is written and the legacy
     // file removed, so the next load reads XML. Missing files give no tasks.
+    // A damaged XML file (see DamagedFile) gives the tasks that could be
+    // read, and the next Save keeps a copy of it before replacing it.
     QStringList Load();
     // Rewrites the XML file whole and atomically, making a read-only file
     // writable first; false on failure (logged, told to the user once
@@ -37,4 +39,5 @@ public:
 
 private:
     QString m_folder;
+    bool m_damaged = false; // the XML file read last was damaged
 };

@@ -2,15 +2,20 @@
 
 #include "shared/AppPaths.h"
 #include "shared/AtomicFile.h"
+#include "shared/FileLimits.h"
 #include "shared/OwnerId.h"
 #include "shared/SaveFailures.h"
+#include "shared/StatusNotices.h"
 #include "shared/TextCodec.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "storage/DamagedFile.h"
 #include "storage/EventXmlCodec.h"
+#include "storage/EventXmlTags.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsLayers.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
@@ -33,6 +38,17 @@ constexpr quint32 kIdCodeCount = 100001;
 constexpr qsizetype kTypicalBlockSize = 900;
 
 constexpr std::string_view kEndTag = "</EVENT>";
+
+// Whether the file at path holds exactly bytes. Reading a file back is far
+// cheaper than replacing it (a new file, a sync to the disk, a rename), and
+// most saves, the day's pass at every start among them, change nothing.
+bool HoldsBytes(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    if (file.size() != bytes.size() || !file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    return file.readAll() == bytes;
+}
 
 // The first "</EVENT>" (exact case) at or after from, or -1. Looks for its
 // "V", a byte that is rare elsewhere in the file, and checks around it.
@@ -179,6 +195,7 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
     m_stamp = fileStamp(path);
     m_fileName = path;
     if (!append) {
+        m_damagedFile.clear();
         m_unsaved = false;
         clearList();
         m_mergedSet = false;
@@ -204,15 +221,42 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
 
     // Blocks end at "</EVENT>" (exact case); a piece is an event only when
     // it holds "<EVENT>" in any case. Header and trailing text are ignored.
+    // A file is damaged when it is not what a save writes: no header, text
+    // outside the blocks and their wrappers, or a last block without its end
+    // tag.
+    bool damaged = false;
+    qsizetype read = 0; // events taken from this file
     qsizetype from = 0;
     while (from < bytes.size()) {
         const qsizetype endTag = findEndTag(bytes, from);
         const qsizetype pieceEnd = endTag < 0 ? bytes.size() : endTag;
         const QByteArrayView piece(bytes.constData() + from, pieceEnd - from);
+        const char* text = piece.data();
+        if (from == 0) {
+            // Without a header only a file of blanks is whole: it holds nothing.
+            text = DamagedFile::AfterHeader(piece.data(), piece.data() + piece.size());
+            damaged = text == nullptr &&
+                      !DamagedFile::OnlyWrappers(piece.data(), piece.data() + piece.size());
+            text = text == nullptr ? piece.data() : text;
+        }
         from = endTag < 0 ? bytes.size() : endTag + static_cast<qsizetype>(kEndTag.size());
-        if (!EventXmlCodec::ContainsNoCase(piece, "<EVENT>")) {
+        const char* open =
+            EventXmlCodec::detail::findTagNoCase(text, piece.data() + piece.size(), "<EVENT>");
+        damaged = damaged ||
+                  (open == nullptr ? !DamagedFile::OnlyWrappers(text, piece.data() + piece.size())
+                                   : !DamagedFile::OnlyWrappers(text, open) || endTag < 0);
+        if (open == nullptr) {
             continue;
         }
+        if (read == FileLimits::kMaxEventsPerFile) {
+            Log().AddAction(path +
+                                QStringLiteral(" holds more events than can be read; the first ") +
+                                QString::number(read) + QStringLiteral(" are read"),
+                            kLoadProcedure, kLoadModule);
+            damaged = true;
+            break;
+        }
+        ++read;
         EventPtr event = EventXmlCodec::ParseBlock(piece, procedure, kModule, &cache);
         adjustLoaded(*event, owner);
         if (event->Deleted) {
@@ -232,6 +276,17 @@ void clsDbXml::LoadDB(const QString& path, bool append) {
             }
         }
         this->append(event);
+    }
+    if (cache.UnloggedErrors() > 0) {
+        Log().AddAction(QString::number(cache.UnloggedErrors()) +
+                            QStringLiteral(" more conversion errors in ") + path +
+                            QStringLiteral(" are not logged"),
+                        kLoadProcedure, kLoadModule);
+    }
+    if (damaged && !append) {
+        Log().AddAction(path + QStringLiteral(" is damaged; it is kept as it is until saved"),
+                        kLoadProcedure, kLoadModule);
+        m_damagedFile = path;
     }
 }
 
@@ -266,7 +321,10 @@ void clsDbXml::SaveDB() {
                 out.append(TextCodec::kLineEnd);
             }
         }
-        const AtomicFile::Result result = AtomicFile::Write(m_fileName, out);
+        AtomicFile::Result result;
+        if (!HoldsBytes(m_fileName, out)) {
+            result = keepDamagedCopy() ? AtomicFile::Write(m_fileName, out) : damagedCopyFailed();
+        }
         m_unsaved = !result.ok();
         if (result.ok()) {
             SaveFailures::Saved(m_fileName);
@@ -284,6 +342,26 @@ void clsDbXml::SaveDB() {
         m_publisher(*this);
     }
     m_stamp = fileStamp(m_fileName);
+}
+
+bool clsDbXml::keepDamagedCopy() {
+    if (m_damagedFile.isEmpty() || m_damagedFile != m_fileName || !QFileInfo::exists(m_fileName)) {
+        return true;
+    }
+    if (DamagedFile::KeepCopy(m_fileName).isEmpty()) {
+        return false;
+    }
+    m_damagedFile.clear();
+    return true;
+}
+
+AtomicFile::Result clsDbXml::damagedCopyFailed() {
+    AtomicFile::Result result;
+    result.status = AtomicFile::Status::OtherError;
+    result.errorNumber = 75;
+    result.description =
+        QStringLiteral("the file is damaged and no copy of it could be kept beside it");
+    return result;
 }
 
 void clsDbXml::DeleteRecord(const QString& idCode) {
@@ -427,7 +505,10 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
     m_listStamp = listPath.isEmpty() ? 0 : fileStamp(listPath);
     QFile list(listPath);
     QString text;
-    if (list.exists() && list.open(QIODevice::ReadOnly)) {
+    if (list.size() > FileLimits::kMaxUserListBytes) {
+        refuseLarge(listPath, FileLimits::kMaxUserListBytes); // no users then
+    } else if (list.exists() && list.open(QIODevice::ReadOnly)) {
+        m_refused.remove(listPath);
         text = TextCodec::FromWindows1252(list.readAll());
     }
     for (const QString& line : text.split(QLatin1String(TextCodec::kLineEnd))) {
@@ -443,9 +524,14 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
             continue;
         }
         if (QFileInfo::exists(file)) {
-            Log().AddAction(QStringLiteral("Loading from ") + file);
             m_sharedFiles.append(file);
             m_sharedStamps.append(fileStamp(file));
+            if (QFileInfo(file).size() > FileLimits::kMaxSharedFileBytes) {
+                refuseLarge(file, FileLimits::kMaxSharedFileBytes);
+                continue;
+            }
+            m_refused.remove(file);
+            Log().AddAction(QStringLiteral("Loading from ") + file);
             LoadDB(file, true);
         } else {
             m_sharedFiles.append(file);
@@ -457,6 +543,21 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
     Log().AddAction(QStringLiteral("Setting Database filename to ") + own);
     m_fileName = AppPaths::JoinPath(folder, own);
     m_stamp = fileStamp(m_fileName);
+}
+
+void clsDbXml::refuseLarge(const QString& file, qint64 limit) {
+    if (m_refused.contains(file)) {
+        return; // told when it was first found too large
+    }
+    m_refused.insert(file);
+    const QString text =
+        QStringLiteral("Shared file ") + QDir::toNativeSeparators(file) +
+        QStringLiteral(" is over ") +
+        (limit >= 1024 * 1024 ? QString::number(limit / (1024 * 1024)) + QStringLiteral(" MB")
+                              : QString::number(limit / 1024) + QStringLiteral(" KB")) +
+        QStringLiteral(" and is not read");
+    Log().AddAction(text, QStringLiteral("LoadMultiple"), kModule);
+    StatusNotices::Post(text);
 }
 
 EventPtr clsDbXml::TransferXMLToObject(const QString& block) const {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "model/clsEvent.h"
+#include "shared/AtomicFile.h"
 
 #include <QHash>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -42,10 +44,13 @@ public:
     // Reads path into the list (emptied first unless append). Owner "Single"
     // or empty becomes the current owner; deleted records are left out; in
     // networked mode events shared only with others are left out and layers
-    // are mapped by name. An absent or unreadable file gives no records.
+    // are mapped by name. An absent or unreadable file gives no records. A
+    // damaged file (see DamagedFile) gives the events that could be read, and
+    // the first save that would replace it keeps a copy of it first.
     void LoadDB(const QString& path, bool append = false);
-    // Rewrites DBFilename from the list, leaving out deleted records. A
-    // read-only file is made writable first. When the file still cannot be
+    // Rewrites DBFilename from the list, leaving out deleted records; a file
+    // that already holds exactly those bytes is left alone (not even its time
+    // stamp changes). A read-only file is made writable first. When the file still cannot be
     // written it is left as it is, the failure is logged and told to the user
     // once (SaveFailures), and the list keeps the changes for a later save.
     void SaveDB();
@@ -81,7 +86,9 @@ public:
     // Builds the merged set from the user list file "TVOShared.ini": every
     // other user's "Shared_" + name + ".xml" in the shared folder, in list
     // order; DBFilename becomes this user's own shared file (never written
-    // here: the set is read-only).
+    // here: the set is read-only). A file over FileLimits::kMaxSharedFileBytes
+    // (or a user list over kMaxUserListBytes) is left out, logged and posted
+    // to the status bar once.
     void LoadMultiple(const QString& listPath);
 
     // Networked mode changes how LoadDB filters and maps layers.
@@ -119,6 +126,12 @@ private:
     void clearList();
     void adjustLoaded(clsEvent& event, const QString& owner);
     static qint64 fileStamp(const QString& path);
+    // Before a save replaces a file loaded damaged: its copy, once. False
+    // when the copy could not be made, and then the file must stay.
+    bool keepDamagedCopy();
+    static AtomicFile::Result damagedCopyFailed();
+    // A shared file over limit bytes: logged and posted once while it stays so.
+    void refuseLarge(const QString& file, qint64 limit);
 
     cSHAREDSettings& m_settings;
     clsLayers* m_layers;
@@ -147,6 +160,8 @@ private:
     bool m_mergedSet = false;
     quint64 m_generation = 0;
     bool m_unsaved = false;
+    QString m_damagedFile;   // loaded damaged, not yet copied
+    QSet<QString> m_refused; // merged set: files refused for their size
     bool m_networked = false;
     std::function<void(clsDbXml&)> m_publisher;
 };

@@ -11,6 +11,7 @@
 #include "support/TestSupport.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 
 namespace {
@@ -230,12 +231,44 @@ TEST_F(ReminderEngine, PassedEventsWithoutIdCodesLeaveTheEventFile) {
     add(QStringLiteral("Letter"), QStringLiteral("2009-03-03"))->IDCode.clear();
     add(QStringLiteral("Card"), QStringLiteral("2009-03-02"))->IDCode.clear();
     add(QStringLiteral("Later"), QStringLiteral("2009-03-09"));
+    // Two passed events sharing a code (a hand-edited file): removing by code
+    // takes the first one twice, so the second stays, as it always did.
+    add(QStringLiteral("Twin A"), QStringLiteral("2009-03-01"))->IDCode = QStringLiteral("777777");
+    add(QStringLiteral("Twin B"), QStringLiteral("2009-03-01"))->IDCode = QStringLiteral("777777");
     saveAndReload();
     ShowReminders(services);
     clsDbXml reread(settings);
     reread.LoadDB(events.DBFilename());
+    ASSERT_EQ(reread.RecordCount(), 2);
+    EXPECT_EQ(reread.Events().first()->Desc(), QStringLiteral("Later"));
+    EXPECT_EQ(reread.Events().last()->Desc(), QStringLiteral("Twin B"));
+}
+
+TEST_F(ReminderEngine, TheDaysPassSavesEachFileOnceAndOnlyWhenItsBytesChange) {
+    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
+    for (const char* desc : {"Parcel", "Letter", "Card"}) {
+        add(QString::fromLatin1(desc), QStringLiteral("2009-03-04"));
+    }
+    add(QStringLiteral("Later"), QStringLiteral("2009-03-09"));
+    int saves = 0; // the publisher runs at the end of every save
+    events.setPublisher([&saves](clsDbXml&) { ++saves; });
+    ShowReminders(services);
+    EXPECT_EQ(saves, 1);
+    clsDbXml reread(settings);
+    reread.LoadDB(events.DBFilename());
     ASSERT_EQ(reread.RecordCount(), 1);
     EXPECT_EQ(reread.Events().first()->Desc(), QStringLiteral("Later"));
+
+    // The same day again: nothing changes, so neither file is written.
+    const QDateTime old(QDate(2001, 1, 1), QTime(0, 0));
+    for (const QString& path : {events.DBFilename(), expired.DBFilename()}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::Append));
+        ASSERT_TRUE(file.setFileTime(old, QFileDevice::FileModificationTime));
+    }
+    ShowReminders(services);
+    EXPECT_EQ(QFileInfo(events.DBFilename()).lastModified(), old);
+    EXPECT_EQ(QFileInfo(expired.DBFilename()).lastModified(), old);
 }
 
 TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {

@@ -1,103 +1,125 @@
+// The old fixed-length event files: records built byte by byte from the layout
+// itself, read back, and converted once to the XML files at start-up.
 #include "storage/clsDB2.h"
 
-#include "LegacyRecord.h"
 #include "StorageFixture.h"
 #include "shared/cSharedLogging.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsSounds.h"
 #include "support/ScriptedDialogs.h"
-#include "support/TestSupport.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 
+#include <bit>
 #include <limits>
 
 namespace {
 
+struct LegacyRecord {
+    bool deleted = false, recurring = false, alarmSet = false, sharedEvent = false,
+         execFile = false;
+    double dueDate = 0, dueTime = 0, startDate = 0, alarmTime = 0;
+    int16_t daysWarning = 0, minutesWarning = 0, recurrenceType = 0, weekDays = 0, dayOfMonth = 0,
+            monthNumber = 0, daynumber = 0, dayOfWeek = 0, period = 0, layer = 0;
+    int32_t daysLeft = 0;
+    QByteArray desc, idCode, owner, filename, email;
+
+    // The 498 bytes of one record: little-endian numbers, -1 for true,
+    // blank-padded text.
+    QByteArray bytes() const {
+        QByteArray r(498, '\0');
+        for (const auto& [at, v] : {std::pair{0, -int(deleted)},
+                                    {218, -int(recurring)},
+                                    {220, int(daysWarning)},
+                                    {222, int(minutesWarning)},
+                                    {244, int(recurrenceType)},
+                                    {246, -int(alarmSet)},
+                                    {248, int(weekDays)},
+                                    {250, int(dayOfMonth)},
+                                    {252, int(monthNumber)},
+                                    {254, int(daynumber)},
+                                    {256, int(dayOfWeek)},
+                                    {266, int(period)},
+                                    {272, int(layer)},
+                                    {288, -int(sharedEvent)},
+                                    {298, -int(execFile)}}) {
+            qToLittleEndian<qint16>(static_cast<qint16>(v), r.data() + at);
+        }
+        qToLittleEndian<qint32>(daysLeft, r.data() + 268);
+        for (const auto& [at, v] :
+             {std::pair{2, dueDate}, {10, dueTime}, {258, startDate}, {290, alarmTime}}) {
+            qToLittleEndian<quint64>(std::bit_cast<quint64>(v), r.data() + at);
+        }
+        for (const auto& [at, size, v] : {std::tuple{18, 200, desc},
+                                          {232, 12, idCode},
+                                          {274, 14, owner},
+                                          {300, 150, filename},
+                                          {450, 48, email}}) {
+            r.replace(at, size, v.left(size).leftJustified(size, ' '));
+        }
+        return r;
+    }
+};
+
 LegacyRecord FullRecord() {
     LegacyRecord r;
+    r.recurring = r.alarmSet = r.sharedEvent = r.execFile = true;
     r.dueDate = D("2009-03-05");
     r.dueTime = D("1899-12-30 10:30");
-    r.desc = "  Dentist 10:30, caf\xe9 <&> %  ";
-    r.recurring = true;
+    r.startDate = D("2008-12-01");
+    r.alarmTime = D("1899-12-30 10:15");
     r.daysWarning = 3;
     r.minutesWarning = 15;
-    r.reserved = D("2001-01-01");
-    r.idCode = "123456";
     r.recurrenceType = 4;
-    r.alarmSet = true;
     r.weekDays = 2 + 8;
     r.dayOfMonth = 31;
     r.monthNumber = 13;
     r.daynumber = -2;
     r.dayOfWeek = 7;
-    r.startDate = D("2008-12-01");
     r.period = 6;
-    r.daysLeft = 70000; // beyond 16 bits
     r.layer = 19;
+    r.daysLeft = 70000; // beyond 16 bits
+    r.desc = "  Dentist 10:30, caf\xe9 <&> %  ";
+    r.idCode = "123456";
     r.owner = "Ann";
-    r.sharedEvent = true;
-    r.alarmTime = D("1899-12-30 10:15");
-    r.execFile = true;
     r.filename = "C:\\Tools\\run.bat";
     r.email = "ann@example.com";
     return r;
 }
 
 TEST(LegacyRecordReading, EveryFieldComesFromItsOffset) {
-    const EventPtr e = clsDB2::TransferTypeToObject(FullRecord().bytes());
+    QByteArray bytes = FullRecord().bytes();
+    bytes[218] = 1; // a boolean written as 1 instead of -1 is true all the same
+    bytes[219] = 0;
+    const EventPtr e = clsDB2::TransferTypeToObject(bytes);
     EXPECT_FALSE(e->Deleted);
     EXPECT_EQ(e->DueDate(), D("2009-03-05"));
     EXPECT_EQ(e->DueTime(), D("1899-12-30 10:30"));
     // Blanks at either end go; the Windows-1252 e-acute is decoded.
     EXPECT_EQ(e->Desc(), QStringLiteral("Dentist 10:30, caf\u00e9 <&> %"));
-    EXPECT_TRUE(e->Recurring());
-    EXPECT_EQ(e->DaysWarning(), 3);
-    EXPECT_EQ(e->MinutesWarning(), 15);
+    EXPECT_TRUE(e->Recurring() && e->AlarmSet() && e->SharedEvent && e->ExecFile);
+    EXPECT_EQ(QList<int>({e->DaysWarning(), e->MinutesWarning(), e->RecurrenceType(), e->WeekDays(),
+                          e->DayOfMonth(), e->MonthNumber(), e->Daynumber(), e->DayOfWeek(),
+                          e->Period(), e->DaysLeft(), e->Layer()}),
+              QList<int>({3, 15, 4, 10, 31, 13, -2, 7, 6, 70000, 19}));
     EXPECT_EQ(e->IDCode, QStringLiteral("123456"));
-    EXPECT_EQ(e->RecurrenceType(), 4);
-    EXPECT_TRUE(e->AlarmSet());
-    EXPECT_EQ(e->WeekDays(), 10);
-    EXPECT_EQ(e->DayOfMonth(), 31);
-    EXPECT_EQ(e->MonthNumber(), 13);
-    EXPECT_EQ(e->Daynumber(), -2);
-    EXPECT_EQ(e->DayOfWeek(), 7);
     EXPECT_EQ(e->StartDate(), D("2008-12-01"));
-    EXPECT_EQ(e->Period(), 6);
-    EXPECT_EQ(e->DaysLeft(), 70000);
-    EXPECT_EQ(e->Layer(), 19);
     EXPECT_EQ(e->Owner(), QStringLiteral("Ann"));
-    EXPECT_TRUE(e->SharedEvent);
     EXPECT_EQ(e->AlarmTime(), D("1899-12-30 10:15"));
-    EXPECT_TRUE(e->ExecFile);
     EXPECT_EQ(e->Filename, QStringLiteral("C:\\Tools\\run.bat"));
     EXPECT_EQ(e->Email, QStringLiteral("ann@example.com"));
-    // Fields the record does not have keep a new event's defaults.
-    EXPECT_TRUE(e->WavFile.isEmpty());
-    EXPECT_FALSE(e->PlayWav);
-    EXPECT_TRUE(e->SharedLayerName.isEmpty());
-    EXPECT_FALSE(e->ShareWithSpecific);
-    EXPECT_TRUE(e->ShareNames.isEmpty());
-}
 
-TEST(LegacyRecordReading, FullWidthTextIsKeptWhole) {
-    LegacyRecord r;
-    r.desc = QByteArray(199, 'x') + 'y';
-    r.email = QByteArray(48, 'm');
-    r.idCode = "123456789012";
-    const EventPtr e = clsDB2::TransferTypeToObject(r.bytes());
-    EXPECT_EQ(e->Desc().size(), 200);
-    EXPECT_TRUE(e->Desc().endsWith(QLatin1Char('y')));
-    EXPECT_EQ(e->Email.size(), 48);
-    EXPECT_EQ(e->IDCode, QStringLiteral("123456789012"));
-}
-
-TEST(LegacyRecordReading, AnyNonZeroBooleanIsTrue) {
-    QByteArray bytes = LegacyRecord().bytes();
-    bytes[218] = 1; // Recurring written as 1 instead of -1
-    EXPECT_TRUE(clsDB2::TransferTypeToObject(bytes)->Recurring());
-    EXPECT_FALSE(clsDB2::TransferTypeToObject(LegacyRecord().bytes())->Recurring());
+    // Text filling its whole width is kept whole.
+    LegacyRecord full;
+    full.desc = QByteArray(199, 'x') + 'y';
+    full.email = QByteArray(48, 'm');
+    full.idCode = "123456789012";
+    const EventPtr f = clsDB2::TransferTypeToObject(full.bytes());
+    EXPECT_EQ(f->Desc(), QString::fromLatin1(full.desc));
+    EXPECT_EQ(f->Email.size(), 48);
+    EXPECT_EQ(f->IDCode, QStringLiteral("123456789012"));
 }
 
 // A date outside years 100 to 9999 is damage: logged, read as 0, and the
@@ -121,20 +143,16 @@ TEST(LegacyRecordReading, DatesOfYears100To9999AreReadOthersAreDamage) {
         const qsizetype before = Log().pendingActions().size();
         const EventPtr e = clsDB2::TransferTypeToObject(r.bytes());
         EXPECT_EQ(e->AlarmTime(), c.read ? c.value : 0.0);
-        EXPECT_EQ(e->Desc(), QStringLiteral("Dentist 10:30, caf\u00e9 <&> %"))
-            << "the rest is read";
-        const QStringList logged = Log().pendingActions().mid(before);
-        EXPECT_EQ(logged.size(), c.read ? 0 : 1);
-        if (!c.read) {
-            EXPECT_EQ(
-                logged.first(),
-                QStringLiteral("Overflow (6) in TransferTypeToObject AlarmTime of module clsDB2"));
-        }
+        EXPECT_EQ(e->Desc(), QStringLiteral("Dentist 10:30, caf\u00e9 <&> %"));
+        EXPECT_EQ(Log().pendingActions().mid(before),
+                  c.read ? QStringList()
+                         : QStringList{QStringLiteral(
+                               "Overflow (6) in TransferTypeToObject AlarmTime of module clsDB2")});
     }
 }
 
-// A data folder in the home folder with the settings, layers and sound
-// table that start-up would hand to the conversion.
+// A data folder with the settings, layers and sound table that start-up
+// would hand to the conversion.
 class LegacyDatabaseTest : public StorageTest {
 protected:
     LegacyDatabaseTest() { layers.setLayer(4, QStringLiteral("Work")); }
@@ -147,22 +165,27 @@ protected:
         }
         ASSERT_TRUE(WriteFileBytes(home.file(name), bytes + tail));
     }
-
-    static LegacyRecord Rec(const char* id, const char* desc, const char* owner = "") {
+    static LegacyRecord Rec(const char* id, const char* desc, const char* owner = "",
+                            bool deleted = false) {
         LegacyRecord r;
-        r.idCode = id;
-        r.desc = desc;
-        r.owner = owner;
+        r.deleted = deleted;
         r.dueDate = D("2009-03-05");
+        r.desc = desc;
+        r.idCode = id;
+        r.owner = owner;
         return r;
     }
-
-    QStringList Ids(const QList<EventPtr>& events) const {
+    static QStringList Ids(const QList<EventPtr>& events) {
         QStringList ids;
         for (const EventPtr& e : events) {
             ids << e->IDCode;
         }
         return ids;
+    }
+    QStringList XmlIds(const char* name) {
+        clsDbXml db(settings, &layers);
+        db.LoadDB(home.file(QString::fromLatin1(name)));
+        return Ids(db.Events());
     }
 
     clsSounds sounds{home.path()};
@@ -176,81 +199,36 @@ TEST_F(LegacyDatabaseTest, OnlyWholeRecordsAreReadAndTheRestIsLogged) {
         WriteDat(QStringLiteral("events.dat"), {Rec("111111", "one"), Rec("222222", "two")},
                  Rec("333333", "third").bytes().left(extraBytes));
         db.LoadDB(home.file(QStringLiteral("events.dat")));
-        EXPECT_EQ(Ids(db.Events()),
-                  QStringList({QStringLiteral("111111"), QStringLiteral("222222")}));
+        EXPECT_EQ(Ids(db.Events()), QStringList({"111111", "222222"}));
         EXPECT_EQ(Logged(QString::number(extraBytes) + QStringLiteral(" bytes left over")),
                   extraBytes != 0);
     }
 }
 
-TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundAndSkipsDeleted) {
-    LegacyRecord single = Rec("111111", "single", "Single");
-    single.layer = 4;
-    LegacyRecord bob = Rec("222222", "bob's", "Bob");
-    LegacyRecord deleted = Rec("333333", "gone", "Ann");
-    deleted.deleted = true;
-    LegacyRecord blank = Rec("444444", "blank owner");
-    WriteDat(QStringLiteral("events.dat"), {single, bob, deleted, blank});
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("EventWavs.ini")),
-                               "444444,/sounds/gong.wav\r\n111111,\r\n"));
-
-    db.LoadDB(home.file(QStringLiteral("events.dat")));
-    ASSERT_EQ(Ids(db.Events()), QStringList({QStringLiteral("111111"), QStringLiteral("222222"),
-                                             QStringLiteral("444444")}));
-    const EventPtr e1 = db.ReadEvent(QStringLiteral("111111"));
-    EXPECT_EQ(e1->Owner(), QStringLiteral("Ann"));
-    EXPECT_EQ(e1->SharedLayerName, QStringLiteral("Work"));
-    EXPECT_TRUE(e1->WavFile.isEmpty()); // an empty table entry is no sound
-    EXPECT_FALSE(e1->PlayWav);
-    EXPECT_EQ(db.ReadEvent(QStringLiteral("222222"))->Owner(), QStringLiteral("Bob"));
-    EXPECT_EQ(db.ReadEvent(QStringLiteral("222222"))->SharedLayerName, QStringLiteral("Shared"));
-    const EventPtr e4 = db.ReadEvent(QStringLiteral("444444"));
-    EXPECT_EQ(e4->Owner(), QStringLiteral("Ann"));
-    EXPECT_EQ(e4->WavFile, QStringLiteral("/sounds/gong.wav"));
-    EXPECT_TRUE(e4->PlayWav);
-    EXPECT_EQ(db.ReadEvent(QStringLiteral("333333")), nullptr);
-}
-
-TEST_F(LegacyDatabaseTest, ChangeDetectionFollowsTheFile) {
+TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundSkipsDeletedAndWatchesTheFile) {
     const QString path = home.file(QStringLiteral("events.dat"));
     db.LoadDB(path);
-    EXPECT_EQ(db.RecordCount(), 0);
     EXPECT_FALSE(db.DatabaseChanged());
-    WriteDat(QStringLiteral("events.dat"), {Rec("111111", "one")});
+    LegacyRecord single = Rec("111111", "single", "Single");
+    single.layer = 4;
+    WriteDat(QStringLiteral("events.dat"),
+             {single, Rec("222222", "bob's", "Bob"), Rec("333333", "gone", "Ann", true),
+              Rec("444444", "blank owner")});
+    ASSERT_TRUE(
+        WriteFileBytes(sounds.EventWavsFilename(), "444444,/sounds/gong.wav\r\n111111,\r\n"));
     EXPECT_TRUE(db.DatabaseChanged());
     db.LoadDBIfChanged(path);
-    EXPECT_EQ(db.RecordCount(), 1);
     EXPECT_FALSE(db.DatabaseChanged());
-}
 
-TEST_F(LegacyDatabaseTest, ExportKeepsIdsAndOrderAndRemovesTheSoundTable) {
-    WriteDat(QStringLiteral("events.dat"), {Rec("222222", "second by id, first in file"),
-                                            Rec("111111", "other"), Rec("", "no id yet")});
-    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n"));
-    db.LoadDB(home.file(QStringLiteral("events.dat")));
-    const QString xml = home.file(QStringLiteral("Events.xml"));
-    ASSERT_TRUE(db.ExportToXML(xml));
-
-    EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename()));
-    clsDbXml loaded(settings, &layers);
-    loaded.LoadDB(xml);
-    ASSERT_EQ(loaded.RecordCount(), 3);
-    EXPECT_EQ(loaded.Events()[0]->IDCode, QStringLiteral("222222"));
-    EXPECT_EQ(loaded.Events()[1]->IDCode, QStringLiteral("111111"));
-    EXPECT_EQ(loaded.Events()[1]->WavFile, QStringLiteral("/bell.wav"));
-    EXPECT_TRUE(loaded.Events()[1]->PlayWav);
-    EXPECT_EQ(loaded.Events()[2]->IDCode.size(), 6); // given a code on the way
-    EXPECT_EQ(loaded.Events()[2]->Desc(), QStringLiteral("no id yet"));
-}
-
-TEST_F(LegacyDatabaseTest, NetworkedObjectDoesNotExport) {
-    WriteDat(QStringLiteral("events.dat"), {Rec("111111", "one")});
-    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n"));
-    db.LoadDB(home.file(QStringLiteral("events.dat")));
-    db.setNetworked(true);
-    EXPECT_FALSE(db.ExportToXML(home.file(QStringLiteral("Events.xml"))));
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
-    EXPECT_TRUE(QFileInfo::exists(sounds.EventWavsFilename()));
+    QStringList seen;
+    for (const EventPtr& e : db.Events()) {
+        seen << e->IDCode + ' ' + e->Owner() + ' ' + e->SharedLayerName + ' ' + e->WavFile +
+                    (e->PlayWav ? " play" : "");
+    }
+    // Single-user records and blank owners become this user's; an empty
+    // sound entry is no sound.
+    EXPECT_EQ(seen, QStringList({"111111 Ann Work ", "222222 Bob Shared ",
+                                 "444444 Ann Shared /sounds/gong.wav play"}));
 }
 
 const QString kConvertedMessage = QStringLiteral(
@@ -261,24 +239,26 @@ const QString kConvertedMessage = QStringLiteral(
     "TVO to recreate it from your original events.dat file.");
 
 TEST_F(LegacyDatabaseTest, StartUpConvertsBothFilesOnceAndTellsTheUserOnce) {
-    LegacyRecord deleted = Rec("333333", "deleted");
-    deleted.deleted = true;
-    // 996 bytes in the old lower-case name: two records, one of them deleted.
-    WriteDat(QStringLiteral("events.dat"), {Rec("111111", "Dentist"), deleted});
+    // The old lower-case name; file order, not code order; one deleted, one without a code.
+    WriteDat(QStringLiteral("events.dat"),
+             {Rec("222222", "Dentist"), Rec("111111", "Gym"), Rec("333333", "deleted", "", true),
+              Rec("", "no id yet")});
     WriteDat(QStringLiteral("Expired.dat"), {Rec("444444", "Last year"), Rec("555555", "Older")});
+    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n"));
     const QByteArray eventsDat = ReadFileBytes(home.file(QStringLiteral("events.dat")));
-    ASSERT_EQ(eventsDat.size(), 996);
 
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
 
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
     clsDbXml events(settings, &layers);
     events.LoadDB(home.file(QStringLiteral("Events.xml")));
-    EXPECT_EQ(Ids(events.Events()), QStringList(QStringLiteral("111111")));
-    clsDbXml expired(settings, &layers);
-    expired.LoadDB(home.file(QStringLiteral("Expired.xml")));
-    EXPECT_EQ(Ids(expired.Events()),
-              QStringList({QStringLiteral("444444"), QStringLiteral("555555")}));
+    const QStringList ids = Ids(events.Events());
+    ASSERT_EQ(ids.size(), 3);
+    EXPECT_EQ(ids.mid(0, 2), QStringList({"222222", "111111"}));
+    EXPECT_EQ(ids[2].size(), 6) << "given a code on the way";
+    EXPECT_EQ(events.Events()[1]->WavFile, QStringLiteral("/bell.wav"));
+    EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename())) << "the table is in the XML now";
+    EXPECT_EQ(XmlIds("Expired.xml"), QStringList({"444444", "555555"}));
     // The old files are left for the user to fall back on.
     EXPECT_EQ(ReadFileBytes(home.file(QStringLiteral("events.dat"))), eventsDat);
 
@@ -294,12 +274,10 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsBothFilesOnceAndTellsTheUserOnce) {
     QFile::remove(home.file(QStringLiteral("Events.xml")));
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
-    events.LoadDB(home.file(QStringLiteral("Events.xml")));
-    EXPECT_EQ(Ids(events.Events()),
-              QStringList({QStringLiteral("111111"), QStringLiteral("666666")}));
+    EXPECT_EQ(XmlIds("Events.xml"), QStringList({"111111", "666666"}));
 }
 
-TEST_F(LegacyDatabaseTest, NothingToConvertShowsNothing) {
+TEST_F(LegacyDatabaseTest, NothingToConvertShowsNothingAndNetworkedDoesNotExport) {
     // A fresh install, and an install with only an expired legacy file.
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
@@ -308,6 +286,13 @@ TEST_F(LegacyDatabaseTest, NothingToConvertShowsNothing) {
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Expired.xml"))));
     EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
     EXPECT_EQ(dialogs.count(), 0);
+
+    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "444444,/bell.wav\r\n"));
+    db.LoadDB(home.file(QStringLiteral("Expired.dat")));
+    db.setNetworked(true);
+    EXPECT_FALSE(db.ExportToXML(home.file(QStringLiteral("Events.xml"))));
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
+    EXPECT_TRUE(QFileInfo::exists(sounds.EventWavsFilename()));
 }
 
 } // namespace

@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QMap>
 
 namespace {
 
@@ -106,42 +107,54 @@ TEST_F(ReminderEngine, TodayWindowTakesTheLastSoundAndSkipsRunFiles) {
     EXPECT_EQ(notifier.sent.size(), 1) << "switched off in the options";
 }
 
-TEST_F(ReminderEngine, NothingDueLeavesNoWindow) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
-    add(QStringLiteral("Far away"), QStringLiteral("2009-06-01"))->setDaysWarning(3);
-    ShowReminders(services);
-    CheckAlarms(services);
-    EXPECT_FALSE(windows.made.empty());
-    EXPECT_TRUE(windows.shown().empty());
-}
-
-TEST_F(ReminderEngine, PassedEventsRollForwardOrLeave) {
+// The day's pass: a recurring event rolls on, one-offs leave the event file
+// (not into "Expired.xml", as users' files always behaved), also without ID
+// codes; each file is saved once, and not at all when nothing changed.
+TEST_F(ReminderEngine, PassedEventsRollForwardOrLeaveInOneSave) {
     FixedClock clock(QStringLiteral("2009-03-05 08:00"));
     EventPtr weekly = add(QStringLiteral("Team meeting"), QStringLiteral("2009-03-04"), true);
     weekly->setRecurrenceType(clsEvent::Weekly);
     weekly->setPeriod(1);
     weekly->setStartDate(D(QStringLiteral("2009-03-04")));
-    EventPtr once = add(QStringLiteral("Parcel"), QStringLiteral("2009-03-04"));
-    const QString onceId = once->IDCode;
+    const QString onceId = add(QStringLiteral("Parcel"), QStringLiteral("2009-03-04"))->IDCode;
+    add(QStringLiteral("Letter"), QStringLiteral("2009-03-03"))->IDCode.clear();
+    add(QStringLiteral("Card"), QStringLiteral("2009-03-02"))->IDCode.clear();
+    add(QStringLiteral("Later"), QStringLiteral("2009-03-09"));
+    // Two passed events sharing a code (a hand-edited file): removing by code
+    // takes the first one twice, so the second stays, as it always did.
+    add(QStringLiteral("Twin A"), QStringLiteral("2009-03-01"))->IDCode = QStringLiteral("777777");
+    add(QStringLiteral("Twin B"), QStringLiteral("2009-03-01"))->IDCode = QStringLiteral("777777");
+    saveAndReload();
+    int saves = 0; // the publisher runs at the end of every save
+    events.setPublisher([&saves](clsDbXml&) { ++saves; });
     ShowReminders(services);
 
-    EXPECT_EQ(FormatYMD(weekly->DueDate()), QStringLiteral("2009-03-11"));
-    EXPECT_EQ(weekly->DaysLeft(), 6);
+    EXPECT_EQ(saves, 1);
     const QStringList log = newLogLines();
     EXPECT_TRUE(log.contains(QStringLiteral("Event expired and updated: 04/03/2009 Team meeting")));
     EXPECT_TRUE(log.contains(QStringLiteral("Event expired and deleted: 04/03/2009 Parcel")));
-
-    // Both saved: the rolled date is in the file, the one-off is gone from it,
-    // and (as users' files always behaved) it is not in "Expired.xml" either.
     clsDbXml reread(settings);
     reread.LoadDB(events.DBFilename());
-    ASSERT_EQ(reread.RecordCount(), 1);
-    EXPECT_EQ(FormatYMD(reread.Events().first()->DueDate()), QStringLiteral("2009-03-11"));
-    EXPECT_FALSE(reread.ReadEvent(onceId));
-    ASSERT_TRUE(QFileInfo::exists(expired.DBFilename()));
+    QStringList left;
+    for (const EventPtr& e : reread.Events()) {
+        left << FormatYMD(e->DueDate()) + ' ' + e->Desc();
+    }
+    EXPECT_EQ(left,
+              QStringList({"2009-03-11 Team meeting", "2009-03-09 Later", "2009-03-01 Twin B"}));
     clsDbXml rereadExpired(settings);
     rereadExpired.LoadDB(expired.DBFilename());
     EXPECT_FALSE(rereadExpired.ReadEvent(onceId));
+
+    // The same day again: nothing changes, so neither file is written.
+    const QDateTime old(QDate(2001, 1, 1), QTime(0, 0));
+    for (const QString& path : {events.DBFilename(), expired.DBFilename()}) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::Append));
+        ASSERT_TRUE(file.setFileTime(old, QFileDevice::FileModificationTime));
+    }
+    ShowReminders(services);
+    EXPECT_EQ(QFileInfo(events.DBFilename()).lastModified(), old);
+    EXPECT_EQ(QFileInfo(expired.DBFilename()).lastModified(), old);
 }
 
 TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
@@ -159,20 +172,21 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
         FixedClock clock(QString::fromLatin1(t.now));
         windows.made.clear();
         CheckAlarms(services);
-        FakeReminderWindow* alarm = windows.withHeading(QStringLiteral("ALARM!"));
-        EXPECT_EQ(alarm != nullptr, t.fires) << t.now;
-        if (alarm != nullptr) {
+        EXPECT_EQ(windows.shown().size(), t.fires ? 1u : 0u) << t.now;
+        if (FakeReminderWindow* alarm = windows.withHeading(QStringLiteral("ALARM!"))) {
             EXPECT_EQ(alarm->lines, QStringList{QStringLiteral("Doctor")});
-            EXPECT_TRUE(alarm->soundFlag);
-            EXPECT_TRUE(alarm->topmost);
-            EXPECT_EQ(notifier.sent.last().heading, QStringLiteral("ALARM!"));
-            EXPECT_TRUE(notifier.sent.last().critical);
+            EXPECT_TRUE(alarm->soundFlag && alarm->topmost);
+            EXPECT_TRUE(notifier.sent.last().heading == QStringLiteral("ALARM!") &&
+                        notifier.sent.last().critical);
         }
     }
 }
 
-TEST_F(ReminderEngine, RunFileEventsOpenTheirFileOrLogItsAbsence) {
+// A run-a-file alarm opens its file (blanks trimmed) or logs its absence; in
+// networked mode another user's file is never opened, only shown.
+TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
     FixedClock clock(QStringLiteral("2009-03-05 07:00"));
+    settings.sSet(QStringLiteral("Networked"), true);
     const QString script = home.file(QStringLiteral("backup.sh"));
     WriteFileBytes(script, "#!/bin/sh\n");
     EventPtr present =
@@ -183,92 +197,30 @@ TEST_F(ReminderEngine, RunFileEventsOpenTheirFileOrLogItsAbsence) {
         addAlarm(QStringLiteral("Run missing"), QStringLiteral("2009-03-05"), 7, 0, 0);
     missing->ExecFile = true;
     missing->Filename = home.file(QStringLiteral("gone.sh"));
+    addAlarm(QStringLiteral("Ann's alarm"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    clsDbXml shared(settings);
+    auto bobs = std::make_shared<clsEvent>();
+    bobs->setDesc(QStringLiteral("Bob's task"));
+    bobs->setOwner(QStringLiteral("Bob"));
+    bobs->setDueDate(D(QStringLiteral("2009-03-05")));
+    bobs->setAlarmSet(true);
+    bobs->setAlarmTime(TimeSerial(7, 0));
+    bobs->ExecFile = true;
+    bobs->Filename = script;
+    shared.StoreRecord(bobs, true);
+    services.shared = &shared;
     CheckAlarms(services);
 
     EXPECT_EQ(opener.opened, QStringList{script});
-    EXPECT_TRUE(windows.shown().empty()) << "a run-a-file event shows no alarm line";
-    EXPECT_TRUE(newLogLines().contains(QStringLiteral("Can't run ") + missing->Filename +
-                                       QStringLiteral(" - file not found")));
-}
-
-TEST_F(ReminderEngine, AnotherUsersRunFileEventNeverOpensItsFile) {
-    FixedClock clock(QStringLiteral("2009-03-05 07:00"));
-    settings.sSet(QStringLiteral("Networked"), true);
-    const QString script = home.file(QStringLiteral("evil.sh"));
-    WriteFileBytes(script, "#!/bin/sh\n");
-    clsDbXml shared(settings);
-    auto e = std::make_shared<clsEvent>();
-    e->setDesc(QStringLiteral("Bob's task"));
-    e->setOwner(QStringLiteral("Bob"));
-    e->setDueDate(D(QStringLiteral("2009-03-05")));
-    e->setAlarmSet(true);
-    e->setAlarmTime(TimeSerial(7, 0));
-    e->ExecFile = true;
-    e->Filename = script;
-    shared.StoreRecord(e, true);
-    services.shared = &shared;
-    // Ann's own alarm in the same minute stays up next to Bob's.
-    addAlarm(QStringLiteral("Ann's alarm"), QStringLiteral("2009-03-05"), 7, 0, 0);
-    CheckAlarms(services);
-
-    EXPECT_TRUE(opener.opened.isEmpty());
-    const auto shown = windows.shown();
-    ASSERT_EQ(shown.size(), 2u);
-    EXPECT_EQ(shown[0]->lines, QStringList{QStringLiteral("Ann's alarm")});
-    EXPECT_EQ(shown[1]->lines, QStringList{QStringLiteral("Bob's task")});
-    bool logged = false;
-    for (const QString& line : newLogLines()) {
-        logged = logged || (line.contains(script) && line.contains(QStringLiteral("Bob")));
+    QStringList shown;
+    for (const FakeReminderWindow* w : windows.shown()) {
+        shown += w->lines;
     }
-    EXPECT_TRUE(logged);
-}
-
-// Events without ID codes (hand-made files) get one as they pass on to the
-// expired list; they must leave the event file all the same.
-TEST_F(ReminderEngine, PassedEventsWithoutIdCodesLeaveTheEventFile) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
-    add(QStringLiteral("Parcel"), QStringLiteral("2009-03-04"));
-    add(QStringLiteral("Letter"), QStringLiteral("2009-03-03"))->IDCode.clear();
-    add(QStringLiteral("Card"), QStringLiteral("2009-03-02"))->IDCode.clear();
-    add(QStringLiteral("Later"), QStringLiteral("2009-03-09"));
-    // Two passed events sharing a code (a hand-edited file): removing by code
-    // takes the first one twice, so the second stays, as it always did.
-    add(QStringLiteral("Twin A"), QStringLiteral("2009-03-01"))->IDCode = QStringLiteral("777777");
-    add(QStringLiteral("Twin B"), QStringLiteral("2009-03-01"))->IDCode = QStringLiteral("777777");
-    saveAndReload();
-    ShowReminders(services);
-    clsDbXml reread(settings);
-    reread.LoadDB(events.DBFilename());
-    ASSERT_EQ(reread.RecordCount(), 2);
-    EXPECT_EQ(reread.Events().first()->Desc(), QStringLiteral("Later"));
-    EXPECT_EQ(reread.Events().last()->Desc(), QStringLiteral("Twin B"));
-}
-
-TEST_F(ReminderEngine, TheDaysPassSavesEachFileOnceAndOnlyWhenItsBytesChange) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
-    for (const char* desc : {"Parcel", "Letter", "Card"}) {
-        add(QString::fromLatin1(desc), QStringLiteral("2009-03-04"));
-    }
-    add(QStringLiteral("Later"), QStringLiteral("2009-03-09"));
-    int saves = 0; // the publisher runs at the end of every save
-    events.setPublisher([&saves](clsDbXml&) { ++saves; });
-    ShowReminders(services);
-    EXPECT_EQ(saves, 1);
-    clsDbXml reread(settings);
-    reread.LoadDB(events.DBFilename());
-    ASSERT_EQ(reread.RecordCount(), 1);
-    EXPECT_EQ(reread.Events().first()->Desc(), QStringLiteral("Later"));
-
-    // The same day again: nothing changes, so neither file is written.
-    const QDateTime old(QDate(2001, 1, 1), QTime(0, 0));
-    for (const QString& path : {events.DBFilename(), expired.DBFilename()}) {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::Append));
-        ASSERT_TRUE(file.setFileTime(old, QFileDevice::FileModificationTime));
-    }
-    ShowReminders(services);
-    EXPECT_EQ(QFileInfo(events.DBFilename()).lastModified(), old);
-    EXPECT_EQ(QFileInfo(expired.DBFilename()).lastModified(), old);
+    EXPECT_EQ(shown, QStringList({"Ann's alarm", "Bob's task"}));
+    const QStringList log = newLogLines();
+    EXPECT_TRUE(log.contains(QStringLiteral("Can't run ") + missing->Filename +
+                             QStringLiteral(" - file not found")));
+    EXPECT_EQ(log.filter(script).filter(QStringLiteral("Bob")).size(), 1);
 }
 
 TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
@@ -290,15 +242,12 @@ TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
     EXPECT_TRUE(DeleteEvent(services, bobs->IDCode)) << "single-user mode has no owners to check";
     EXPECT_FALSE(DeleteEvent(services, QStringLiteral("999999")));
     EXPECT_EQ(dialogs.count(), 1);
-}
 
-TEST_F(ReminderEngine, DeleteExpiredEventOnlyWhenPresent) {
-    auto e = std::make_shared<clsEvent>();
-    e->setDesc(QStringLiteral("Old"));
-    expired.StoreRecord(e, true);
+    auto old = std::make_shared<clsEvent>();
+    expired.StoreRecord(old, true);
     EXPECT_FALSE(DeleteExpiredEvent(services, QStringLiteral("000000")));
-    EXPECT_TRUE(DeleteExpiredEvent(services, e->IDCode));
-    EXPECT_TRUE(e->Deleted);
+    EXPECT_TRUE(DeleteExpiredEvent(services, old->IDCode));
+    EXPECT_TRUE(old->Deleted);
 }
 
 // ---- the refresh tick ----
@@ -324,37 +273,9 @@ protected:
     }
 };
 
-TEST_F(RefreshTickTest, NewDayShowsRemindersOnceAndAlarmsEveryTick) {
+TEST_F(RefreshTickTest, ANewDayShowsRemindersOnceAndEachAlarmIsRaisedOnceInItsMinute) {
     FixedClock clock(QStringLiteral("2009-03-05 08:44"));
     add(QStringLiteral("Today's thing"), QStringLiteral("2009-03-05"));
-    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 9, 0, 15);
-    events.SaveDB();
-
-    tick.TimerRefresh_Timer(); // first tick: the day is new
-    EXPECT_EQ(refills, 1);
-    EXPECT_EQ(tick.storedDay(), 5);
-    EXPECT_NE(windows.withHeading(QStringLiteral("TODAY!")), nullptr);
-    EXPECT_EQ(timerStates, (QList<bool>{false, true})) << "the timer is off during its own tick";
-
-    // Later ticks of the same day touch no data file and show no reminders.
-    const QDateTime stamp = QFileInfo(events.DBFilename()).lastModified();
-    windows.made.clear();
-    Clock::advance(60);
-    tick.TimerRefresh_Timer();
-    EXPECT_EQ(refills, 1);
-    EXPECT_EQ(windows.withHeading(QStringLiteral("TODAY!")), nullptr);
-    EXPECT_NE(windows.withHeading(QStringLiteral("ALARM!")), nullptr) << "08:45: the alarm";
-    EXPECT_EQ(QFileInfo(events.DBFilename()).lastModified(), stamp);
-
-    // The first tick of the next day is a new day again.
-    Clock::advance(24 * 3600);
-    tick.TimerRefresh_Timer();
-    EXPECT_EQ(refills, 2);
-    EXPECT_EQ(tick.storedDay(), 6);
-}
-
-TEST_F(RefreshTickTest, EachAlarmIsRaisedOnceInItsMinute) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:45"));
     EventPtr daily = addAlarm(QStringLiteral("Pills"), QStringLiteral("2009-03-05"), 9, 0, 15);
     daily->setRecurring(true);
     daily->setRecurrenceType(clsEvent::EveryXDays);
@@ -363,21 +284,37 @@ TEST_F(RefreshTickTest, EachAlarmIsRaisedOnceInItsMinute) {
     EventPtr run = addAlarm(QStringLiteral("Backup"), QStringLiteral("2009-03-05"), 8, 45, 0);
     run->ExecFile = true;
     run->Filename = home.file(QStringLiteral("Events.xml"));
+    events.SaveDB();
+    const QDateTime stamp = QFileInfo(events.DBFilename()).lastModified();
     const struct {
-        int advance; // seconds since the last tick
-        int alarms;  // ALARM! windows raised so far
-        int opened;  // files opened so far
-    } ticks[] = {{0, 1, 1}, {30, 1, 1}, {29, 1, 1}, {24 * 3600 - 59, 2, 1}};
+        int advance;                        // seconds since the last tick
+        int refills, today, alarms, opened; // so far
+    } ticks[] = {
+        {0, 1, 1, 0, 0},              // the first tick: a new day
+        {60, 1, 1, 1, 1},             // 08:45: the alarms, no second pass of the day
+        {30, 1, 1, 1, 1},             // the same minute again
+        {29, 1, 1, 1, 1},             //
+        {24 * 3600 - 59, 2, 2, 2, 1}, // the next day's 08:45: the daily alarm only
+    };
     for (const auto& t : ticks) {
         Clock::advance(t.advance);
         tick.TimerRefresh_Timer();
-        int alarms = 0;
+        QMap<QString, int> headings;
         for (const auto& w : windows.made) {
-            alarms += w->heading == QStringLiteral("ALARM!") ? 1 : 0;
+            ++headings[w->heading];
         }
-        EXPECT_EQ(alarms, t.alarms) << t.advance;
+        EXPECT_EQ(refills, t.refills) << t.advance;
+        EXPECT_EQ(headings.value(QStringLiteral("TODAY!")), t.today) << t.advance;
+        EXPECT_EQ(headings.value(QStringLiteral("ALARM!")), t.alarms) << t.advance;
         EXPECT_EQ(opener.opened.size(), t.opened) << t.advance;
+        if (t.refills == 1) {
+            EXPECT_EQ(QFileInfo(events.DBFilename()).lastModified(), stamp)
+                << "the ticks of one day touch no data file";
+        }
     }
+    EXPECT_EQ(tick.storedDay(), 6);
+    EXPECT_EQ(timerStates.mid(0, 2), (QList<bool>{false, true}))
+        << "the timer is off during its own tick";
 }
 
 TEST_F(RefreshTickTest, NetworkedRefillsWhenTheSharedFilesChange) {

@@ -48,57 +48,27 @@ TEST_F(SoundsTest, LooksUpSoundsByIdCode) {
     }
 }
 
-TEST_F(SoundsTest, MissingTableIsEmptyAndNotCreatedByReading) {
+TEST_F(SoundsTest, TheTableIsCreatedAppendedToAndRewrittenInPlace) {
+    // Reading or deleting does not create a missing table; adding does.
     EXPECT_EQ(sounds.GetWavName(QStringLiteral("123456")), QString());
-    EXPECT_EQ(sounds.IDCodePresent(QStringLiteral("123456")), -1);
     sounds.Delete(QStringLiteral("123456"));
     EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename()));
-}
-
-TEST_F(SoundsTest, AddingKeepsExistingLinesAndAppendsOne) {
-    const QByteArray before = "111111,/one.wav\r\n222222,/two.wav\r\n";
-    WriteTable(before);
-    sounds.AddorChange(QStringLiteral("333333"), QStringLiteral("/three.wav"));
-    EXPECT_EQ(TableBytes(), before + "333333,/three.wav\r\n");
+    sounds.AddorChange(QStringLiteral("123456"), QStringLiteral("/b\u00e9ll.wav"));
+    EXPECT_EQ(TableBytes(), QByteArray("123456,/b\xe9ll.wav\r\n"));
 
     // A table without a final line end still gets a line of its own.
+    WriteTable("111111,/one.wav\r\n222222,/two.wav\r\n333333,/three.wav");
     clsSounds other(home.path());
-    WriteTable("111111,/one.wav");
-    other.AddorChange(QStringLiteral("222222"), QStringLiteral("/two.wav"));
-    EXPECT_EQ(TableBytes(), QByteArray("111111,/one.wav\r\n222222,/two.wav\r\n"));
-}
-
-TEST_F(SoundsTest, ChangingAndDeletingRewriteInPlace) {
-    WriteTable("111111,/one.wav\r\n222222,/two.wav\r\n333333,/three.wav\r\n");
-    sounds.AddorChange(QStringLiteral("222222"), QStringLiteral("/new.wav"));
+    other.AddorChange(QStringLiteral("444444"), QStringLiteral("/four.wav"));
+    EXPECT_EQ(TableBytes(), QByteArray("111111,/one.wav\r\n222222,/two.wav\r\n333333,/three.wav"
+                                       "\r\n444444,/four.wav\r\n"));
+    other.AddorChange(QStringLiteral("222222"), QStringLiteral("/new.wav"));
+    other.Delete(QStringLiteral("111111"));
     EXPECT_EQ(TableBytes(),
-              QByteArray("111111,/one.wav\r\n222222,/new.wav\r\n333333,/three.wav\r\n"));
-    sounds.Delete(QStringLiteral("111111"));
-    EXPECT_EQ(TableBytes(), QByteArray("222222,/new.wav\r\n333333,/three.wav\r\n"));
-
-    // A fresh reader sees what was written.
+              QByteArray("222222,/new.wav\r\n333333,/three.wav\r\n444444,/four.wav\r\n"));
     clsSounds reread(home.path());
     EXPECT_EQ(reread.GetWavName(QStringLiteral("222222")), QStringLiteral("/new.wav"));
     EXPECT_EQ(reread.IDCodePresent(QStringLiteral("111111")), -1);
-}
-
-TEST_F(SoundsTest, NewTableIsCreatedWithOneLine) {
-    sounds.AddorChange(QStringLiteral("123456"), QStringLiteral("/b\u00e9ll.wav"));
-    EXPECT_EQ(TableBytes(), QByteArray("123456,/b\xe9ll.wav\r\n"));
-}
-
-TEST(DefaultAlarmWav, BuiltInSoundIsWrittenOnlyWhenMissing) {
-    TempHome home;
-    const QString path = home.file(QStringLiteral("alarm.wav"));
-    ASSERT_TRUE(WriteDefaultAlarmWav(path));
-    const QByteArray wav = ReadFileBytes(path);
-    EXPECT_TRUE(wav.startsWith("RIFF"));
-    EXPECT_EQ(wav.mid(8, 4), QByteArray("WAVE"));
-    EXPECT_GT(wav.size(), 1000);
-
-    ASSERT_TRUE(WriteFileBytes(path, "user's own sound"));
-    EXPECT_TRUE(WriteDefaultAlarmWav(path));
-    EXPECT_EQ(ReadFileBytes(path), QByteArray("user's own sound"));
 }
 
 TEST(DefaultAlarmWav, MissingSoundFallsBackToTheHomeFolderAndIsStoredBack) {
@@ -129,9 +99,15 @@ TEST(DefaultAlarmWav, MissingSoundFallsBackToTheHomeFolderAndIsStoredBack) {
         const QString expected = c.userFileExists ? userWav : homeWav;
         EXPECT_EQ(DefaultWavFile(settings), expected);
         EXPECT_EQ(settings.sGet(QStringLiteral("WavFile")).toText(), expected);
-        // The fallback sound is there to be played.
-        EXPECT_EQ(QFileInfo::exists(homeWav), !c.userFileExists);
+        // The built-in sound is there to be played.
+        const QByteArray wav = ReadFileBytes(homeWav);
+        EXPECT_EQ(wav.startsWith("RIFF") && wav.mid(8, 4) == "WAVE" && wav.size() > 1000,
+                  !c.userFileExists);
     }
+    // A sound of the user's own under the built-in name is never overwritten.
+    ASSERT_TRUE(WriteFileBytes(homeWav, "user's own sound"));
+    ASSERT_TRUE(WriteDefaultAlarmWav(homeWav));
+    EXPECT_EQ(ReadFileBytes(homeWav), QByteArray("user's own sound"));
 }
 
 } // namespace

@@ -27,23 +27,12 @@ protected:
     QString logPath = home.file(QStringLiteral("log.txt"));
 };
 
-TEST_F(Logging, FormatLogLineLayout) {
-    const DateValue t = D(QStringLiteral("2009-03-05 14:03")) + TimeSerial(0, 0, 22);
-    EXPECT_EQ(cSharedLogging::FormatLogLine(1, QStringLiteral("hello"), t),
-              QStringLiteral("1 14:03:22, hello"));
-    EXPECT_EQ(cSharedLogging::FormatLogLine(3, QString(), D(QStringLiteral("2009-03-05 09:00"))),
-              QStringLiteral("3 09:00:00, "));
-}
-
-TEST_F(Logging, FreshFileStartsWithTheHeader) {
+TEST_F(Logging, FreshFileStartsWithTheHeaderAndIsWrittenAsWindows1252) {
     cSharedLogging log(home.path());
     WriteFileBytes(logPath, "old run\r\n");
     log.LogEvent(QStringLiteral("TVO Startup"), true);
-    log.LogEvent(QStringLiteral("second"));
+    log.LogEvent(QStringLiteral("caf\u00e9 \u20ac"));
     EXPECT_EQ(log.CurrentLogFilename(), logPath);
-
-    const QStringList lines = fileLines(logPath);
-    ASSERT_EQ(lines.size(), 8);
     const QStringList expected = {
         QStringLiteral("1 14:03:00, Log file created "),
         QStringLiteral("1 14:03:00, Operating System: ") + AppInfo::OperatingSystemText(),
@@ -52,26 +41,26 @@ TEST_F(Logging, FreshFileStartsWithTheHeader) {
         QStringLiteral("1 14:03:00, Curdir: ") + QDir::toNativeSeparators(QDir::currentPath()),
         QStringLiteral("1 14:03:00, App path: ") + home.path(),
         QStringLiteral("1 14:03:00, TVO Startup"),
-        QStringLiteral("1 14:03:00, second"),
+        QStringLiteral("1 14:03:00, caf\u00e9 \u0080"), // the euro sign is byte 0x80
     };
-    EXPECT_EQ(lines, expected);
+    EXPECT_EQ(fileLines(logPath), expected);
     EXPECT_TRUE(AppInfo::VersionText().contains(
         QRegularExpression(QStringLiteral("^\\d+\\.\\d+\\.\\d+$"))));
 }
 
-TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirst) {
+// Actions wait in memory, each with the time it was added, until the
+// twenty-first; an error is written at once and takes the waiting ones with it.
+TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirstOrAnError) {
     cSharedLogging log(home.path());
     log.LogEvent(QStringLiteral("start"), true);
-    const int before = static_cast<int>(fileLines(logPath).size());
+    const qsizetype before = fileLines(logPath).size();
 
+    Clock::advance(22);
     log.AddAction(QStringLiteral("plain"));
+    Clock::advance(95);
     log.AddAction(QStringLiteral("x"), QStringLiteral("P"), QStringLiteral("M"));
     log.AddDebug(QStringLiteral("d"), QString(), QStringLiteral("M"));
-    EXPECT_EQ(log.pendingActions(),
-              (QStringList{QStringLiteral("plain"), QStringLiteral("x in P of module M"),
-                           QStringLiteral("DBG: d of module M")}));
     EXPECT_EQ(log.CurrentAction(), QStringLiteral("DBG: d of module M"));
-
     for (int i = 4; i <= 20; ++i) {
         log.AddAction(QStringLiteral("a%1").arg(i));
     }
@@ -79,55 +68,47 @@ TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirst) {
     EXPECT_EQ(log.pendingActions().size(), 20);
 
     log.AddAction(QStringLiteral("a21"));
-    const QStringList lines = fileLines(logPath);
+    QStringList lines = fileLines(logPath);
     ASSERT_EQ(lines.size(), before + 21);
-    EXPECT_EQ(lines.at(before), QStringLiteral("1 14:03:00, plain"));
-    EXPECT_EQ(lines.at(before + 1), QStringLiteral("1 14:03:00, x in P of module M"));
-    EXPECT_EQ(lines.last(), QStringLiteral("1 14:03:00, a21"));
+    EXPECT_EQ(lines.mid(before, 3),
+              QStringList({"1 14:03:22, plain", "1 14:04:57, x in P of module M",
+                           "1 14:04:57, DBG: d of module M"}));
+    EXPECT_EQ(lines.last(), QStringLiteral("1 14:04:57, a21"));
     EXPECT_TRUE(log.pendingActions().isEmpty());
     EXPECT_EQ(log.CurrentAction(), QString());
-}
 
-TEST_F(Logging, EachActionKeepsTheTimeItWasAdded) {
-    cSharedLogging log(home.path());
-    log.LogEvent(QStringLiteral("start"), true);
-    log.AddAction(QStringLiteral("early"));
-    Clock::advance(95);
-    log.WriteActionsToLog();
-    EXPECT_EQ(fileLines(logPath).last(), QStringLiteral("1 14:03:00, early"));
-}
-
-TEST_F(Logging, LogErrorWritesAtOnceAndFlushes) {
-    cSharedLogging log(home.path());
-    log.LogEvent(QStringLiteral("start"), true);
     log.AddAction(QStringLiteral("before"));
     log.LogError(RuntimeError::fileNotFound(), QStringLiteral("frmMain"), QStringLiteral("Save"));
-    const QStringList lines = fileLines(logPath);
-    EXPECT_EQ(
-        lines.mid(lines.size() - 2),
-        (QStringList{QStringLiteral("1 14:03:00, Error 53 (File not found) in frmMain of Save"),
-                     QStringLiteral("1 14:03:00, before")}));
+    lines = fileLines(logPath);
+    EXPECT_EQ(lines.mid(lines.size() - 2),
+              QStringList({"1 14:04:57, Error 53 (File not found) in frmMain of Save",
+                           "1 14:04:57, before"}));
 }
 
-TEST_F(Logging, BufferedActionsReachTheFileOnDestruction) {
+// Without a file name, or while the file cannot be opened, actions wait;
+// they reach the file once it can be written, at the latest when the logger goes.
+TEST_F(Logging, ActionsWaitUntilTheFileCanBeWritten) {
     {
         cSharedLogging log(home.path());
+        for (int i = 0; i < 25; ++i) {
+            log.AddAction(QStringLiteral("a"));
+        }
+        EXPECT_EQ(log.pendingActions().size(), 25);
+        EXPECT_FALSE(QFileInfo::exists(logPath));
         log.LogEvent(QStringLiteral("start"), true);
+        log.WriteActionsToLog();
+        EXPECT_EQ(fileLines(logPath).size(), 7 + 25);
+
+        ASSERT_TRUE(QFile::remove(logPath) && QDir().mkpath(logPath)); // a folder in the way
+        log.AddAction(QStringLiteral("kept"));
+        log.WriteActionsToLog();
+        EXPECT_EQ(log.pendingActions(), QStringList{QStringLiteral("kept")});
+        ASSERT_TRUE(QDir().rmdir(logPath));
+        log.WriteActionsToLog();
+        EXPECT_EQ(fileLines(logPath), QStringList{QStringLiteral("1 14:03:00, kept")});
         log.AddAction(QStringLiteral("last words"));
     }
     EXPECT_EQ(fileLines(logPath).last(), QStringLiteral("1 14:03:00, last words"));
-}
-
-TEST_F(Logging, WithoutAFileNameActionsWaitInMemory) {
-    cSharedLogging log(home.path());
-    for (int i = 0; i < 25; ++i) {
-        log.AddAction(QStringLiteral("a"));
-    }
-    EXPECT_EQ(log.pendingActions().size(), 25);
-    EXPECT_FALSE(QFileInfo::exists(logPath));
-    log.LogEvent(QStringLiteral("start"), true);
-    log.WriteActionsToLog();
-    EXPECT_EQ(fileLines(logPath).size(), 7 + 25);
 }
 
 TEST_F(Logging, NoLoggingWritesAndBuffersNothing) {
@@ -190,12 +171,6 @@ TEST_F(Logging, OverrideKeepsNamesInExistingFolders) {
     log.OverrideLogFilename(QStringLiteral("/no/such/folder/x.txt"));
     // The folder and the file part run together with no separator.
     EXPECT_EQ(log.CurrentLogFilename(), home.path() + QStringLiteral("x.txt"));
-}
-
-TEST_F(Logging, TextIsWrittenAsWindows1252) {
-    cSharedLogging log(home.path());
-    log.LogEvent(QStringLiteral("caf\u00e9 \u20ac"), true);
-    EXPECT_TRUE(ReadFileBytes(logPath).endsWith(QByteArray("caf\xe9 \x80\r\n")));
 }
 
 } // namespace

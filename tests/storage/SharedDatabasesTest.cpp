@@ -67,16 +67,6 @@ protected:
     QString folder;
 };
 
-TEST_F(SharedFolder, TheUserListIsTrimmedWithBlankLinesLeftOut) {
-    EXPECT_EQ(SharedDatabases::ReadUserList(File(QStringLiteral("TVOShared.ini"))),
-              (QStringList{"Ann", "Bob", "Carl"}));
-    EXPECT_TRUE(SharedDatabases::ReadUserList(File(QStringLiteral("none.ini"))).isEmpty());
-
-    const QString list = File(QStringLiteral("list2.ini"));
-    ASSERT_TRUE(SharedDatabases::WriteUserList(list, {"Ann", "Zo\u00eb"}));
-    EXPECT_EQ(ReadFileBytes(list), QByteArray("Ann\r\nZo\xEB\r\n"));
-}
-
 TEST_F(SharedFolder, IdsThatWouldMeetInAFileNameOrInShareWithClash) {
     using SharedUserList::ClashKind;
     const QStringList listed{"Ann", "Fred", "Bob"};
@@ -99,6 +89,10 @@ TEST_F(SharedFolder, IdsThatWouldMeetInAFileNameOrInShareWithClash) {
     EXPECT_EQ(SharedUserList::WithRenamed({"Ann", "Bob", "anna"}, "ann", "Anna"),
               (QStringList{"Anna", "Bob"}));
     EXPECT_EQ(SharedUserList::WithAdded({"Ann"}, "ANN"), QStringList{"Ann"});
+    // The list is written in the code page with a line end after each name.
+    const QString list = File(QStringLiteral("list2.ini"));
+    ASSERT_TRUE(SharedDatabases::WriteUserList(list, {"Ann", "Zo\u00eb"}));
+    EXPECT_EQ(ReadFileBytes(list), QByteArray("Ann\r\nZo\xEB\r\n"));
 }
 
 TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
@@ -124,7 +118,7 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     clsDbXml& set = ann.shared->SharedSet();
     EXPECT_EQ(ann.SharedDescs(), (QStringList{"bob to all", "bob work for Ann"}))
         << "an event shared with Dave only is invisible to Ann";
-    EXPECT_EQ(set.SharedFiles(), (QStringList{bobFile, carlFile}));
+    EXPECT_EQ(set.SharedFiles(), (QStringList{bobFile, carlFile})) << "names trimmed, blanks out";
     EXPECT_EQ(set.DBFilename(), annFile);
     EXPECT_FALSE(QFile::exists(annFile)) << "loading never writes";
     const QStringList log = Log().pendingActions().mid(logStart);
@@ -152,15 +146,7 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     EXPECT_FALSE(set.DatabaseChanged());
 
     // Ann publishes; an old event of hers in her file goes, others' files stay as they are.
-    {
-        clsDbXml old(ann.settings, nullptr);
-        old.SetDBFilename(annFile);
-        auto stale = std::make_shared<clsEvent>();
-        stale->setDesc(QStringLiteral("stale"));
-        stale->setOwner(QStringLiteral("Ann"));
-        old.StoreRecord(stale);
-        old.SaveDB();
-    }
+    ASSERT_TRUE(WriteFileBytes(annFile, Header() + "<EVENT><Desc>stale</Desc></EVENT>\r\n"));
     const QByteArray bobBefore = ReadFileBytes(bobFile);
     const QByteArray carlBefore = ReadFileBytes(carlFile);
     const auto bobTime = QFileInfo(bobFile).lastModified();
@@ -172,31 +158,15 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     ann.local->SaveDB();
 
     EXPECT_EQ(flagged->SharedLayerName, QStringLiteral("Layer 3"));
-    clsDbXml published(ann.settings, nullptr);
-    published.LoadDB(annFile);
-    QStringList descs;
-    for (const EventPtr& e : published.Events()) {
-        descs << e->Desc();
-    }
-    EXPECT_EQ(descs, (QStringList{"ann layer zero", "ann flagged"}));
+    User reader(QStringLiteral("Bob"), folder, home.path());
+    reader.shared->ReloadSharedSet();
+    EXPECT_EQ(reader.SharedDescs(), (QStringList{"ann layer zero", "ann flagged", "carl to all"}))
+        << "Ann's file holds her shared and layer-zero events only";
     EXPECT_EQ(ReadFileBytes(bobFile), bobBefore);
     EXPECT_EQ(ReadFileBytes(carlFile), carlBefore);
     EXPECT_EQ(QFileInfo(bobFile).lastModified(), bobTime);
     EXPECT_EQ(ann.SharedDescs(), (QStringList{"bob to all", "bob work for Ann", "carl to all"}))
         << "publishing ends by reloading the merged set";
-}
-
-TEST_F(SharedFolder, AMissingUserListGivesAnEmptySetAndTheMergedSetIsNeverSaved) {
-    QFile::remove(File(QStringLiteral("TVOShared.ini")));
-    User ann(QStringLiteral("Ann"), folder, home.path());
-    ann.shared->ReloadSharedSet();
-    EXPECT_EQ(ann.shared->SharedSet().RecordCount(), 0);
-    EXPECT_FALSE(ann.shared->SharedSet().DatabaseChanged());
-    ann.shared->SharedSet().SaveDB();
-    EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
-    // The folder comes back: the set counts as changed, so it is read again.
-    ASSERT_TRUE(WriteFileBytes(File(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\n"));
-    EXPECT_TRUE(ann.shared->SharedSet().DatabaseChanged());
 }
 
 TEST_F(SharedFolder, AnOwnerNameTheOptionsRefusePublishesNothing) {
@@ -216,17 +186,29 @@ TEST_F(SharedFolder, AnOwnerNameTheOptionsRefusePublishesNothing) {
     EXPECT_TRUE(Logged(QStringLiteral("Owner name unusable as a file name.")));
 }
 
-TEST_F(SharedFolder, WithoutASharedFolderNothingIsPublishedOrRead) {
-    User ann(QStringLiteral("Ann"), QString(), home.path());
+TEST_F(SharedFolder, WithoutAFolderOrAUserListNothingIsPublishedOrRead) {
+    User nowhere(QStringLiteral("Ann"), QString(), home.path());
     const QString cwd = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(folder)); // where a relative name would land
-    ann.Add(QStringLiteral("layer zero"), 0, false);
-    ann.local->SaveDB();
-    ann.shared->ReloadSharedSet();
+    nowhere.Add(QStringLiteral("layer zero"), 0, false);
+    nowhere.local->SaveDB();
+    nowhere.shared->ReloadSharedSet();
     QDir::setCurrent(cwd);
     EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
-    EXPECT_EQ(ann.shared->SharedSet().RecordCount(), 0);
+    EXPECT_EQ(nowhere.shared->SharedSet().RecordCount(), 0);
     EXPECT_TRUE(Logged(QStringLiteral("No shared data path set.")));
+
+    // A missing user list gives an empty set; the merged set is never saved.
+    QFile::remove(File(QStringLiteral("TVOShared.ini")));
+    User ann(QStringLiteral("Ann"), folder, home.path());
+    ann.shared->ReloadSharedSet();
+    EXPECT_EQ(ann.shared->SharedSet().RecordCount(), 0);
+    EXPECT_FALSE(ann.shared->SharedSet().DatabaseChanged());
+    ann.shared->SharedSet().SaveDB();
+    EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
+    // The list comes back: the set counts as changed, so it is read again.
+    ASSERT_TRUE(WriteFileBytes(File(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\n"));
+    EXPECT_TRUE(ann.shared->SharedSet().DatabaseChanged());
 }
 
 } // namespace

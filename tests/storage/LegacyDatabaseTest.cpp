@@ -63,31 +63,14 @@ struct LegacyRecord {
     }
 };
 
-LegacyRecord FullRecord() {
-    LegacyRecord r;
-    r.recurring = r.alarmSet = r.sharedEvent = r.execFile = true;
-    r.dueDate = D("2009-03-05");
-    r.dueTime = D("1899-12-30 10:30");
-    r.startDate = D("2008-12-01");
-    r.alarmTime = D("1899-12-30 10:15");
-    r.daysWarning = 3;
-    r.minutesWarning = 15;
-    r.recurrenceType = 4;
-    r.weekDays = 2 + 8;
-    r.dayOfMonth = 31;
-    r.monthNumber = 13;
-    r.daynumber = -2;
-    r.dayOfWeek = 7;
-    r.period = 6;
-    r.layer = 19;
-    r.daysLeft = 70000; // beyond 16 bits
-    r.desc = "  Dentist 10:30, caf\xe9 <&> %  ";
-    r.idCode = "123456";
-    r.owner = "Ann";
-    r.filename = "C:\\Tools\\run.bat";
-    r.email = "ann@example.com";
-    return r;
-}
+// Every field set, in the order of the layout (the days left beyond 16 bits).
+// clang-format off
+LegacyRecord FullRecord() { return {
+    false, true, true, true, true,
+    D("2009-03-05"), D("1899-12-30 10:30"), D("2008-12-01"), D("1899-12-30 10:15"),
+    3, 15, 4, 2 + 8, 31, 13, -2, 7, 6, 19, 70000,
+    "  Dentist 10:30, caf\xe9 <&> %  ", "123456", "Ann", "C:\\Tools\\run.bat", "ann@example.com"}; }
+// clang-format on
 
 TEST(LegacyRecordReading, EveryFieldComesFromItsOffset) {
     QByteArray bytes = FullRecord().bytes();
@@ -98,18 +81,18 @@ TEST(LegacyRecordReading, EveryFieldComesFromItsOffset) {
     EXPECT_EQ(e->DueDate(), D("2009-03-05"));
     EXPECT_EQ(e->DueTime(), D("1899-12-30 10:30"));
     // Blanks at either end go; the Windows-1252 e-acute is decoded.
-    EXPECT_EQ(e->Desc(), QStringLiteral("Dentist 10:30, caf\u00e9 <&> %"));
+    EXPECT_EQ(e->Desc(), "Dentist 10:30, caf\u00e9 <&> %");
     EXPECT_TRUE(e->Recurring() && e->AlarmSet() && e->SharedEvent && e->ExecFile);
     EXPECT_EQ(QList<int>({e->DaysWarning(), e->MinutesWarning(), e->RecurrenceType(), e->WeekDays(),
                           e->DayOfMonth(), e->MonthNumber(), e->Daynumber(), e->DayOfWeek(),
                           e->Period(), e->DaysLeft(), e->Layer()}),
               QList<int>({3, 15, 4, 10, 31, 13, -2, 7, 6, 70000, 19}));
-    EXPECT_EQ(e->IDCode, QStringLiteral("123456"));
+    EXPECT_EQ(e->IDCode, "123456");
     EXPECT_EQ(e->StartDate(), D("2008-12-01"));
-    EXPECT_EQ(e->Owner(), QStringLiteral("Ann"));
+    EXPECT_EQ(e->Owner(), "Ann");
     EXPECT_EQ(e->AlarmTime(), D("1899-12-30 10:15"));
-    EXPECT_EQ(e->Filename, QStringLiteral("C:\\Tools\\run.bat"));
-    EXPECT_EQ(e->Email, QStringLiteral("ann@example.com"));
+    EXPECT_EQ(e->Filename, "C:\\Tools\\run.bat");
+    EXPECT_EQ(e->Email, "ann@example.com");
 
     // Text filling its whole width is kept whole.
     LegacyRecord full;
@@ -119,7 +102,7 @@ TEST(LegacyRecordReading, EveryFieldComesFromItsOffset) {
     const EventPtr f = clsDB2::TransferTypeToObject(full.bytes());
     EXPECT_EQ(f->Desc(), QString::fromLatin1(full.desc));
     EXPECT_EQ(f->Email.size(), 48);
-    EXPECT_EQ(f->IDCode, QStringLiteral("123456789012"));
+    EXPECT_EQ(f->IDCode, "123456789012");
 }
 
 // A date outside years 100 to 9999 is damage: logged, read as 0, and the
@@ -143,7 +126,7 @@ TEST(LegacyRecordReading, DatesOfYears100To9999AreReadOthersAreDamage) {
         const qsizetype before = Log().pendingActions().size();
         const EventPtr e = clsDB2::TransferTypeToObject(r.bytes());
         EXPECT_EQ(e->AlarmTime(), c.read ? c.value : 0.0);
-        EXPECT_EQ(e->Desc(), QStringLiteral("Dentist 10:30, caf\u00e9 <&> %"));
+        EXPECT_EQ(e->Desc(), "Dentist 10:30, caf\u00e9 <&> %");
         EXPECT_EQ(Log().pendingActions().mid(before),
                   c.read ? QStringList()
                          : QStringList{QStringLiteral(
@@ -155,7 +138,7 @@ TEST(LegacyRecordReading, DatesOfYears100To9999AreReadOthersAreDamage) {
 // would hand to the conversion.
 class LegacyDatabaseTest : public StorageTest {
 protected:
-    LegacyDatabaseTest() { layers.setLayer(4, QStringLiteral("Work")); }
+    LegacyDatabaseTest() { layers.setLayer(4, "Work"); }
 
     void WriteDat(const QString& name, const QList<LegacyRecord>& records,
                   const QByteArray& tail = {}) {
@@ -196,24 +179,22 @@ protected:
 TEST_F(LegacyDatabaseTest, OnlyWholeRecordsAreReadAndTheRestIsLogged) {
     for (const qsizetype extraBytes : {0, 1, 249, 250, 497}) {
         SCOPED_TRACE(extraBytes);
-        WriteDat(QStringLiteral("events.dat"), {Rec("111111", "one"), Rec("222222", "two")},
+        WriteDat("events.dat", {Rec("111111", "one"), Rec("222222", "two")},
                  Rec("333333", "third").bytes().left(extraBytes));
-        db.LoadDB(home.file(QStringLiteral("events.dat")));
+        db.LoadDB(home.file("events.dat"));
         EXPECT_EQ(Ids(db.Events()), QStringList({"111111", "222222"}));
-        EXPECT_EQ(Logged(QString::number(extraBytes) + QStringLiteral(" bytes left over")),
-                  extraBytes != 0);
+        EXPECT_EQ(Logged(QString::number(extraBytes) + " bytes left over"), extraBytes != 0);
     }
 }
 
 TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundSkipsDeletedAndWatchesTheFile) {
-    const QString path = home.file(QStringLiteral("events.dat"));
+    const QString path = home.file("events.dat");
     db.LoadDB(path);
     EXPECT_FALSE(db.DatabaseChanged());
     LegacyRecord single = Rec("111111", "single", "Single");
     single.layer = 4;
-    WriteDat(QStringLiteral("events.dat"),
-             {single, Rec("222222", "bob's", "Bob"), Rec("333333", "gone", "Ann", true),
-              Rec("444444", "blank owner")});
+    WriteDat("events.dat", {single, Rec("222222", "bob's", "Bob"),
+                            Rec("333333", "gone", "Ann", true), Rec("444444", "blank owner")});
     ASSERT_TRUE(
         WriteFileBytes(sounds.EventWavsFilename(), "444444,/sounds/gong.wav\r\n111111,\r\n"));
     EXPECT_TRUE(db.DatabaseChanged());
@@ -240,38 +221,37 @@ const QString kConvertedMessage = QStringLiteral(
 
 TEST_F(LegacyDatabaseTest, StartUpConvertsBothFilesOnceAndTellsTheUserOnce) {
     // The old lower-case name; file order, not code order; one deleted, one without a code.
-    WriteDat(QStringLiteral("events.dat"),
-             {Rec("222222", "Dentist"), Rec("111111", "Gym"), Rec("333333", "deleted", "", true),
-              Rec("", "no id yet")});
-    WriteDat(QStringLiteral("Expired.dat"), {Rec("444444", "Last year"), Rec("555555", "Older")});
+    WriteDat("events.dat", {Rec("222222", "Dentist"), Rec("111111", "Gym"),
+                            Rec("333333", "deleted", "", true), Rec("", "no id yet")});
+    WriteDat("Expired.dat", {Rec("444444", "Last year"), Rec("555555", "Older")});
     ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n"));
-    const QByteArray eventsDat = ReadFileBytes(home.file(QStringLiteral("events.dat")));
+    const QByteArray eventsDat = ReadFileBytes(home.file("events.dat"));
 
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
 
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
     clsDbXml events(settings, &layers);
-    events.LoadDB(home.file(QStringLiteral("Events.xml")));
+    events.LoadDB(home.file("Events.xml"));
     const QStringList ids = Ids(events.Events());
     ASSERT_EQ(ids.size(), 3);
     EXPECT_EQ(ids.mid(0, 2), QStringList({"222222", "111111"}));
     EXPECT_EQ(ids[2].size(), 6) << "given a code on the way";
-    EXPECT_EQ(events.Events()[1]->WavFile, QStringLiteral("/bell.wav"));
+    EXPECT_EQ(events.Events()[1]->WavFile, "/bell.wav");
     EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename())) << "the table is in the XML now";
     EXPECT_EQ(XmlIds("Expired.xml"), QStringList({"444444", "555555"}));
     // The old files are left for the user to fall back on.
-    EXPECT_EQ(ReadFileBytes(home.file(QStringLiteral("events.dat"))), eventsDat);
+    EXPECT_EQ(ReadFileBytes(home.file("events.dat")), eventsDat);
 
     // Next start: the XML files exist, so a newer .dat is ignored.
-    const QByteArray xmlBefore = ReadFileBytes(home.file(QStringLiteral("Events.xml")));
-    WriteDat(QStringLiteral("events.dat"), {Rec("111111", "Dentist"), Rec("666666", "newer")});
+    const QByteArray xmlBefore = ReadFileBytes(home.file("Events.xml"));
+    WriteDat("events.dat", {Rec("111111", "Dentist"), Rec("666666", "newer")});
     dialogs.clear();
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
     EXPECT_EQ(dialogs.count(), 0);
-    EXPECT_EQ(ReadFileBytes(home.file(QStringLiteral("Events.xml"))), xmlBefore);
+    EXPECT_EQ(ReadFileBytes(home.file("Events.xml")), xmlBefore);
 
     // Deleting Events.xml repeats its conversion from the .dat.
-    QFile::remove(home.file(QStringLiteral("Events.xml")));
+    QFile::remove(home.file("Events.xml"));
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
     EXPECT_EQ(XmlIds("Events.xml"), QStringList({"111111", "666666"}));
@@ -280,18 +260,18 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsBothFilesOnceAndTellsTheUserOnce) {
 TEST_F(LegacyDatabaseTest, NothingToConvertShowsNothingAndNetworkedDoesNotExport) {
     // A fresh install, and an install with only an expired legacy file.
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
-    WriteDat(QStringLiteral("Expired.dat"), {Rec("444444", "Last year")});
+    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
+    WriteDat("Expired.dat", {Rec("444444", "Last year")});
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
-    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("Expired.xml"))));
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
+    EXPECT_TRUE(QFileInfo::exists(home.file("Expired.xml")));
+    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
     EXPECT_EQ(dialogs.count(), 0);
 
     ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "444444,/bell.wav\r\n"));
-    db.LoadDB(home.file(QStringLiteral("Expired.dat")));
+    db.LoadDB(home.file("Expired.dat"));
     db.setNetworked(true);
-    EXPECT_FALSE(db.ExportToXML(home.file(QStringLiteral("Events.xml"))));
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("Events.xml"))));
+    EXPECT_FALSE(db.ExportToXML(home.file("Events.xml")));
+    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
     EXPECT_TRUE(QFileInfo::exists(sounds.EventWavsFilename()));
 }
 

@@ -21,7 +21,7 @@ struct User {
         settings.sSet(QStringLiteral("SharedDatapath"), SettingValue(folder));
         layers.LoadLayers();
         local = std::make_unique<clsDbXml>(settings, &layers);
-        local->SetDBFilename(QDir(dataFolder).filePath(name + QStringLiteral("_Events.xml")));
+        local->SetDBFilename(QDir(dataFolder).filePath(name + "_Events.xml"));
         shared = std::make_unique<SharedDatabases>(settings, layers);
         shared->AttachTo(*local);
     }
@@ -29,12 +29,12 @@ struct User {
     EventPtr Add(const QString& desc, int layer, bool sharedFlag, const QString& onlyFor = {}) {
         auto e = std::make_shared<clsEvent>();
         e->setDesc(desc);
-        e->setOwner(settings.sGet(QStringLiteral("Owner")).toText());
+        e->setOwner(settings.sGet("Owner").toText());
         e->setLayer(static_cast<int16_t>(layer));
         e->SharedEvent = sharedFlag;
         if (!onlyFor.isEmpty()) {
             e->ShareWithSpecific = true;
-            e->ShareNames = onlyFor + QStringLiteral("\r\n");
+            e->ShareNames = onlyFor + "\r\n";
         }
         local->StoreRecord(e);
         return e;
@@ -57,10 +57,10 @@ struct User {
 class SharedFolder : public StorageTest {
 protected:
     SharedFolder() {
-        QDir(home.path()).mkpath(QStringLiteral("shared"));
-        folder = home.file(QStringLiteral("shared"));
-        EXPECT_TRUE(WriteFileBytes(File(QStringLiteral("TVOShared.ini")),
-                                   " Ann \r\n\r\n  Bob\r\n   \r\nCarl \r\n"));
+        QDir(home.path()).mkpath("shared");
+        folder = home.file("shared");
+        EXPECT_TRUE(
+            WriteFileBytes(File("TVOShared.ini"), " Ann \r\n\r\n  Bob\r\n   \r\nCarl \r\n"));
     }
     QString File(const QString& name) const { return QDir(folder).filePath(name); }
 
@@ -82,7 +82,7 @@ TEST_F(SharedFolder, IdsThatWouldMeetInAFileNameOrInShareWithClash) {
     };
     for (const Case& c : cases) {
         const SharedUserList::Clash clash =
-            SharedUserList::FindClash(listed, QString::fromUtf8(c.id), QStringLiteral("Bob"));
+            SharedUserList::FindClash(listed, QString::fromUtf8(c.id), "Bob");
         EXPECT_EQ(clash.kind, c.kind) << c.id;
         EXPECT_EQ(clash.listed, QString::fromUtf8(c.with)) << c.id;
     }
@@ -90,29 +90,29 @@ TEST_F(SharedFolder, IdsThatWouldMeetInAFileNameOrInShareWithClash) {
               (QStringList{"Anna", "Bob"}));
     EXPECT_EQ(SharedUserList::WithAdded({"Ann"}, "ANN"), QStringList{"Ann"});
     // The list is written in the code page with a line end after each name.
-    const QString list = File(QStringLiteral("list2.ini"));
+    const QString list = File("list2.ini");
     ASSERT_TRUE(SharedDatabases::WriteUserList(list, {"Ann", "Zo\u00eb"}));
     EXPECT_EQ(ReadFileBytes(list), QByteArray("Ann\r\nZo\xEB\r\n"));
 }
 
 TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
-    User bob(QStringLiteral("Bob"), folder, home.path());
-    bob.layers.setLayer(5, QStringLiteral("Work"));
-    bob.Add(QStringLiteral("bob to all"), 0, false);
-    bob.Add(QStringLiteral("bob work for Ann"), 5, true, QStringLiteral("ann"));
-    bob.Add(QStringLiteral("bob for Dave only"), 2, true, QStringLiteral("Dave"));
-    bob.Add(QStringLiteral("bob private"), 2, false);
+    User bob("Bob", folder, home.path());
+    bob.layers.setLayer(5, "Work");
+    bob.Add("bob to all", 0, false);
+    bob.Add("bob work for Ann", 5, true, "ann");
+    bob.Add("bob for Dave only", 2, true, "Dave");
+    bob.Add("bob private", 2, false);
     bob.local->SaveDB(); // publishes Shared_Bob.xml
 
-    const QString bobFile = File(QStringLiteral("Shared_Bob.xml"));
-    const QString carlFile = File(QStringLiteral("Shared_Carl.xml"));
-    const QString annFile = File(QStringLiteral("Shared_Ann.xml"));
+    const QString bobFile = File("Shared_Bob.xml");
+    const QString carlFile = File("Shared_Carl.xml");
+    const QString annFile = File("Shared_Ann.xml");
     ASSERT_TRUE(QFile::exists(bobFile));
     EXPECT_FALSE(ReadFileBytes(bobFile).contains("bob%20private"));
     EXPECT_TRUE(ReadFileBytes(bobFile).contains("<SharedLayerName>Work</SharedLayerName>"));
 
     // Ann loads the merged set.
-    User ann(QStringLiteral("Ann"), folder, home.path());
+    User ann("Ann", folder, home.path());
     const qsizetype logStart = Log().pendingActions().size();
     ann.shared->ReloadSharedSet();
     clsDbXml& set = ann.shared->SharedSet();
@@ -122,23 +122,22 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     EXPECT_EQ(set.DBFilename(), annFile);
     EXPECT_FALSE(QFile::exists(annFile)) << "loading never writes";
     const QStringList log = Log().pendingActions().mid(logStart);
-    EXPECT_TRUE(log.contains(QStringLiteral("Found shared database  Ann ")));
-    EXPECT_TRUE(log.contains(QStringLiteral("Not loading - belongs to current user (Ann)")));
-    EXPECT_TRUE(log.contains(QStringLiteral("Loading from ") + bobFile));
-    EXPECT_TRUE(log.contains(carlFile + QStringLiteral(" not found. Setting null refresh date.")));
-    EXPECT_TRUE(log.contains(QStringLiteral("Setting Database filename to Shared_Ann.xml")));
+    EXPECT_TRUE(log.contains("Found shared database  Ann "));
+    EXPECT_TRUE(log.contains("Not loading - belongs to current user (Ann)"));
+    EXPECT_TRUE(log.contains("Loading from " + bobFile));
+    EXPECT_TRUE(log.contains(carlFile + " not found. Setting null refresh date."));
+    EXPECT_TRUE(log.contains("Setting Database filename to Shared_Ann.xml"));
 
     // Bob's layer name "Work" is new to Ann: it takes her highest free slot.
     const EventPtr work = set.Events().at(1);
-    EXPECT_EQ(ann.layers.Layer(work->Layer()), QStringLiteral("Work"));
-    EXPECT_EQ(ann.settings.sGet(QStringLiteral("Layer") + QString::number(work->Layer())).toText(),
-              QStringLiteral("Work"));
+    EXPECT_EQ(ann.layers.Layer(work->Layer()), "Work");
+    EXPECT_EQ(ann.settings.sGet("Layer" + QString::number(work->Layer())).toText(), "Work");
     EXPECT_EQ(set.Events().at(0)->Layer(), 0) << "\"Shared\" is layer 0 on every machine";
 
     // Carl's missing file is watched: the set changes once it appears.
     EXPECT_FALSE(set.DatabaseChanged());
-    User carl(QStringLiteral("Carl"), folder, home.path());
-    carl.Add(QStringLiteral("carl to all"), 0, false);
+    User carl("Carl", folder, home.path());
+    carl.Add("carl to all", 0, false);
     carl.local->SaveDB();
     EXPECT_TRUE(set.DatabaseChanged());
     ann.shared->ReloadSharedSet();
@@ -150,15 +149,15 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
     const QByteArray bobBefore = ReadFileBytes(bobFile);
     const QByteArray carlBefore = ReadFileBytes(carlFile);
     const auto bobTime = QFileInfo(bobFile).lastModified();
-    ann.Add(QStringLiteral("ann layer zero"), 0, false);
-    const EventPtr flagged = ann.Add(QStringLiteral("ann flagged"), 3, true);
-    const EventPtr notHers = ann.Add(QStringLiteral("not hers"), 0, true);
-    notHers->setOwner(QStringLiteral("Bob"));
-    ann.Add(QStringLiteral("ann private"), 1, false);
+    ann.Add("ann layer zero", 0, false);
+    const EventPtr flagged = ann.Add("ann flagged", 3, true);
+    const EventPtr notHers = ann.Add("not hers", 0, true);
+    notHers->setOwner("Bob");
+    ann.Add("ann private", 1, false);
     ann.local->SaveDB();
 
-    EXPECT_EQ(flagged->SharedLayerName, QStringLiteral("Layer 3"));
-    User reader(QStringLiteral("Bob"), folder, home.path());
+    EXPECT_EQ(flagged->SharedLayerName, "Layer 3");
+    User reader("Bob", folder, home.path());
     reader.shared->ReloadSharedSet();
     EXPECT_EQ(reader.SharedDescs(), (QStringList{"ann layer zero", "ann flagged", "carl to all"}))
         << "Ann's file holds her shared and layer-zero events only";
@@ -172,42 +171,40 @@ TEST_F(SharedFolder, ThreeUsersPublishAndSeeEachOthersEvents) {
 TEST_F(SharedFolder, AnOwnerNameTheOptionsRefusePublishesNothing) {
     // The options' own rule: separators, characters a file name or the code
     // page cannot hold, control characters, the reserved names.
-    for (const QString& owner :
-         {QStringLiteral("../Ann"), QStringLiteral("a\\b"), QStringLiteral("x:y"),
-          QStringLiteral("  "), QStringLiteral("x\u007f"), QStringLiteral("\u0141ukasz"),
-          QStringLiteral("Not Set")}) {
+    for (const QString owner :
+         {"../Ann", "a\\b", "x:y", "  ", "x\u007f", "\u0141ukasz", "Not Set"}) {
         User user(owner, folder, home.path());
-        user.Add(QStringLiteral("layer zero"), 0, false);
+        user.Add("layer zero", 0, false);
         user.local->SaveDB();
         EXPECT_EQ(QDir(folder).entryList(QDir::Files), (QStringList{"TVOShared.ini"}))
             << owner.toStdString();
-        EXPECT_FALSE(QFile::exists(home.file(QStringLiteral("Ann.xml"))));
+        EXPECT_FALSE(QFile::exists(home.file("Ann.xml")));
     }
-    EXPECT_TRUE(Logged(QStringLiteral("Owner name unusable as a file name.")));
+    EXPECT_TRUE(Logged("Owner name unusable as a file name."));
 }
 
 TEST_F(SharedFolder, WithoutAFolderOrAUserListNothingIsPublishedOrRead) {
-    User nowhere(QStringLiteral("Ann"), QString(), home.path());
+    User nowhere("Ann", QString(), home.path());
     const QString cwd = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(folder)); // where a relative name would land
-    nowhere.Add(QStringLiteral("layer zero"), 0, false);
+    nowhere.Add("layer zero", 0, false);
     nowhere.local->SaveDB();
     nowhere.shared->ReloadSharedSet();
     QDir::setCurrent(cwd);
-    EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
+    EXPECT_FALSE(QFile::exists(File("Shared_Ann.xml")));
     EXPECT_EQ(nowhere.shared->SharedSet().RecordCount(), 0);
-    EXPECT_TRUE(Logged(QStringLiteral("No shared data path set.")));
+    EXPECT_TRUE(Logged("No shared data path set."));
 
     // A missing user list gives an empty set; the merged set is never saved.
-    QFile::remove(File(QStringLiteral("TVOShared.ini")));
-    User ann(QStringLiteral("Ann"), folder, home.path());
+    QFile::remove(File("TVOShared.ini"));
+    User ann("Ann", folder, home.path());
     ann.shared->ReloadSharedSet();
     EXPECT_EQ(ann.shared->SharedSet().RecordCount(), 0);
     EXPECT_FALSE(ann.shared->SharedSet().DatabaseChanged());
     ann.shared->SharedSet().SaveDB();
-    EXPECT_FALSE(QFile::exists(File(QStringLiteral("Shared_Ann.xml"))));
+    EXPECT_FALSE(QFile::exists(File("Shared_Ann.xml")));
     // The list comes back: the set counts as changed, so it is read again.
-    ASSERT_TRUE(WriteFileBytes(File(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\n"));
+    ASSERT_TRUE(WriteFileBytes(File("TVOShared.ini"), "Ann\r\nBob\r\n"));
     EXPECT_TRUE(ann.shared->SharedSet().DatabaseChanged());
 }
 

@@ -15,24 +15,24 @@ protected:
     CommandLineWorkTest() {
         settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
         settings.sSet(QStringLiteral("DateStyle"), 1);
-        layers.setLayer(3, QStringLiteral("Work"));
-        events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
+        layers.setLayer(3, "Work");
+        events.SetDBFilename(home.file("Events.xml"));
     }
 
-    QByteArray eventsFile() const { return ReadFileBytes(home.file(QStringLiteral("Events.xml"))); }
+    QByteArray eventsFile() const { return ReadFileBytes(home.file("Events.xml")); }
     QString writeCalendar(const QByteArray& vevents) {
-        const QString path = home.file(QStringLiteral("in.ics"));
+        const QString path = home.file("in.ics");
         WriteFileBytes(path, "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//x//EN\r\n" + vevents +
                                  "END:VCALENDAR\r\n");
         return path;
     }
 
     TempHome home;
-    FixedClock clock{QStringLiteral("2030-06-01 08:30")};
+    FixedClock clock{"2030-06-01 08:30"};
     cSHAREDSettings settings;
     clsLayers layers{settings};
     clsDbXml events{settings, &layers};
-    EventStore store{settings, home.file(QStringLiteral("Tvo.ini")), layers, events};
+    EventStore store{settings, home.file("Tvo.ini"), layers, events};
 };
 
 } // namespace
@@ -69,7 +69,7 @@ TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
     ASSERT_EQ(events.RecordCount(), 2);
     const clsEvent& dentist = *events.Events().first();
     EXPECT_FALSE(dentist.Recurring());
-    EXPECT_EQ(dentist.DueDate(), D(QStringLiteral("2030-06-03")));
+    EXPECT_EQ(dentist.DueDate(), D("2030-06-03"));
     EXPECT_EQ(dentist.Layer(), 3);
     EXPECT_EQ(dentist.MinutesWarning(), 30); // the editor's default warning
     EXPECT_TRUE(eventsFile().contains("<Desc>Bills</Desc>"));
@@ -93,9 +93,9 @@ TEST_F(CommandLineWorkTest, AgendaListsEveryOccurrenceInOrder) {
     const QList<EventPtr> list = {gym, call, make("Later", "2030-06-09", false, 1),
                                   make("Gone", "2030-05-31", false, 1)};
     EXPECT_EQ(CommandLineWork::Agenda(list, layers, TodayDate(), 7, 1),
-              (QStringList{QStringLiteral("Mon 03/06/2030        Gym  [Work]"),
-                           QStringLiteral("Mon 03/06/2030 07:05  Call / Mum  [Shared]"),
-                           QStringLiteral("Fri 07/06/2030        Gym  [Work]")}));
+              (QStringList{"Mon 03/06/2030        Gym  [Work]",
+                           "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
+                           "Fri 07/06/2030        Gym  [Work]"}));
 }
 
 TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {
@@ -110,17 +110,16 @@ TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_EQ(r.message, QStringLiteral("Nothing imported: the run file of \"Run it\" contains "
                                         "\"<\", which the event file cannot hold."));
-    EXPECT_FALSE(QFile::exists(home.file(QStringLiteral("Events.xml"))));
-    EXPECT_EQ(layers.Layer(19), QStringLiteral("Layer 19"));
+    EXPECT_FALSE(QFile::exists(home.file("Events.xml")));
+    EXPECT_EQ(layers.Layer(19), "Layer 19");
 
     r = CalendarTransfer::Import(writeCalendar(good), store, TodayDate());
     EXPECT_EQ(r.exitCode, 0);
-    EXPECT_EQ(r.message, QStringLiteral("Imported 1 event from ") +
-                             home.file(QStringLiteral("in.ics")) +
-                             QStringLiteral(". Skipped 1: 1 in the past."));
+    EXPECT_EQ(r.message,
+              "Imported 1 event from " + home.file("in.ics") + ". Skipped 1: 1 in the past.");
     ASSERT_EQ(events.RecordCount(), 1);
     EXPECT_EQ(events.Events().first()->Layer(), 19); // a new category took a free layer
     EXPECT_EQ(events.Events().first()->IDCode.size(), 6);
     EXPECT_TRUE(eventsFile().contains("<Desc>Walk</Desc>"));
-    EXPECT_TRUE(ReadFileBytes(home.file(QStringLiteral("Tvo.ini"))).contains("LAYER19,Outdoor"));
+    EXPECT_TRUE(ReadFileBytes(home.file("Tvo.ini")).contains("LAYER19,Outdoor"));
 }

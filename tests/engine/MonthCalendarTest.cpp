@@ -81,7 +81,7 @@ TEST(MonthCalendar, GridPlacesTheFirstByItsWeekday) {
 }
 
 TEST(MonthCalendar, OccurrencesMatchStepByStepForEveryRule) {
-    FixedClock clock(QStringLiteral("2009-01-15 10:00"));
+    FixedClock clock("2009-01-15 10:00");
     const struct {
         const char* name;
         int type;
@@ -102,7 +102,7 @@ TEST(MonthCalendar, OccurrencesMatchStepByStepForEveryRule) {
     for (const auto& c : cases) {
         for (const auto& [year, month] : {std::pair{2009, 1}, {2009, 2}, {2009, 4}, {2010, 3}}) {
             SCOPED_TRACE(testing::Message() << c.name << " " << year << "-" << month);
-            const EventPtr event = Recurring(QStringLiteral("x"), c.type, D(c.due));
+            const EventPtr event = Recurring("x", c.type, D(c.due));
             event->setPeriod(c.period);
             event->setWeekDays(c.weekDays);
             event->setDayOfMonth(c.dayOfMonth);
@@ -124,35 +124,32 @@ TEST(MonthCalendar, OccurrencesMatchStepByStepForEveryRule) {
 TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
     const DateValue day = D("2009-03-05");
     auto longOneOff = OneOff(QStringLiteral("Dentist appointment downtown"), day);
-    auto longRecurring =
-        Recurring(QStringLiteral("Weekly team meeting in room 4"), clsEvent::EveryXDays, day);
+    auto longRecurring = Recurring("Weekly team meeting in room 4", clsEvent::EveryXDays, day);
     longRecurring->setPeriod(7);
-    longRecurring->setOwner(QStringLiteral("Bob"));
-    longOneOff->setOwner(QStringLiteral("Ann"));
+    longRecurring->setOwner("Bob");
+    longOneOff->setOwner("Ann");
 
     MonthCalendar plain(2009, 3);
     plain.AddEvents({longOneOff, longRecurring}, MonthCalendar::kAllLayers, false);
-    EXPECT_EQ(plain.Lines(5), (QStringList{QStringLiteral("Dentist appo"),
-                                           QStringLiteral("Weekly team meeting in")}));
-    EXPECT_EQ(plain.Lines(12), QStringList{QStringLiteral("Weekly team meeting in")});
+    EXPECT_EQ(plain.Lines(5), (QStringList{"Dentist appo", "Weekly team meeting in"}));
+    EXPECT_EQ(plain.Lines(12), QStringList{"Weekly team meeting in"});
     // The event lists show the whole descriptions.
-    EXPECT_EQ(plain.FullLines(5), (QStringList{QStringLiteral("Dentist appointment downtown"),
-                                               QStringLiteral("Weekly team meeting in room 4")}));
+    EXPECT_EQ(plain.FullLines(5),
+              (QStringList{"Dentist appointment downtown", "Weekly team meeting in room 4"}));
     // The month as text: a heading, a line for every day, a line end after the last.
     const QStringList text = plain.EventListText().split(QLatin1Char('\n'));
     ASSERT_EQ(text.size(), 1 + 31 + 1);
-    EXPECT_EQ(text[0], QStringLiteral("Events for March 2009"));
-    EXPECT_EQ(text[1], QStringLiteral("Sun 1\t"));
-    EXPECT_EQ(text[5],
-              QStringLiteral("Thu 5\tDentist appointment downtown; Weekly team meeting in room 4"));
-    EXPECT_EQ(text[31], QStringLiteral("Tue 31\t"));
+    EXPECT_EQ(text[0], "Events for March 2009");
+    EXPECT_EQ(text[1], "Sun 1\t");
+    EXPECT_EQ(text[5], "Thu 5\tDentist appointment downtown; Weekly team meeting in room 4");
+    EXPECT_EQ(text[31], "Tue 31\t");
 
     longRecurring->setDueDate(day);
     longRecurring->setStartDate(day);
     MonthCalendar networked(2009, 3);
     networked.AddEvents({longOneOff, longRecurring}, MonthCalendar::kAllLayers, true);
-    EXPECT_EQ(networked.Lines(5), (QStringList{QStringLiteral("Dentist appo [Ann]"),
-                                               QStringLiteral("Weekly team meeting in [Bob]")}));
+    EXPECT_EQ(networked.Lines(5),
+              (QStringList{"Dentist appo [Ann]", "Weekly team meeting in [Bob]"}));
 }
 
 TEST(MonthCalendar, LayerFilter) {
@@ -164,12 +161,10 @@ TEST(MonthCalendar, LayerFilter) {
     auto inZero = OneOff(QStringLiteral("zero"), day, 0);
     const QList<EventPtr> all{inTwo, inThree, sharedInThree, inZero};
     const QMap<int, QStringList> expected{
-        {2, {QStringLiteral("two")}},
-        {3, {QStringLiteral("three"), QStringLiteral("flagged")}},
-        {0, {QStringLiteral("flagged"), QStringLiteral("zero")}},
-        {20,
-         {QStringLiteral("two"), QStringLiteral("three"), QStringLiteral("flagged"),
-          QStringLiteral("zero")}},
+        {2, {"two"}},
+        {3, {"three", "flagged"}},
+        {0, {"flagged", "zero"}},
+        {20, {"two", "three", "flagged", "zero"}},
         {7, {}},
     };
     for (auto it = expected.begin(); it != expected.end(); ++it) {
@@ -186,5 +181,5 @@ TEST(MonthCalendar, RuleThatCannotAdvanceIsListedOnceWithoutHanging) {
     MonthCalendar month(2009, 3);
     month.AddEvents({unknown, emptyMask}, MonthCalendar::kAllLayers, false);
     EXPECT_EQ(month.TotalLines(), 2);
-    EXPECT_EQ(month.Lines(5), QStringList{QStringLiteral("odd")});
+    EXPECT_EQ(month.Lines(5), QStringList{"odd"});
 }

@@ -21,8 +21,8 @@ class ReminderEngine : public ::testing::Test {
 protected:
     ReminderEngine() {
         settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
-        events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
-        expired.SetDBFilename(home.file(QStringLiteral("Expired.xml")));
+        events.SetDBFilename(home.file("Events.xml"));
+        expired.SetDBFilename(home.file("Expired.xml"));
     }
 
     EventPtr add(const QString& desc, const QString& due, bool recurring = false) {
@@ -30,7 +30,7 @@ protected:
         e->setDesc(desc);
         e->setDueDate(D(due));
         e->setRecurring(recurring);
-        e->setOwner(QStringLiteral("Ann"));
+        e->setOwner("Ann");
         events.StoreRecord(e, true);
         return e;
     }
@@ -63,43 +63,40 @@ protected:
 };
 
 TEST_F(ReminderEngine, ComingUpWithinTheWarningDays) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
-    add(QStringLiteral("Dentist"), QStringLiteral("2009-03-08"))->setDaysWarning(3);
-    add(QStringLiteral("Too early"), QStringLiteral("2009-03-08"))->setDaysWarning(2);
-    add(QStringLiteral("Bill"), QStringLiteral("2009-03-06"))->setDaysWarning(7);
-    add(QStringLiteral("Only on the day"), QStringLiteral("2009-03-06"))->setDaysWarning(0);
+    FixedClock clock("2009-03-05 08:00");
+    add("Dentist", "2009-03-08")->setDaysWarning(3);
+    add("Too early", "2009-03-08")->setDaysWarning(2);
+    add("Bill", "2009-03-06")->setDaysWarning(7);
+    add("Only on the day", "2009-03-06")->setDaysWarning(0);
     ShowReminders(services);
 
-    FakeReminderWindow* comingUp = windows.withHeading(QStringLiteral("COMING UP"));
+    FakeReminderWindow* comingUp = windows.withHeading("COMING UP");
     ASSERT_NE(comingUp, nullptr);
-    EXPECT_EQ(comingUp->lines, (QStringList{QStringLiteral("In 3 days: Dentist"),
-                                            QStringLiteral("In 1 day: Bill")}));
+    EXPECT_EQ(comingUp->lines, (QStringList{"In 3 days: Dentist", "In 1 day: Bill"}));
     EXPECT_EQ(windows.shown().size(), 1u) << "no today window without events today";
-    EXPECT_TRUE(newLogLines().contains(QStringLiteral("Showing upcoming reminders")));
+    EXPECT_TRUE(newLogLines().contains("Showing upcoming reminders"));
     const FakeDesktopNotifier::Sent sent{
-        QStringLiteral("COMING UP"),
-        {QStringLiteral("In 1 day: Bill"), QStringLiteral("In 3 days: Dentist")},
-        false};
+        "COMING UP", {"In 1 day: Bill", "In 3 days: Dentist"}, false};
     EXPECT_EQ(notifier.sent, QList{sent}) << "the notification lists the soonest first";
 }
 
 TEST_F(ReminderEngine, TodayWindowTakesTheLastSoundAndSkipsRunFiles) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
-    EventPtr a = add(QStringLiteral("Birthday"), QStringLiteral("2009-03-05"));
+    FixedClock clock("2009-03-05 08:00");
+    EventPtr a = add("Birthday", "2009-03-05");
     a->PlayWav = true;
-    a->WavFile = QStringLiteral("/sounds/a.wav");
-    EventPtr b = add(QStringLiteral("Call"), QStringLiteral("2009-03-05"));
+    a->WavFile = "/sounds/a.wav";
+    EventPtr b = add("Call", "2009-03-05");
     b->PlayWav = true; // no file of its own: keeps a's
-    EventPtr run = add(QStringLiteral("Backup script"), QStringLiteral("2009-03-05"));
+    EventPtr run = add("Backup script", "2009-03-05");
     run->ExecFile = true;
     ShowReminders(services);
 
-    FakeReminderWindow* today = windows.withHeading(QStringLiteral("TODAY!"));
+    FakeReminderWindow* today = windows.withHeading("TODAY!");
     ASSERT_NE(today, nullptr);
-    EXPECT_EQ(today->lines, (QStringList{QStringLiteral("Birthday"), QStringLiteral("Call")}));
+    EXPECT_EQ(today->lines, (QStringList{"Birthday", "Call"}));
     EXPECT_TRUE(today->soundFlag);
-    EXPECT_EQ(today->soundFile, QStringLiteral("/sounds/a.wav"));
-    EXPECT_TRUE(newLogLines().contains(QStringLiteral("Showing today's reminders")));
+    EXPECT_EQ(today->soundFile, "/sounds/a.wav");
+    EXPECT_TRUE(newLogLines().contains("Showing today's reminders"));
     EXPECT_EQ(notifier.sent.value(0).lines, today->lines);
 
     settings.sSet(QStringLiteral("DesktopNotifications"), false);
@@ -111,19 +108,19 @@ TEST_F(ReminderEngine, TodayWindowTakesTheLastSoundAndSkipsRunFiles) {
 // (not into "Expired.xml", as users' files always behaved), also without ID
 // codes; each file is saved once, and not at all when nothing changed.
 TEST_F(ReminderEngine, PassedEventsRollForwardOrLeaveInOneSave) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:00"));
-    EventPtr weekly = add(QStringLiteral("Team meeting"), QStringLiteral("2009-03-04"), true);
+    FixedClock clock("2009-03-05 08:00");
+    EventPtr weekly = add("Team meeting", "2009-03-04", true);
     weekly->setRecurrenceType(clsEvent::Weekly);
     weekly->setPeriod(1);
-    weekly->setStartDate(D(QStringLiteral("2009-03-04")));
-    const QString onceId = add(QStringLiteral("Parcel"), QStringLiteral("2009-03-04"))->IDCode;
-    add(QStringLiteral("Letter"), QStringLiteral("2009-03-03"))->IDCode.clear();
-    add(QStringLiteral("Card"), QStringLiteral("2009-03-02"))->IDCode.clear();
-    add(QStringLiteral("Later"), QStringLiteral("2009-03-09"));
+    weekly->setStartDate(D("2009-03-04"));
+    const QString onceId = add("Parcel", "2009-03-04")->IDCode;
+    add("Letter", "2009-03-03")->IDCode.clear();
+    add("Card", "2009-03-02")->IDCode.clear();
+    add("Later", "2009-03-09");
     // Two passed events sharing a code (a hand-edited file): removing by code
     // takes the first one twice, so the second stays, as it always did.
-    add(QStringLiteral("Twin A"), QStringLiteral("2009-03-01"))->IDCode = QStringLiteral("777777");
-    add(QStringLiteral("Twin B"), QStringLiteral("2009-03-01"))->IDCode = QStringLiteral("777777");
+    add("Twin A", "2009-03-01")->IDCode = "777777";
+    add("Twin B", "2009-03-01")->IDCode = "777777";
     saveAndReload();
     int saves = 0; // the publisher runs at the end of every save
     events.setPublisher([&saves](clsDbXml&) { ++saves; });
@@ -131,8 +128,8 @@ TEST_F(ReminderEngine, PassedEventsRollForwardOrLeaveInOneSave) {
 
     EXPECT_EQ(saves, 1);
     const QStringList log = newLogLines();
-    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and updated: 04/03/2009 Team meeting")));
-    EXPECT_TRUE(log.contains(QStringLiteral("Event expired and deleted: 04/03/2009 Parcel")));
+    EXPECT_TRUE(log.contains("Event expired and updated: 04/03/2009 Team meeting"));
+    EXPECT_TRUE(log.contains("Event expired and deleted: 04/03/2009 Parcel"));
     clsDbXml reread(settings);
     reread.LoadDB(events.DBFilename());
     QStringList left;
@@ -158,7 +155,7 @@ TEST_F(ReminderEngine, PassedEventsRollForwardOrLeaveInOneSave) {
 }
 
 TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
-    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 9, 0, 15);
+    addAlarm("Doctor", "2009-03-05", 9, 0, 15);
     saveAndReload(); // the alarm time as it comes back from the file
     const struct {
         const char* now;
@@ -173,11 +170,10 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
         windows.made.clear();
         CheckAlarms(services);
         EXPECT_EQ(windows.shown().size(), t.fires ? 1u : 0u) << t.now;
-        if (FakeReminderWindow* alarm = windows.withHeading(QStringLiteral("ALARM!"))) {
-            EXPECT_EQ(alarm->lines, QStringList{QStringLiteral("Doctor")});
+        if (FakeReminderWindow* alarm = windows.withHeading("ALARM!")) {
+            EXPECT_EQ(alarm->lines, QStringList{"Doctor"});
             EXPECT_TRUE(alarm->soundFlag && alarm->topmost);
-            EXPECT_TRUE(notifier.sent.last().heading == QStringLiteral("ALARM!") &&
-                        notifier.sent.last().critical);
+            EXPECT_TRUE(notifier.sent.last().heading == "ALARM!" && notifier.sent.last().critical);
         }
     }
 }
@@ -185,24 +181,22 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
 // A run-a-file alarm opens its file (blanks trimmed) or logs its absence; in
 // networked mode another user's file is never opened, only shown.
 TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
-    FixedClock clock(QStringLiteral("2009-03-05 07:00"));
+    FixedClock clock("2009-03-05 07:00");
     settings.sSet(QStringLiteral("Networked"), true);
-    const QString script = home.file(QStringLiteral("backup.sh"));
+    const QString script = home.file("backup.sh");
     WriteFileBytes(script, "#!/bin/sh\n");
-    EventPtr present =
-        addAlarm(QStringLiteral("Run backup"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    EventPtr present = addAlarm("Run backup", "2009-03-05", 7, 0, 0);
     present->ExecFile = true;
-    present->Filename = QStringLiteral("  ") + script + QStringLiteral(" ");
-    EventPtr missing =
-        addAlarm(QStringLiteral("Run missing"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    present->Filename = "  " + script + " ";
+    EventPtr missing = addAlarm("Run missing", "2009-03-05", 7, 0, 0);
     missing->ExecFile = true;
-    missing->Filename = home.file(QStringLiteral("gone.sh"));
-    addAlarm(QStringLiteral("Ann's alarm"), QStringLiteral("2009-03-05"), 7, 0, 0);
+    missing->Filename = home.file("gone.sh");
+    addAlarm("Ann's alarm", "2009-03-05", 7, 0, 0);
     clsDbXml shared(settings);
     auto bobs = std::make_shared<clsEvent>();
-    bobs->setDesc(QStringLiteral("Bob's task"));
-    bobs->setOwner(QStringLiteral("Bob"));
-    bobs->setDueDate(D(QStringLiteral("2009-03-05")));
+    bobs->setDesc("Bob's task");
+    bobs->setOwner("Bob");
+    bobs->setDueDate(D("2009-03-05"));
     bobs->setAlarmSet(true);
     bobs->setAlarmTime(TimeSerial(7, 0));
     bobs->ExecFile = true;
@@ -218,34 +212,32 @@ TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
     }
     EXPECT_EQ(shown, QStringList({"Ann's alarm", "Bob's task"}));
     const QStringList log = newLogLines();
-    EXPECT_TRUE(log.contains(QStringLiteral("Can't run ") + missing->Filename +
-                             QStringLiteral(" - file not found")));
-    EXPECT_EQ(log.filter(script).filter(QStringLiteral("Bob")).size(), 1);
+    EXPECT_TRUE(log.contains("Can't run " + missing->Filename + " - file not found"));
+    EXPECT_EQ(log.filter(script).filter("Bob").size(), 1);
 }
 
 TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
-    EventPtr mine = add(QStringLiteral("Mine"), QStringLiteral("2009-03-05"));
-    mine->setOwner(QStringLiteral(" ann ")); // the same user, as publishing compares
-    EventPtr bobs = add(QStringLiteral("Bob's"), QStringLiteral("2009-03-05"));
-    bobs->setOwner(QStringLiteral("Bob"));
+    EventPtr mine = add("Mine", "2009-03-05");
+    mine->setOwner(" ann "); // the same user, as publishing compares
+    EventPtr bobs = add("Bob's", "2009-03-05");
+    bobs->setOwner("Bob");
 
     settings.sSet(QStringLiteral("Networked"), true);
     EXPECT_FALSE(DeleteEvent(services, bobs->IDCode));
     EXPECT_EQ(dialogs.texts(),
-              QStringList{
-                  QStringLiteral("You're not the owner of this event.  Only Bob can delete it.")});
+              QStringList{"You're not the owner of this event.  Only Bob can delete it."});
     EXPECT_FALSE(bobs->Deleted);
     EXPECT_TRUE(DeleteEvent(services, mine->IDCode));
     EXPECT_TRUE(mine->Deleted);
 
     settings.sSet(QStringLiteral("Networked"), false);
     EXPECT_TRUE(DeleteEvent(services, bobs->IDCode)) << "single-user mode has no owners to check";
-    EXPECT_FALSE(DeleteEvent(services, QStringLiteral("999999")));
+    EXPECT_FALSE(DeleteEvent(services, "999999"));
     EXPECT_EQ(dialogs.count(), 1);
 
     auto old = std::make_shared<clsEvent>();
     expired.StoreRecord(old, true);
-    EXPECT_FALSE(DeleteExpiredEvent(services, QStringLiteral("000000")));
+    EXPECT_FALSE(DeleteExpiredEvent(services, "000000"));
     EXPECT_TRUE(DeleteExpiredEvent(services, old->IDCode));
     EXPECT_TRUE(old->Deleted);
 }
@@ -264,7 +256,7 @@ protected:
     // The MISSED window's lines as the user reads them: the real window puts
     // each line above the earlier ones, the fake appends.
     QStringList missedLines() const {
-        FakeReminderWindow* w = windows.withHeading(QStringLiteral("MISSED"));
+        FakeReminderWindow* w = windows.withHeading("MISSED");
         QStringList shown;
         for (const QString& line : w != nullptr ? w->lines : QStringList()) {
             shown.prepend(line);
@@ -274,16 +266,16 @@ protected:
 };
 
 TEST_F(RefreshTickTest, ANewDayShowsRemindersOnceAndEachAlarmIsRaisedOnceInItsMinute) {
-    FixedClock clock(QStringLiteral("2009-03-05 08:44"));
-    add(QStringLiteral("Today's thing"), QStringLiteral("2009-03-05"));
-    EventPtr daily = addAlarm(QStringLiteral("Pills"), QStringLiteral("2009-03-05"), 9, 0, 15);
+    FixedClock clock("2009-03-05 08:44");
+    add("Today's thing", "2009-03-05");
+    EventPtr daily = addAlarm("Pills", "2009-03-05", 9, 0, 15);
     daily->setRecurring(true);
     daily->setRecurrenceType(clsEvent::EveryXDays);
     daily->setPeriod(1);
-    daily->setStartDate(D(QStringLiteral("2009-03-05")));
-    EventPtr run = addAlarm(QStringLiteral("Backup"), QStringLiteral("2009-03-05"), 8, 45, 0);
+    daily->setStartDate(D("2009-03-05"));
+    EventPtr run = addAlarm("Backup", "2009-03-05", 8, 45, 0);
     run->ExecFile = true;
-    run->Filename = home.file(QStringLiteral("Events.xml"));
+    run->Filename = home.file("Events.xml");
     events.SaveDB();
     const QDateTime stamp = QFileInfo(events.DBFilename()).lastModified();
     const struct {
@@ -304,8 +296,8 @@ TEST_F(RefreshTickTest, ANewDayShowsRemindersOnceAndEachAlarmIsRaisedOnceInItsMi
             ++headings[w->heading];
         }
         EXPECT_EQ(refills, t.refills) << t.advance;
-        EXPECT_EQ(headings.value(QStringLiteral("TODAY!")), t.today) << t.advance;
-        EXPECT_EQ(headings.value(QStringLiteral("ALARM!")), t.alarms) << t.advance;
+        EXPECT_EQ(headings.value("TODAY!"), t.today) << t.advance;
+        EXPECT_EQ(headings.value("ALARM!"), t.alarms) << t.advance;
         EXPECT_EQ(opener.opened.size(), t.opened) << t.advance;
         if (t.refills == 1) {
             EXPECT_EQ(QFileInfo(events.DBFilename()).lastModified(), stamp)
@@ -318,10 +310,10 @@ TEST_F(RefreshTickTest, ANewDayShowsRemindersOnceAndEachAlarmIsRaisedOnceInItsMi
 }
 
 TEST_F(RefreshTickTest, NetworkedRefillsWhenTheSharedFilesChange) {
-    FixedClock clock(QStringLiteral("2009-03-05 10:00"));
+    FixedClock clock("2009-03-05 10:00");
     settings.sSet(QStringLiteral("Networked"), true);
     settings.sSet(QStringLiteral("SharedDatapath"), home.path());
-    const QString list = home.file(QStringLiteral("TVOShared.ini"));
+    const QString list = home.file("TVOShared.ini");
     WriteFileBytes(list, "Ann\r\nBob\r\n");
     clsDbXml shared(settings);
     shared.LoadMultiple(list);
@@ -331,20 +323,20 @@ TEST_F(RefreshTickTest, NetworkedRefillsWhenTheSharedFilesChange) {
     EXPECT_EQ(refills, 1);
     tick.TimerRefresh_Timer();
     EXPECT_EQ(refills, 1) << "nothing changed";
-    WriteFileBytes(home.file(QStringLiteral("Shared_Bob.xml")), "");
+    WriteFileBytes(home.file("Shared_Bob.xml"), "");
     tick.TimerRefresh_Timer();
     EXPECT_EQ(refills, 2) << "Bob's file appeared";
 }
 
 TEST_F(RefreshTickTest, AClockJumpListsTheAlarmsOfTheGapOnceAndRunsNoFile) {
-    FixedClock clock(QStringLiteral("2009-03-05 07:00"));
-    addAlarm(QStringLiteral("Doctor"), QStringLiteral("2009-03-05"), 8, 0, 0);
-    EventPtr daily = addAlarm(QStringLiteral("Pills"), QStringLiteral("2009-03-05"), 9, 0, 0);
+    FixedClock clock("2009-03-05 07:00");
+    addAlarm("Doctor", "2009-03-05", 8, 0, 0);
+    EventPtr daily = addAlarm("Pills", "2009-03-05", 9, 0, 0);
     daily->setRecurring(true);
     daily->setWeekDays(254); // every day
-    EventPtr run = addAlarm(QStringLiteral("Backup"), QStringLiteral("2009-03-05"), 8, 30, 0);
+    EventPtr run = addAlarm("Backup", "2009-03-05", 8, 30, 0);
     run->ExecFile = true;
-    run->Filename = home.file(QStringLiteral("Events.xml"));
+    run->Filename = home.file("Events.xml");
     tick.TimerRefresh_Timer();
     Clock::advance(90);
     tick.TimerRefresh_Timer();
@@ -354,48 +346,46 @@ TEST_F(RefreshTickTest, AClockJumpListsTheAlarmsOfTheGapOnceAndRunsNoFile) {
     windows.made.clear();
     notifier.sent.clear();
     tick.TimerRefresh_Timer();
-    const QStringList expected = {QStringLiteral("Missed while the computer was asleep:"),
-                                  QStringLiteral("Thu 03/05/2009 08:00  Doctor"),
-                                  QStringLiteral("Thu 03/05/2009 08:30  Backup (its file was "
-                                                 "not opened)"),
-                                  QStringLiteral("Thu 03/05/2009 09:00  Pills"),
-                                  QStringLiteral("Fri 03/06/2009 09:00  Pills")};
+    const QStringList expected = {
+        "Missed while the computer was asleep:", "Thu 03/05/2009 08:00  Doctor",
+        QStringLiteral("Thu 03/05/2009 08:30  Backup (its file was "
+                       "not opened)"),
+        "Thu 03/05/2009 09:00  Pills", "Fri 03/06/2009 09:00  Pills"};
     EXPECT_EQ(missedLines(), expected);
-    FakeReminderWindow* missed = windows.withHeading(QStringLiteral("MISSED"));
+    FakeReminderWindow* missed = windows.withHeading("MISSED");
     ASSERT_NE(missed, nullptr);
     EXPECT_TRUE(missed->soundFlag && missed->soundOnce && missed->topmost);
     EXPECT_TRUE(opener.opened.isEmpty()) << "a missed file is never run late";
-    EXPECT_TRUE(newLogLines().contains(
-        QStringLiteral("Missed alarm: 2009-03-05 08:30 Backup - its file is not run late")));
+    EXPECT_TRUE(
+        newLogLines().contains("Missed alarm: 2009-03-05 08:30 Backup - its file is not run late"));
     EXPECT_EQ(notifier.sent.value(0).lines, expected);
-    EXPECT_NE(windows.withHeading(QStringLiteral("TODAY!")), nullptr) << "then the new day's pass";
+    EXPECT_NE(windows.withHeading("TODAY!"), nullptr) << "then the new day's pass";
 }
 
 TEST_F(RefreshTickTest, StartUpListsTheAlarmsSinceTheLastRunWithinAWeek) {
-    FixedClock clock(QStringLiteral("2009-03-05 09:00"));
+    FixedClock clock("2009-03-05 09:00");
     for (int h : {7, 8, 9}) {
         addAlarm(QStringLiteral("At %1").arg(h), QStringLiteral("2009-03-05"), h, 0, 0);
     }
-    addAlarm(QStringLiteral("Too old"), QStringLiteral("2009-02-25"), 8, 0, 0);
+    addAlarm("Too old", "2009-02-25", 8, 0, 0);
     settings.sSet(QStringLiteral("LastRun"), QStringLiteral("2009-03-05 07:00"));
     tick.ShowMissedSinceLastRun();
-    EXPECT_EQ(missedLines(), (QStringList{QStringLiteral("Missed while Tarvo was not running:"),
-                                          QStringLiteral("Thu 03/05/2009 08:00  At 8")}))
+    EXPECT_EQ(missedLines(),
+              (QStringList{"Missed while Tarvo was not running:", "Thu 03/05/2009 08:00  At 8"}))
         << "the last run's minute and this minute had their ticks";
 
     windows.made.clear();
     settings.sSet(QStringLiteral("LastRun"), QStringLiteral("2009-02-20 07:00"));
     tick.ShowMissedSinceLastRun();
-    EXPECT_EQ(missedLines(), (QStringList{QStringLiteral("Missed while Tarvo was not running:"),
-                                          QStringLiteral("Thu 03/05/2009 07:00  At 7"),
-                                          QStringLiteral("Thu 03/05/2009 08:00  At 8")}))
+    EXPECT_EQ(missedLines(),
+              (QStringList{"Missed while Tarvo was not running:", "Thu 03/05/2009 07:00  At 7",
+                           "Thu 03/05/2009 08:00  At 8"}))
         << "seven days back at most: not the alarm of 02/25";
 
     tick.TimerRefresh_Timer();
     Clock::advance(20);
     tick.TimerRefresh_Timer();
-    EXPECT_EQ(settings.sGet(QStringLiteral("LastRun")).toText(),
-              QStringLiteral("2009-03-05 09:00"));
+    EXPECT_EQ(settings.sGet("LastRun").toText(), "2009-03-05 09:00");
     EXPECT_EQ(saves, 1) << "saved once per minute";
 }
 

@@ -15,70 +15,69 @@ namespace {
 
 QStringList fileLines(const QString& path) {
     QString text = QString::fromLatin1(ReadFileBytes(path));
-    EXPECT_TRUE(text.isEmpty() || text.endsWith(QStringLiteral("\r\n"))) << "lines end in CR LF";
+    EXPECT_TRUE(text.isEmpty() || text.endsWith("\r\n")) << "lines end in CR LF";
     text.chop(2);
-    return text.isEmpty() ? QStringList() : text.split(QStringLiteral("\r\n"));
+    return text.isEmpty() ? QStringList() : text.split("\r\n");
 }
 
 class Logging : public ::testing::Test {
 protected:
     TempHome home;
-    FixedClock clock{QStringLiteral("2026-11-21 14:03")};
-    QString logPath = home.file(QStringLiteral("log.txt"));
+    FixedClock clock{"2026-11-21 14:03"};
+    QString logPath = home.file("log.txt");
 };
 
 TEST_F(Logging, FreshFileStartsWithTheHeaderAndIsWrittenAsWindows1252) {
     cSharedLogging log(home.path());
     WriteFileBytes(logPath, "old run\r\n");
-    log.LogEvent(QStringLiteral("TVO Startup"), true);
-    log.LogEvent(QStringLiteral("caf\u00e9 \u20ac"));
+    log.LogEvent("TVO Startup", true);
+    log.LogEvent("caf\u00e9 \u20ac");
     EXPECT_EQ(log.CurrentLogFilename(), logPath);
     const QStringList expected = {
-        QStringLiteral("1 14:03:00, Log file created "),
-        QStringLiteral("1 14:03:00, Operating System: ") + AppInfo::OperatingSystemText(),
-        QStringLiteral("1 14:03:00, App: Tarvo"),
-        QStringLiteral("1 14:03:00, Version: ") + AppInfo::VersionText(),
-        QStringLiteral("1 14:03:00, Curdir: ") + QDir::toNativeSeparators(QDir::currentPath()),
-        QStringLiteral("1 14:03:00, App path: ") + home.path(),
-        QStringLiteral("1 14:03:00, TVO Startup"),
-        QStringLiteral("1 14:03:00, caf\u00e9 \u0080"), // the euro sign is byte 0x80
+        "1 14:03:00, Log file created ",
+        "1 14:03:00, Operating System: " + AppInfo::OperatingSystemText(),
+        "1 14:03:00, App: Tarvo",
+        "1 14:03:00, Version: " + AppInfo::VersionText(),
+        "1 14:03:00, Curdir: " + QDir::toNativeSeparators(QDir::currentPath()),
+        "1 14:03:00, App path: " + home.path(),
+        "1 14:03:00, TVO Startup",
+        "1 14:03:00, caf\u00e9 \u0080", // the euro sign is byte 0x80
     };
     EXPECT_EQ(fileLines(logPath), expected);
-    EXPECT_TRUE(AppInfo::VersionText().contains(
-        QRegularExpression(QStringLiteral("^\\d+\\.\\d+\\.\\d+$"))));
+    EXPECT_TRUE(AppInfo::VersionText().contains(QRegularExpression("^\\d+\\.\\d+\\.\\d+$")));
 }
 
 // Actions wait in memory, each with the time it was added, until the
 // twenty-first; an error is written at once and takes the waiting ones with it.
 TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirstOrAnError) {
     cSharedLogging log(home.path());
-    log.LogEvent(QStringLiteral("start"), true);
+    log.LogEvent("start", true);
     const qsizetype before = fileLines(logPath).size();
 
     Clock::advance(22);
-    log.AddAction(QStringLiteral("plain"));
+    log.AddAction("plain");
     Clock::advance(95);
-    log.AddAction(QStringLiteral("x"), QStringLiteral("P"), QStringLiteral("M"));
-    log.AddDebug(QStringLiteral("d"), QString(), QStringLiteral("M"));
-    EXPECT_EQ(log.CurrentAction(), QStringLiteral("DBG: d of module M"));
+    log.AddAction("x", "P", "M");
+    log.AddDebug("d", QString(), "M");
+    EXPECT_EQ(log.CurrentAction(), "DBG: d of module M");
     for (int i = 4; i <= 20; ++i) {
         log.AddAction(QStringLiteral("a%1").arg(i));
     }
     EXPECT_EQ(fileLines(logPath).size(), before) << "twenty entries stay in memory";
     EXPECT_EQ(log.pendingActions().size(), 20);
 
-    log.AddAction(QStringLiteral("a21"));
+    log.AddAction("a21");
     QStringList lines = fileLines(logPath);
     ASSERT_EQ(lines.size(), before + 21);
     EXPECT_EQ(lines.mid(before, 3),
               QStringList({"1 14:03:22, plain", "1 14:04:57, x in P of module M",
                            "1 14:04:57, DBG: d of module M"}));
-    EXPECT_EQ(lines.last(), QStringLiteral("1 14:04:57, a21"));
+    EXPECT_EQ(lines.last(), "1 14:04:57, a21");
     EXPECT_TRUE(log.pendingActions().isEmpty());
     EXPECT_EQ(log.CurrentAction(), QString());
 
-    log.AddAction(QStringLiteral("before"));
-    log.LogError(RuntimeError::fileNotFound(), QStringLiteral("frmMain"), QStringLiteral("Save"));
+    log.AddAction("before");
+    log.LogError(RuntimeError::fileNotFound(), "frmMain", "Save");
     lines = fileLines(logPath);
     EXPECT_EQ(lines.mid(lines.size() - 2),
               QStringList({"1 14:04:57, Error 53 (File not found) in frmMain of Save",
@@ -91,35 +90,35 @@ TEST_F(Logging, ActionsWaitUntilTheFileCanBeWritten) {
     {
         cSharedLogging log(home.path());
         for (int i = 0; i < 25; ++i) {
-            log.AddAction(QStringLiteral("a"));
+            log.AddAction("a");
         }
         EXPECT_EQ(log.pendingActions().size(), 25);
         EXPECT_FALSE(QFileInfo::exists(logPath));
-        log.LogEvent(QStringLiteral("start"), true);
+        log.LogEvent("start", true);
         log.WriteActionsToLog();
         EXPECT_EQ(fileLines(logPath).size(), 7 + 25);
 
         ASSERT_TRUE(QFile::remove(logPath) && QDir().mkpath(logPath)); // a folder in the way
-        log.AddAction(QStringLiteral("kept"));
+        log.AddAction("kept");
         log.WriteActionsToLog();
-        EXPECT_EQ(log.pendingActions(), QStringList{QStringLiteral("kept")});
+        EXPECT_EQ(log.pendingActions(), QStringList{"kept"});
         ASSERT_TRUE(QDir().rmdir(logPath));
         log.WriteActionsToLog();
-        EXPECT_EQ(fileLines(logPath), QStringList{QStringLiteral("1 14:03:00, kept")});
-        log.AddAction(QStringLiteral("last words"));
+        EXPECT_EQ(fileLines(logPath), QStringList{"1 14:03:00, kept"});
+        log.AddAction("last words");
     }
-    EXPECT_EQ(fileLines(logPath).last(), QStringLiteral("1 14:03:00, last words"));
+    EXPECT_EQ(fileLines(logPath).last(), "1 14:03:00, last words");
 }
 
 TEST_F(Logging, NoLoggingWritesAndBuffersNothing) {
     cSharedLogging log(home.path());
     log.setNOLOGGING(true);
-    log.LogEvent(QStringLiteral("start"), true);
+    log.LogEvent("start", true);
     for (int i = 0; i < 30; ++i) {
-        log.AddAction(QStringLiteral("a"));
+        log.AddAction("a");
     }
-    log.AddDebug(QStringLiteral("d"));
-    log.LogError(6, QStringLiteral("Overflow"), QStringLiteral("A"), QStringLiteral("B"));
+    log.AddDebug("d");
+    log.LogError(6, "Overflow", "A", "B");
     log.WriteActionsToLog();
     EXPECT_TRUE(log.pendingActions().isEmpty());
     EXPECT_FALSE(QFileInfo::exists(logPath));
@@ -130,16 +129,16 @@ TEST_F(Logging, AFileThatCannotBeDeletedIsAppendedTo) {
     // A log name that is a non-empty folder cannot be deleted: the new-file
     // request falls back to appending, without a header.
     cSharedLogging log(home.path());
-    const QString dirLike = home.file(QStringLiteral("stuck"));
-    QDir().mkpath(dirLike + QStringLiteral("/inner"));
-    log.LogToFile(dirLike, QStringLiteral("x"), true);
+    const QString dirLike = home.file("stuck");
+    QDir().mkpath(dirLike + "/inner");
+    log.LogToFile(dirLike, "x", true);
     EXPECT_TRUE(QFileInfo(dirLike).isDir()) << "nothing was replaced";
 
     // A file in a read-only folder cannot be deleted: it is appended to, no header.
-    const QString folder = home.file(QStringLiteral("ro"));
+    const QString folder = home.file("ro");
     QDir().mkpath(folder);
-    const QString file = AppPaths::JoinPath(folder, QStringLiteral("log.txt"));
-    const QString probe = AppPaths::JoinPath(folder, QStringLiteral("probe"));
+    const QString file = AppPaths::JoinPath(folder, "log.txt");
+    const QString probe = AppPaths::JoinPath(folder, "probe");
     WriteFileBytes(file, "1 10:00:00, earlier\r\n");
     WriteFileBytes(probe, "x");
     const auto all = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
@@ -149,28 +148,27 @@ TEST_F(Logging, AFileThatCannotBeDeletedIsAppendedTo) {
         // This user (root) deletes anything in a read-only folder; an
         // append-only file attribute stops even root from deleting it.
         QFile::setPermissions(folder, all);
-        appendOnly = QProcess::execute(QStringLiteral("chattr"), {QStringLiteral("+a"), file}) == 0;
+        appendOnly = QProcess::execute("chattr", {"+a", file}) == 0;
         if (!appendOnly) {
             GTEST_SKIP() << "no way to make an undeletable file here";
         }
     }
-    log.LogToFile(file, QStringLiteral("appended"), true);
+    log.LogToFile(file, "appended", true);
     QFile::setPermissions(folder, all);
     if (appendOnly) {
-        QProcess::execute(QStringLiteral("chattr"), {QStringLiteral("-a"), file});
+        QProcess::execute("chattr", {"-a", file});
     }
-    EXPECT_EQ(fileLines(file), (QStringList{QStringLiteral("1 10:00:00, earlier"),
-                                            QStringLiteral("1 14:03:00, appended")}));
+    EXPECT_EQ(fileLines(file), (QStringList{"1 10:00:00, earlier", "1 14:03:00, appended"}));
 }
 
 TEST_F(Logging, OverrideKeepsNamesInExistingFolders) {
     cSharedLogging log(home.path());
-    const QString inHome = home.file(QStringLiteral("other.txt"));
+    const QString inHome = home.file("other.txt");
     log.OverrideLogFilename(inHome);
     EXPECT_EQ(log.CurrentLogFilename(), inHome);
-    log.OverrideLogFilename(QStringLiteral("/no/such/folder/x.txt"));
+    log.OverrideLogFilename("/no/such/folder/x.txt");
     // The folder and the file part run together with no separator.
-    EXPECT_EQ(log.CurrentLogFilename(), home.path() + QStringLiteral("x.txt"));
+    EXPECT_EQ(log.CurrentLogFilename(), home.path() + "x.txt");
 }
 
 } // namespace

@@ -14,12 +14,12 @@ namespace {
 class BackupArchiveTest : public ::testing::Test {
 protected:
     BackupArchiveTest() {
-        QDir(home.path()).mkpath(QStringLiteral("Data"));
-        sources.eventsDb = home.file(QStringLiteral("Data/Events.xml"));
-        sources.expiredDb = home.file(QStringLiteral("Data/Expired.xml"));
-        sources.settingsFile = home.file(QStringLiteral("Tvo.ini"));
-        sources.logFile = home.file(QStringLiteral("log.txt"));
-        sources.dataPath = home.file(QStringLiteral("Data"));
+        QDir(home.path()).mkpath("Data");
+        sources.eventsDb = home.file("Data/Events.xml");
+        sources.expiredDb = home.file("Data/Expired.xml");
+        sources.settingsFile = home.file("Tvo.ini");
+        sources.logFile = home.file("log.txt");
+        sources.dataPath = home.file("Data");
         m_oldLog = Log().CurrentLogFilename();
         Log().OverrideLogFilename(sources.logFile);
     }
@@ -27,7 +27,7 @@ protected:
 
     QString LastLogLine() const {
         const QStringList lines = QString::fromLatin1(ReadFileBytes(Log().CurrentLogFilename()))
-                                      .split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+                                      .split("\r\n", Qt::SkipEmptyParts);
         return lines.isEmpty() ? QString() : lines.last();
     }
 
@@ -39,13 +39,13 @@ protected:
 // The archive is named by weekday and kind in the home folder, and holds the
 // files that exist, in their fixed order, the old event files found by any case.
 TEST_F(BackupArchiveTest, ArchiveHoldsTheFilesThatExistInOrderAndChangesNone) {
-    FixedClock clock(QStringLiteral("2026-11-16 09:00"));
+    FixedClock clock("2026-11-16 09:00");
     const QList<QPair<QString, QByteArray>> present = {
         {sources.eventsDb, "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\r\n"},
         {sources.settingsFile, "Owner=Ann\r\n"},
-        {home.file(QStringLiteral("Data/tasklist.xml")), "tasks"},
-        {home.file(QStringLiteral("Data/events.dat")), "old"},
-        {home.file(QStringLiteral("Data/Expired.dat")), QByteArray(498, ' ')},
+        {home.file("Data/tasklist.xml"), "tasks"},
+        {home.file("Data/events.dat"), "old"},
+        {home.file("Data/Expired.dat"), QByteArray(498, ' ')},
     };
     for (const auto& [path, bytes] : present) {
         ASSERT_TRUE(WriteFileBytes(path, bytes));
@@ -53,18 +53,17 @@ TEST_F(BackupArchiveTest, ArchiveHoldsTheFilesThatExistInOrderAndChangesNone) {
     const QDateTime stamp = QFileInfo(sources.eventsDb).lastModified();
     QFile::remove(sources.logFile);
 
-    ASSERT_TRUE(BackupDataToZip(QStringLiteral("Autobackup"), sources));
+    ASSERT_TRUE(BackupDataToZip("Autobackup", sources));
 
-    const QString archive = home.file(QStringLiteral("Autobackups/Mon Autobackup.zip"));
-    EXPECT_EQ(BackupArchivePath(QStringLiteral("Autobackup"), TodayDate()), archive);
+    const QString archive = home.file("Autobackups/Mon Autobackup.zip");
+    EXPECT_EQ(BackupArchivePath("Autobackup", TodayDate()), archive);
     EXPECT_EQ(cSHAREDZipFiles::ListEntries(archive),
               QStringList({"Events.xml", "Tvo.ini", "tasklist.xml", "events.dat", "Expired.dat"}));
     for (const auto& [path, bytes] : present) {
         EXPECT_EQ(ReadFileBytes(path), bytes) << path.toStdString();
     }
     EXPECT_EQ(QFileInfo(sources.eventsDb).lastModified(), stamp);
-    EXPECT_TRUE(LastLogLine().endsWith(QStringLiteral("Backup to ") + archive +
-                                       QStringLiteral(" complete")))
+    EXPECT_TRUE(LastLogLine().endsWith("Backup to " + archive + " complete"))
         << LastLogLine().toStdString();
 }
 
@@ -72,22 +71,21 @@ TEST_F(BackupArchiveTest, SameWeekdayNextWeekReplacesTheArchive) {
     ASSERT_TRUE(WriteFileBytes(sources.eventsDb, "week one"));
     ASSERT_TRUE(WriteFileBytes(sources.settingsFile, "ini"));
     {
-        FixedClock clock(QStringLiteral("2026-11-16 09:00"));
-        ASSERT_TRUE(BackupDataToZip(QStringLiteral("Autobackup"), sources));
+        FixedClock clock("2026-11-16 09:00");
+        ASSERT_TRUE(BackupDataToZip("Autobackup", sources));
     }
     QFile::remove(sources.settingsFile);
     ASSERT_TRUE(WriteFileBytes(sources.eventsDb, "week two"));
     {
-        FixedClock clock(QStringLiteral("2026-11-23 09:00"));
-        ASSERT_TRUE(BackupDataToZip(QStringLiteral("Autobackup"), sources));
+        FixedClock clock("2026-11-23 09:00");
+        ASSERT_TRUE(BackupDataToZip("Autobackup", sources));
     }
-    const QString archive = home.file(QStringLiteral("Autobackups/Mon Autobackup.zip"));
+    const QString archive = home.file("Autobackups/Mon Autobackup.zip");
     // The first backup's log line is in the second archive; the settings file
     // removed in between is not.
-    EXPECT_EQ(cSHAREDZipFiles::ListEntries(archive),
-              QStringList({QStringLiteral("Events.xml"), QStringLiteral("log.txt")}));
-    EXPECT_EQ(QDir(home.file(QStringLiteral("Autobackups"))).entryList(QDir::Files),
-              QStringList(QStringLiteral("Mon Autobackup.zip")));
+    EXPECT_EQ(cSHAREDZipFiles::ListEntries(archive), QStringList({"Events.xml", "log.txt"}));
+    EXPECT_EQ(QDir(home.file("Autobackups")).entryList(QDir::Files),
+              QStringList("Mon Autobackup.zip"));
 }
 
 } // namespace

@@ -15,20 +15,18 @@ protected:
     // The file a save of three events writes.
     QByteArray ThreeEvents() {
         clsDbXml db(settings);
-        db.SetDBFilename(home.file(QStringLiteral("written.xml")));
+        db.SetDBFilename(home.file("written.xml"));
         for (const char* desc : {"Dentist", "Rent", "Mum's birthday"}) {
             db.StoreRecord(MakeEvent(QString::fromLatin1(desc)), true);
         }
         db.SaveDB();
         return ReadFileBytes(db.DBFilename());
     }
-    QStringList Copies() const {
-        return QDir(home.path()).entryList({QStringLiteral("*.damaged-*")}, QDir::Files);
-    }
+    QStringList Copies() const { return QDir(home.path()).entryList({"*.damaged-*"}, QDir::Files); }
 };
 
 TEST_F(DamagedFiles, EventFileIsCopiedOnceBeforeItsFirstSave) {
-    FixedClock clock(QStringLiteral("2026-11-25 14:07"));
+    FixedClock clock("2026-11-25 14:07");
     const QByteArray good = ThreeEvents();
     const qsizetype firstEnd = good.indexOf("</EVENT>") + 8;
     const struct {
@@ -43,7 +41,7 @@ TEST_F(DamagedFiles, EventFileIsCopiedOnceBeforeItsFirstSave) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const QString path = home.file(QStringLiteral("Events.xml"));
+        const QString path = home.file("Events.xml");
         ASSERT_TRUE(WriteFileBytes(path, c.bytes));
         RecordedErrorReports reports;
         clsDbXml db(settings);
@@ -52,7 +50,7 @@ TEST_F(DamagedFiles, EventFileIsCopiedOnceBeforeItsFirstSave) {
         db.SaveDB();
         db.SaveDB();
 
-        const QString copy = path + QStringLiteral(".damaged-20261125-1407");
+        const QString copy = path + ".damaged-20261125-1407";
         EXPECT_EQ(Copies(), QStringList{QFileInfo(copy).fileName()});
         EXPECT_EQ(ReadFileBytes(copy), c.bytes);
         ASSERT_EQ(reports.texts().size(), 1);
@@ -63,26 +61,25 @@ TEST_F(DamagedFiles, EventFileIsCopiedOnceBeforeItsFirstSave) {
         QFile::remove(copy);
     }
     // A file as the program writes it is no cause for a copy.
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("Expired.xml")), good));
+    ASSERT_TRUE(WriteFileBytes(home.file("Expired.xml"), good));
     clsDbXml expired(settings);
-    expired.LoadDB(home.file(QStringLiteral("Expired.xml")));
-    expired.StoreRecord(MakeEvent(QStringLiteral("New")), true);
+    expired.LoadDB(home.file("Expired.xml"));
+    expired.StoreRecord(MakeEvent("New"), true);
     expired.SaveDB();
     EXPECT_TRUE(Copies().isEmpty());
 }
 
 TEST_F(DamagedFiles, TaskListCutShortKeepsItsTasksAndACopy) {
-    FixedClock clock(QStringLiteral("2026-11-25 14:07"));
-    const QByteArray whole =
-        TaskListFile::Format({QStringLiteral("Buy milk"), QStringLiteral("Post")});
+    FixedClock clock("2026-11-25 14:07");
+    const QByteArray whole = TaskListFile::Format({"Buy milk", "Post"});
     const QByteArray cut = whole.left(whole.indexOf("</TASK>"));
     TaskListFile file(home.path());
     ASSERT_TRUE(WriteFileBytes(file.XmlPath(), cut));
     RecordedErrorReports reports;
     const QStringList tasks = file.Load();
-    EXPECT_EQ(tasks, (QStringList{QStringLiteral("Buy milk"), QStringLiteral("Post")}));
+    EXPECT_EQ(tasks, (QStringList{"Buy milk", "Post"}));
     ASSERT_TRUE(file.Save(tasks));
-    EXPECT_EQ(ReadFileBytes(file.XmlPath() + QStringLiteral(".damaged-20261125-1407")), cut);
+    EXPECT_EQ(ReadFileBytes(file.XmlPath() + ".damaged-20261125-1407"), cut);
     EXPECT_EQ(ReadFileBytes(file.XmlPath()), whole);
     EXPECT_EQ(reports.texts().size(), 1);
 }

@@ -11,16 +11,13 @@ namespace {
 TEST(DataFolder, InsideTheHomeIsStoredRelativeOutsideAbsolute) {
     TempHome home;
     cSHAREDSettings settings;
-    const QString outside = QDir::cleanPath(home.path() + QStringLiteral("/../elsewhere"));
+    const QString outside = QDir::cleanPath(home.path() + "/../elsewhere");
     const struct {
         QString folder;
         QString stored;
     } cases[] = {
-        {home.path(), QStringLiteral(".")},
-        {home.path() + QStringLiteral("/"), QStringLiteral(".")},
-        {home.file(QStringLiteral("data")), QStringLiteral("data")},
-        {home.file(QStringLiteral("a/b")), QStringLiteral("a/b")},
-        {outside, outside},
+        {home.path(), "."},        {home.path() + "/", "."}, {home.file("data"), "data"},
+        {home.file("a/b"), "a/b"}, {outside, outside},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.folder.toStdString());
@@ -33,37 +30,35 @@ TEST(DataFolder, InsideTheHomeIsStoredRelativeOutsideAbsolute) {
 TEST(DataFolder, AnOldAbsolutePathFollowsTheCopiedOrMovedHome) {
     TempHome scratch;
     const QString root = scratch.path();
-    const QString oldHome = root + QStringLiteral("/stick/Tarvo");
-    const QString newHome = root + QStringLiteral("/copy/Tarvo");
-    const QStringList folders = {oldHome + QStringLiteral("/data"),
-                                 newHome + QStringLiteral("/data"),
-                                 root + QStringLiteral("/nas/Tarvo/data")};
+    const QString oldHome = root + "/stick/Tarvo";
+    const QString newHome = root + "/copy/Tarvo";
+    const QStringList folders = {oldHome + "/data", newHome + "/data", root + "/nas/Tarvo/data"};
     for (const QString& folder : folders) {
         QDir().mkpath(folder);
-        WriteFileBytes(folder + QStringLiteral("/Events.xml"), "");
+        WriteFileBytes(folder + "/Events.xml", "");
     }
-    WriteFileBytes(newHome + QStringLiteral("/Events.xml"), "");
-    WriteFileBytes(oldHome + QStringLiteral("/Tvo.ini"), "");
+    WriteFileBytes(newHome + "/Events.xml", "");
+    WriteFileBytes(oldHome + "/Tvo.ini", "");
     qputenv("TARVO_HOME", QFile::encodeName(newHome));
 
     const struct {
         QString stored;
         QString adopted;
     } cases[] = {
-        {oldHome + QStringLiteral("/data"), QStringLiteral("data")},         // a copy
-        {oldHome, QStringLiteral(".")},                                      // the home itself
-        {root + QStringLiteral("/gone/Tarvo/data"), QStringLiteral("data")}, // moved away
-        {newHome + QStringLiteral("/data"), QStringLiteral("data")},         // inside the home
+        {oldHome + "/data", "data"},         // a copy
+        {oldHome, "."},                      // the home itself
+        {root + "/gone/Tarvo/data", "data"}, // moved away
+        {newHome + "/data", "data"},         // inside the home
         // Another place with the home's name that is no home: kept.
-        {root + QStringLiteral("/nas/Tarvo/data"), root + QStringLiteral("/nas/Tarvo/data")},
-        {root + QStringLiteral("/stick/Other"), root + QStringLiteral("/stick/Other")},
+        {root + "/nas/Tarvo/data", root + "/nas/Tarvo/data"},
+        {root + "/stick/Other", root + "/stick/Other"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.stored.toStdString());
         cSHAREDSettings settings;
         settings.sSet(QStringLiteral("DataPath"), SettingValue(c.stored));
         DataFiles::AdoptDataFolder(settings);
-        EXPECT_EQ(settings.sGet(QStringLiteral("DataPath")).toText(), c.adopted);
+        EXPECT_EQ(settings.sGet("DataPath").toText(), c.adopted);
     }
 }
 

@@ -11,11 +11,9 @@ namespace {
 class SoundsTest : public ::testing::Test {
 protected:
     void WriteTable(const QByteArray& bytes) {
-        ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("EventWavs.ini")), bytes));
+        ASSERT_TRUE(WriteFileBytes(home.file("EventWavs.ini"), bytes));
     }
-    QByteArray TableBytes() const {
-        return ReadFileBytes(home.file(QStringLiteral("EventWavs.ini")));
-    }
+    QByteArray TableBytes() const { return ReadFileBytes(home.file("EventWavs.ini")); }
 
     TempHome home;
     clsSounds sounds{home.path()};
@@ -34,10 +32,10 @@ TEST_F(SoundsTest, LooksUpSoundsByIdCode) {
         QString wav;
     };
     const Case cases[] = {
-        {"123456", 0, QStringLiteral("C:\\Sounds\\bell.wav")},
-        {"222222", 2, QStringLiteral("/home/ann/My")}, // cut at the comma in the path
-        {"333333", 3, QStringLiteral("/a.wav")},
-        {"444444", 4, QStringLiteral("/gl\u00f6ckchen.wav")},
+        {"123456", 0, "C:\\Sounds\\bell.wav"},
+        {"222222", 2, "/home/ann/My"}, // cut at the comma in the path
+        {"333333", 3, "/a.wav"},
+        {"444444", 4, "/gl\u00f6ckchen.wav"},
         {"no comma here", -1, QString()},
         {"999999", -1, QString()},
     };
@@ -50,39 +48,39 @@ TEST_F(SoundsTest, LooksUpSoundsByIdCode) {
 
 TEST_F(SoundsTest, TheTableIsCreatedAppendedToAndRewrittenInPlace) {
     // Reading or deleting does not create a missing table; adding does.
-    EXPECT_EQ(sounds.GetWavName(QStringLiteral("123456")), QString());
-    sounds.Delete(QStringLiteral("123456"));
+    EXPECT_EQ(sounds.GetWavName("123456"), QString());
+    sounds.Delete("123456");
     EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename()));
-    sounds.AddorChange(QStringLiteral("123456"), QStringLiteral("/b\u00e9ll.wav"));
+    sounds.AddorChange("123456", "/b\u00e9ll.wav");
     EXPECT_EQ(TableBytes(), QByteArray("123456,/b\xe9ll.wav\r\n"));
 
     // A table without a final line end still gets a line of its own.
     WriteTable("111111,/one.wav\r\n222222,/two.wav\r\n333333,/three.wav");
     clsSounds other(home.path());
-    other.AddorChange(QStringLiteral("444444"), QStringLiteral("/four.wav"));
+    other.AddorChange("444444", "/four.wav");
     EXPECT_EQ(TableBytes(), QByteArray("111111,/one.wav\r\n222222,/two.wav\r\n333333,/three.wav"
                                        "\r\n444444,/four.wav\r\n"));
-    other.AddorChange(QStringLiteral("222222"), QStringLiteral("/new.wav"));
-    other.Delete(QStringLiteral("111111"));
+    other.AddorChange("222222", "/new.wav");
+    other.Delete("111111");
     EXPECT_EQ(TableBytes(),
               QByteArray("222222,/new.wav\r\n333333,/three.wav\r\n444444,/four.wav\r\n"));
     clsSounds reread(home.path());
-    EXPECT_EQ(reread.GetWavName(QStringLiteral("222222")), QStringLiteral("/new.wav"));
-    EXPECT_EQ(reread.IDCodePresent(QStringLiteral("111111")), -1);
+    EXPECT_EQ(reread.GetWavName("222222"), "/new.wav");
+    EXPECT_EQ(reread.IDCodePresent("111111"), -1);
 }
 
 TEST(DefaultAlarmWav, MissingSoundFallsBackToTheHomeFolderAndIsStoredBack) {
     TempHome home;
-    const QString homeWav = home.file(QStringLiteral("alarm.wav"));
+    const QString homeWav = home.file("alarm.wav");
     struct Case {
         const char* name;
         std::optional<QString> setting; // none: the key is absent
         bool userFileExists;
     };
-    const QString userWav = home.file(QStringLiteral("mine.wav"));
+    const QString userWav = home.file("mine.wav");
     const Case cases[] = {
         {"absent key", std::nullopt, false},
-        {"file gone", home.file(QStringLiteral("gone.wav")), false},
+        {"file gone", home.file("gone.wav"), false},
         {"empty value", QString(), false},
         {"own sound", userWav, true},
     };
@@ -98,7 +96,7 @@ TEST(DefaultAlarmWav, MissingSoundFallsBackToTheHomeFolderAndIsStoredBack) {
         }
         const QString expected = c.userFileExists ? userWav : homeWav;
         EXPECT_EQ(DefaultWavFile(settings), expected);
-        EXPECT_EQ(settings.sGet(QStringLiteral("WavFile")).toText(), expected);
+        EXPECT_EQ(settings.sGet("WavFile").toText(), expected);
         // The built-in sound is there to be played.
         const QByteArray wav = ReadFileBytes(homeWav);
         EXPECT_EQ(wav.startsWith("RIFF") && wav.mid(8, 4) == "WAVE" && wav.size() > 1000,

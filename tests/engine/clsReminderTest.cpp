@@ -25,17 +25,20 @@ protected:
         expired.SetDBFilename(home.file("Expired.xml"));
     }
 
-    EventPtr add(const QString& desc, const QString& due, bool recurring = false) {
+    // An event of the given owner in the given list (the user's own by default).
+    EventPtr add(const QString& desc, const QString& due, bool recurring = false,
+                 clsDbXml* db = nullptr, const QString& owner = "Ann") {
         auto e = std::make_shared<clsEvent>();
         e->setDesc(desc);
         e->setDueDate(D(due));
         e->setRecurring(recurring);
-        e->setOwner("Ann");
-        events.StoreRecord(e, true);
+        e->setOwner(owner);
+        (db != nullptr ? *db : events).StoreRecord(e, true);
         return e;
     }
-    EventPtr addAlarm(const QString& desc, const QString& due, int h, int m, int warning) {
-        EventPtr e = add(desc, due);
+    EventPtr addAlarm(const QString& desc, const QString& due, int h, int m, int warning,
+                      clsDbXml* db = nullptr, const QString& owner = "Ann") {
+        EventPtr e = add(desc, due, false, db, owner);
         e->setAlarmSet(true);
         e->setDueTime(TimeSerial(h, m));
         e->setMinutesWarning(static_cast<int16_t>(warning));
@@ -62,46 +65,43 @@ protected:
     qsizetype logStart = LoggedTexts().size();
 };
 
-TEST_F(ReminderEngine, ComingUpWithinTheWarningDays) {
+// Coming up within each event's warning days, soonest first in the
+// notification; today's events with the last sound chosen, run files left out.
+TEST_F(ReminderEngine, ComingUpAndTodayWindowsAndTheirNotifications) {
     FixedClock clock("2009-03-05 08:00");
     add("Dentist", "2009-03-08")->setDaysWarning(3);
     add("Too early", "2009-03-08")->setDaysWarning(2);
     add("Bill", "2009-03-06")->setDaysWarning(7);
     add("Only on the day", "2009-03-06")->setDaysWarning(0);
     ShowReminders(services);
-
-    FakeReminderWindow* comingUp = windows.withHeading("COMING UP");
-    ASSERT_NE(comingUp, nullptr);
-    EXPECT_EQ(comingUp->lines, (QStringList{"In 3 days: Dentist", "In 1 day: Bill"}));
     EXPECT_EQ(windows.shown().size(), 1u) << "no today window without events today";
-    EXPECT_TRUE(newLogLines().contains("Showing upcoming reminders"));
-    const FakeDesktopNotifier::Sent sent{
-        "COMING UP", {"In 1 day: Bill", "In 3 days: Dentist"}, false};
-    EXPECT_EQ(notifier.sent, QList{sent}) << "the notification lists the soonest first";
-}
 
-TEST_F(ReminderEngine, TodayWindowTakesTheLastSoundAndSkipsRunFiles) {
-    FixedClock clock("2009-03-05 08:00");
     EventPtr a = add("Birthday", "2009-03-05");
     a->PlayWav = true;
     a->WavFile = "/sounds/a.wav";
-    EventPtr b = add("Call", "2009-03-05");
-    b->PlayWav = true; // no file of its own: keeps a's
-    EventPtr run = add("Backup script", "2009-03-05");
-    run->ExecFile = true;
+    add("Call", "2009-03-05")->PlayWav = true; // no file of its own: keeps a's
+    add("Backup script", "2009-03-05")->ExecFile = true;
+    windows.made.clear();
     ShowReminders(services);
-
+    FakeReminderWindow* comingUp = windows.withHeading("COMING UP");
     FakeReminderWindow* today = windows.withHeading("TODAY!");
-    ASSERT_NE(today, nullptr);
+    ASSERT_TRUE(comingUp != nullptr && today != nullptr);
+    EXPECT_EQ(comingUp->lines, (QStringList{"In 3 days: Dentist", "In 1 day: Bill"}));
     EXPECT_EQ(today->lines, (QStringList{"Birthday", "Call"}));
     EXPECT_TRUE(today->soundFlag);
     EXPECT_EQ(today->soundFile, "/sounds/a.wav");
-    EXPECT_TRUE(newLogLines().contains("Showing today's reminders"));
-    EXPECT_EQ(notifier.sent.value(0).lines, today->lines);
+    const QStringList log = newLogLines();
+    EXPECT_TRUE(log.contains("Showing upcoming reminders") &&
+                log.contains("Showing today's reminders"));
+    const FakeDesktopNotifier::Sent soonestFirst{
+        "COMING UP", {"In 1 day: Bill", "In 3 days: Dentist"}, false};
+    EXPECT_EQ(notifier.sent.value(0), soonestFirst);
+    EXPECT_EQ(notifier.sent.size(), 3);
+    EXPECT_TRUE(notifier.sent.contains(FakeDesktopNotifier::Sent{"TODAY!", today->lines, false}));
 
     settings.sSet(QStringLiteral("DesktopNotifications"), false);
     ShowReminders(services);
-    EXPECT_EQ(notifier.sent.size(), 1) << "switched off in the options";
+    EXPECT_EQ(notifier.sent.size(), 3) << "switched off in the options";
 }
 
 // The day's pass: a recurring event rolls on, one-offs leave the event file
@@ -193,15 +193,9 @@ TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
     missing->Filename = home.file("gone.sh");
     addAlarm("Ann's alarm", "2009-03-05", 7, 0, 0);
     clsDbXml shared(settings);
-    auto bobs = std::make_shared<clsEvent>();
-    bobs->setDesc("Bob's task");
-    bobs->setOwner("Bob");
-    bobs->setDueDate(D("2009-03-05"));
-    bobs->setAlarmSet(true);
-    bobs->setAlarmTime(TimeSerial(7, 0));
+    EventPtr bobs = addAlarm("Bob's task", "2009-03-05", 7, 0, 0, &shared, "Bob");
     bobs->ExecFile = true;
     bobs->Filename = script;
-    shared.StoreRecord(bobs, true);
     services.shared = &shared;
     CheckAlarms(services);
 

@@ -68,10 +68,9 @@ TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
     }
     ASSERT_EQ(events.RecordCount(), 2);
     const clsEvent& dentist = *events.Events().first();
-    EXPECT_FALSE(dentist.Recurring());
     EXPECT_EQ(dentist.DueDate(), D("2030-06-03"));
-    EXPECT_EQ(dentist.Layer(), 3);
-    EXPECT_EQ(dentist.MinutesWarning(), 30); // the editor's default warning
+    EXPECT_EQ(dentist.Layer(), 3) << "the category found by its name in any case";
+    EXPECT_EQ(dentist.MinutesWarning(), 30) << "the editor's warning before a timed event";
     EXPECT_TRUE(eventsFile().contains("<Desc>Bills</Desc>"));
 }
 

@@ -219,14 +219,20 @@ const QString kConvertedMessage = QStringLiteral(
     "IMPORTANT: If you see any errors in your event list, simply delete events.xml and restart "
     "TVO to recreate it from your original events.dat file.");
 
-TEST_F(LegacyDatabaseTest, StartUpConvertsBothFilesOnceAndTellsTheUserOnce) {
+TEST_F(LegacyDatabaseTest, StartUpConvertsEachFileOnceAndTellsTheUserOnce) {
+    // A fresh install, then one with only an expired legacy file: nothing to tell.
+    ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
+    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
+    WriteDat("Expired.dat", {Rec("444444", "Last year"), Rec("555555", "Older")});
+    ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
+    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
+    EXPECT_EQ(dialogs.count(), 0);
+
     // The old lower-case name; file order, not code order; one deleted, one without a code.
     WriteDat("events.dat", {Rec("222222", "Dentist"), Rec("111111", "Gym"),
                             Rec("333333", "deleted", "", true), Rec("", "no id yet")});
-    WriteDat("Expired.dat", {Rec("444444", "Last year"), Rec("555555", "Older")});
     ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n"));
     const QByteArray eventsDat = ReadFileBytes(home.file("events.dat"));
-
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
 
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
@@ -257,16 +263,8 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsBothFilesOnceAndTellsTheUserOnce) {
     EXPECT_EQ(XmlIds("Events.xml"), QStringList({"111111", "666666"}));
 }
 
-TEST_F(LegacyDatabaseTest, NothingToConvertShowsNothingAndNetworkedDoesNotExport) {
-    // A fresh install, and an install with only an expired legacy file.
-    ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
-    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
+TEST_F(LegacyDatabaseTest, NetworkedDoesNotExport) {
     WriteDat("Expired.dat", {Rec("444444", "Last year")});
-    ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
-    EXPECT_TRUE(QFileInfo::exists(home.file("Expired.xml")));
-    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
-    EXPECT_EQ(dialogs.count(), 0);
-
     ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "444444,/bell.wav\r\n"));
     db.LoadDB(home.file("Expired.dat"));
     db.setNetworked(true);

@@ -123,14 +123,22 @@ TEST(MonthCalendar, OccurrencesMatchStepByStepForEveryRule) {
 
 TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
     const DateValue day = D("2009-03-05");
-    auto longOneOff = OneOff(QStringLiteral("Dentist appointment downtown"), day);
+    auto longOneOff = OneOff("Dentist appointment downtown", day);
     auto longRecurring = Recurring("Weekly team meeting in room 4", clsEvent::EveryXDays, day);
     longRecurring->setPeriod(7);
     longRecurring->setOwner("Bob");
     longOneOff->setOwner("Ann");
 
+    // Rules that cannot advance are listed once, without hanging.
+    auto unknown = Recurring("odd", 9, D("2009-03-20"));
+    auto emptyMask = Recurring("mask", clsEvent::DaysOfWeek, D("2009-03-06"));
+    emptyMask->setWeekDays(0);
+
     MonthCalendar plain(2009, 3);
-    plain.AddEvents({longOneOff, longRecurring}, MonthCalendar::kAllLayers, false);
+    plain.AddEvents({longOneOff, longRecurring, unknown, emptyMask}, MonthCalendar::kAllLayers,
+                    false);
+    EXPECT_EQ(plain.TotalLines(), 1 + 4 + 2);
+    EXPECT_EQ(plain.Lines(20), QStringList{"odd"});
     EXPECT_EQ(plain.Lines(5), (QStringList{"Dentist appo", "Weekly team meeting in"}));
     EXPECT_EQ(plain.Lines(12), QStringList{"Weekly team meeting in"});
     // The event lists show the whole descriptions.
@@ -154,11 +162,11 @@ TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
 
 TEST(MonthCalendar, LayerFilter) {
     const DateValue day = D("2009-03-05");
-    auto inTwo = OneOff(QStringLiteral("two"), day, 2);
-    auto inThree = OneOff(QStringLiteral("three"), day, 3);
-    auto sharedInThree = OneOff(QStringLiteral("flagged"), day, 3);
+    auto inTwo = OneOff("two", day, 2);
+    auto inThree = OneOff("three", day, 3);
+    auto sharedInThree = OneOff("flagged", day, 3);
     sharedInThree->SharedEvent = true;
-    auto inZero = OneOff(QStringLiteral("zero"), day, 0);
+    auto inZero = OneOff("zero", day, 0);
     const QList<EventPtr> all{inTwo, inThree, sharedInThree, inZero};
     const QMap<int, QStringList> expected{
         {2, {"two"}},
@@ -172,14 +180,4 @@ TEST(MonthCalendar, LayerFilter) {
         month.AddEvents(all, it.key(), false);
         EXPECT_EQ(month.Lines(5), it.value()) << "layer " << it.key();
     }
-}
-
-TEST(MonthCalendar, RuleThatCannotAdvanceIsListedOnceWithoutHanging) {
-    auto unknown = Recurring(QStringLiteral("odd"), 9, D("2009-03-05"));
-    auto emptyMask = Recurring(QStringLiteral("mask"), clsEvent::DaysOfWeek, D("2009-03-06"));
-    emptyMask->setWeekDays(0);
-    MonthCalendar month(2009, 3);
-    month.AddEvents({unknown, emptyMask}, MonthCalendar::kAllLayers, false);
-    EXPECT_EQ(month.TotalLines(), 2);
-    EXPECT_EQ(month.Lines(5), QStringList{"odd"});
 }

@@ -72,35 +72,25 @@ TEST_F(SoundsTest, TheTableIsCreatedAppendedToAndRewrittenInPlace) {
 TEST(DefaultAlarmWav, MissingSoundFallsBackToTheHomeFolderAndIsStoredBack) {
     TempHome home;
     const QString homeWav = home.file("alarm.wav");
-    struct Case {
-        const char* name;
-        std::optional<QString> setting; // none: the key is absent
-        bool userFileExists;
-    };
     const QString userWav = home.file("mine.wav");
-    const Case cases[] = {
-        {"absent key", std::nullopt, false},
-        {"file gone", home.file("gone.wav"), false},
-        {"empty value", QString(), false},
-        {"own sound", userWav, true},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
+    ASSERT_TRUE(WriteFileBytes(userWav, "RIFF"));
+    // No key, a file gone, an empty value, and a sound of the user's own.
+    const std::optional<QString> cases[] = {std::nullopt, home.file("gone.wav"), QString(),
+                                            userWav};
+    for (const std::optional<QString>& setting : cases) {
+        SCOPED_TRACE(setting.value_or("no key").toStdString());
         QFile::remove(homeWav);
         cSHAREDSettings settings;
-        if (c.setting) {
-            settings.sSet(QStringLiteral("WavFile"), SettingValue(*c.setting));
+        if (setting) {
+            settings.sSet(QStringLiteral("WavFile"), SettingValue(*setting));
         }
-        if (c.userFileExists) {
-            ASSERT_TRUE(WriteFileBytes(userWav, "RIFF"));
-        }
-        const QString expected = c.userFileExists ? userWav : homeWav;
+        const bool own = setting == userWav;
+        const QString expected = own ? userWav : homeWav;
         EXPECT_EQ(DefaultWavFile(settings), expected);
         EXPECT_EQ(settings.sGet("WavFile").toText(), expected);
         // The built-in sound is there to be played.
         const QByteArray wav = ReadFileBytes(homeWav);
-        EXPECT_EQ(wav.startsWith("RIFF") && wav.mid(8, 4) == "WAVE" && wav.size() > 1000,
-                  !c.userFileExists);
+        EXPECT_EQ(wav.startsWith("RIFF") && wav.mid(8, 4) == "WAVE" && wav.size() > 1000, !own);
     }
     // A sound of the user's own under the built-in name is never overwritten.
     ASSERT_TRUE(WriteFileBytes(homeWav, "user's own sound"));

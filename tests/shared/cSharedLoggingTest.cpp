@@ -121,8 +121,7 @@ TEST_F(Logging, NoLoggingWritesAndBuffersNothing) {
     log.LogError(6, "Overflow", "A", "B");
     log.WriteActionsToLog();
     EXPECT_TRUE(log.pendingActions().isEmpty());
-    EXPECT_FALSE(QFileInfo::exists(logPath));
-    EXPECT_TRUE(QDir(home.path()).entryList(QDir::Files).isEmpty());
+    EXPECT_TRUE(QDir(home.path()).entryList(QDir::Files).isEmpty()) << "no log file";
 }
 
 TEST_F(Logging, AFileThatCannotBeDeletedIsAppendedTo) {

@@ -210,6 +210,12 @@ TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundSkipsDeletedAndWatc
     // sound entry is no sound.
     EXPECT_EQ(seen, QStringList({"111111 Ann Work ", "222222 Bob Shared ",
                                  "444444 Ann Shared /sounds/gong.wav play"}));
+
+    // A networked program never converts: nothing written, the sound table kept.
+    db.setNetworked(true);
+    EXPECT_FALSE(db.ExportToXML(home.file("Events.xml")));
+    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
+    EXPECT_TRUE(QFileInfo::exists(sounds.EventWavsFilename()));
 }
 
 const QString kConvertedMessage = QStringLiteral(
@@ -261,16 +267,6 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsEachFileOnceAndTellsTheUserOnce) {
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
     EXPECT_EQ(XmlIds("Events.xml"), QStringList({"111111", "666666"}));
-}
-
-TEST_F(LegacyDatabaseTest, NetworkedDoesNotExport) {
-    WriteDat("Expired.dat", {Rec("444444", "Last year")});
-    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "444444,/bell.wav\r\n"));
-    db.LoadDB(home.file("Expired.dat"));
-    db.setNetworked(true);
-    EXPECT_FALSE(db.ExportToXML(home.file("Events.xml")));
-    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
-    EXPECT_TRUE(QFileInfo::exists(sounds.EventWavsFilename()));
 }
 
 } // namespace

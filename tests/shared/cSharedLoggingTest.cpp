@@ -45,6 +45,13 @@ TEST_F(Logging, FreshFileStartsWithTheHeaderAndIsWrittenAsWindows1252) {
     };
     EXPECT_EQ(fileLines(logPath), expected);
     EXPECT_TRUE(AppInfo::VersionText().contains(QRegularExpression("^\\d+\\.\\d+\\.\\d+$")));
+
+    // Another name is kept when its folder exists; otherwise the folder and
+    // the file part run together with no separator.
+    log.OverrideLogFilename(home.file("other.txt"));
+    EXPECT_EQ(log.CurrentLogFilename(), home.file("other.txt"));
+    log.OverrideLogFilename("/no/such/folder/x.txt");
+    EXPECT_EQ(log.CurrentLogFilename(), home.path() + "x.txt");
 }
 
 // Actions wait in memory, each with the time it was added, until the
@@ -158,16 +165,6 @@ TEST_F(Logging, AFileThatCannotBeDeletedIsAppendedTo) {
         QProcess::execute("chattr", {"-a", file});
     }
     EXPECT_EQ(fileLines(file), (QStringList{"1 10:00:00, earlier", "1 14:03:00, appended"}));
-}
-
-TEST_F(Logging, OverrideKeepsNamesInExistingFolders) {
-    cSharedLogging log(home.path());
-    const QString inHome = home.file("other.txt");
-    log.OverrideLogFilename(inHome);
-    EXPECT_EQ(log.CurrentLogFilename(), inHome);
-    log.OverrideLogFilename("/no/such/folder/x.txt");
-    // The folder and the file part run together with no separator.
-    EXPECT_EQ(log.CurrentLogFilename(), home.path() + "x.txt");
 }
 
 } // namespace

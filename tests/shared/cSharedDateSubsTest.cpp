@@ -1,6 +1,7 @@
 #include "shared/cSharedDateSubs.h"
 
 #include "shared/cSharedLogging.h"
+#include "support/LogLines.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -128,7 +129,7 @@ TEST(DateSubs, DatesBeyondTheCalendarGiveEmptyTextAndALogLine) {
         EXPECT_EQ(subs.FormatDate(bad), QString());
     }
     EXPECT_EQ(
-        Log().CurrentAction(),
+        LoggedTexts().constLast(),
         QStringLiteral("Invalid procedure call or argument (5) in FormatDate of module cDateSubs"));
 }
 

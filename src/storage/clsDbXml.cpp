@@ -389,18 +389,6 @@ void clsDbXml::SetAllToSingleUser() {
     SaveDB();
 }
 
-void clsDbXml::WipeAllButThisOwner(const QString& owner) {
-    if (owner.trimmed().isEmpty()) {
-        return;
-    }
-    for (const EventPtr& event : std::as_const(m_events)) {
-        if (!OwnerId::Same(event->Owner(), owner)) {
-            event->Deleted = true;
-        }
-    }
-    SaveDB();
-}
-
 void clsDbXml::RenameOwner(const QString& oldOwner, const QString& newOwner) {
     for (const EventPtr& event : std::as_const(m_events)) {
         if (OwnerId::Same(event->Owner(), oldOwner)) {
@@ -454,13 +442,3 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
     m_stamp = fileStamp(m_fileName);
 }
 
-EventPtr clsDbXml::TransferXMLToObject(const QString& block) const {
-    return EventXmlCodec::ParseBlock(TextCodec::ToWindows1252(block),
-                                     QStringLiteral("TransferXMLToObject"), kModule);
-}
-
-QString clsDbXml::TransferObjectToXML(const clsEvent& event) const {
-    QByteArray out;
-    EventXmlCodec::AppendBlock(out, event);
-    return TextCodec::FromWindows1252(out);
-}

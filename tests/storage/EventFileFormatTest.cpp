@@ -281,18 +281,4 @@ TEST_F(EventFileFormat, DatesAreWrittenAsTheSharedFormattingWritesThem) {
     }
 }
 
-TEST_F(EventFileFormat, TransferFunctionsConvertOneBlock) {
-    clsDbXml db(settings, &layers);
-    auto e = MakeEvent(QStringLiteral("one & two"));
-    e->IDCode = QStringLiteral("424242");
-    e->setDueDate(D("2020-02-29"));
-    const QString block = db.TransferObjectToXML(*e);
-    EXPECT_TRUE(
-        block.startsWith(QStringLiteral("<TVO2>\r\n\t<EVENT>\r\n\t\t<IDCode>424242</IDCode>\r\n")));
-    EXPECT_TRUE(block.endsWith(QStringLiteral("\t</EVENT>\r\n</TVO2>")));
-    const EventPtr back = db.TransferXMLToObject(block);
-    EXPECT_EQ(back->Desc(), e->Desc());
-    EXPECT_DOUBLE_EQ(back->DueDate(), D("2020-02-29"));
-}
-
 } // namespace

@@ -4,6 +4,7 @@
 #include "model/clsEvent.h"
 #include "shared/Clock.h"
 #include "shared/cSharedLogging.h"
+#include "support/LogLines.h"
 #include "support/TestSupport.h"
 
 #include <random>
@@ -142,7 +143,7 @@ TEST(Recurrence, WeekStepOverflowIsLoggedNotFatal) {
     clsEvent e = makeEvent({.type = 3, .period = 4682, .start = "2009-01-01"});
     e.setDueDate(D(QStringLiteral("2009-02-01")));
     e.CalcNextDueDate();
-    EXPECT_EQ(Log().CurrentAction(),
+    EXPECT_EQ(LoggedTexts().constLast(),
               QStringLiteral("Overflow (6) in CalcDueDate of module clsEvent"));
     EXPECT_EQ(FormatYMD(e.DueDate()), QStringLiteral("2009-02-01"));
     EXPECT_EQ(FormatYMD(e.StartDate()), QStringLiteral("2009-01-01"));
@@ -183,8 +184,8 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
         e.CalcNextDueDate();
         EXPECT_EQ(FormatYMD(e.DueDate()), QStringLiteral("2008-06-01")) << b.what;
         EXPECT_EQ(e.StartDate(), start) << b.what;
-        EXPECT_TRUE(Log().CurrentAction().contains(e.Desc()))
-            << b.what << ": " << Log().CurrentAction().toStdString();
+        EXPECT_TRUE(LoggedTexts().constLast().contains(e.Desc()))
+            << b.what << ": " << LoggedTexts().constLast().toStdString();
     }
     // Running past the last representable day is such a search too.
     clsEvent late = makeEvent({.type = 0, .weekDays = 2}); // Mondays
@@ -192,7 +193,7 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
     late.setDueDate(D(QStringLiteral("9999-12-27")));
     late.CalcNextAfterDate(D(QStringLiteral("9999-12-28")));
     EXPECT_EQ(FormatYMD(late.DueDate()), QStringLiteral("9999-12-27"));
-    EXPECT_TRUE(Log().CurrentAction().contains(QStringLiteral("Past 9999")));
+    EXPECT_TRUE(LoggedTexts().constLast().contains(QStringLiteral("Past 9999")));
 }
 
 TEST(Recurrence, DayCountDateOnAnyDayOfTheMonth) {

@@ -169,7 +169,8 @@ TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
                                               "\t\t<DaysWarning>7x</DaysWarning>\r\n"
                                               "\t\t<DayOfMonth>99999</DayOfMonth>\r\n"
                                               "\t\t<Desc>Still%20here</Desc>\r\n"
-                                              "\t\t<DueDate>2009-02-30</DueDate>\r\n"
+                                              "\t\t<DueDate>2009-02-29</DueDate>\r\n"
+                                              "\t\t<AlarmTime>2O09-03-05</AlarmTime>\r\n"
                                               "\t\t<StartDate>2010-06-01 13:30</StartDate>\r\n"
                                               "\t\t<Layer> 5 </Layer>\r\n"
                                               "\t\t<MonthNumber>2.5</MonthNumber>\r\n"
@@ -186,7 +187,8 @@ TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
     EXPECT_EQ(e.DayOfMonth(), 0);
     EXPECT_EQ(e.Period(), 0) << "missing tag";
     EXPECT_EQ(e.Desc(), QStringLiteral("Still here"));
-    EXPECT_EQ(e.DueDate(), 0.0);
+    EXPECT_EQ(e.DueDate(), 0.0) << "2009 is no leap year";
+    EXPECT_EQ(e.AlarmTime(), 0.0) << "a letter O is no digit";
     EXPECT_DOUBLE_EQ(e.StartDate(), D("2010-06-01"));
     EXPECT_EQ(e.Layer(), 5);
     EXPECT_EQ(e.MonthNumber(), 2) << "half rounds to even";

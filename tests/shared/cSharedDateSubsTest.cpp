@@ -115,7 +115,7 @@ TEST(DateSubs, MonthNamesAndThousandsFollowTheLocale) {
 
 TEST(DateSubs, InitialisationLogsItsFindings) {
     cSharedDateSubs subs(QStringLiteral("25.12.2001"), QLocale(QLocale::English));
-    const QStringList actions = Log().pendingActions();
+    const QStringList actions = LoggedTexts();
     const QStringList expected{"Date format: DD.MM.YYYY", "Full date format: DD.MMM.YYYY",
                                "Full date format plus time: DD.MMM.YYYY HH:MM", "Date separator: .",
                                "True string: True False string: False"};
@@ -125,9 +125,14 @@ TEST(DateSubs, InitialisationLogsItsFindings) {
 
 TEST(DateSubs, DatesBeyondTheCalendarGiveEmptyTextAndALogLine) {
     cSharedDateSubs subs(QStringLiteral("25/12/2001"), QLocale(QLocale::English));
-    for (const DateValue bad : {std::numeric_limits<double>::quiet_NaN(), 1e12, -1e12}) {
-        EXPECT_EQ(subs.FormatDate(bad), QString());
+    const DateValue first = DateSerial(100, 1, 1);
+    const DateValue last = DateSerial(9999, 12, 31);
+    for (const DateValue bad :
+         {std::numeric_limits<double>::quiet_NaN(), 1e12, -1e12, first - 1, last + 1}) {
+        EXPECT_EQ(subs.FormatDate(bad), QString()) << bad;
     }
+    EXPECT_EQ(subs.FormatDate(first), QStringLiteral("01/Jan/0100"));
+    EXPECT_EQ(subs.FormatDate(last + 0.999), QStringLiteral("31/Dec/9999"));
     EXPECT_EQ(
         LoggedTexts().constLast(),
         QStringLiteral("Invalid procedure call or argument (5) in FormatDate of module cDateSubs"));

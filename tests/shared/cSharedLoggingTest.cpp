@@ -130,6 +130,18 @@ TEST_F(Logging, WithoutAFileNameActionsWaitInMemory) {
     EXPECT_EQ(fileLines(logPath).size(), 7 + 25);
 }
 
+TEST_F(Logging, ActionsWaitWhileTheFileCannotBeOpened) {
+    cSharedLogging log(home.path());
+    log.LogEvent(QStringLiteral("start"), true);
+    ASSERT_TRUE(QFile::remove(logPath) && QDir().mkpath(logPath)); // a folder in the way
+    log.AddAction(QStringLiteral("kept"));
+    log.WriteActionsToLog();
+    EXPECT_EQ(log.pendingActions(), QStringList{QStringLiteral("kept")});
+    ASSERT_TRUE(QDir().rmdir(logPath));
+    log.WriteActionsToLog();
+    EXPECT_EQ(fileLines(logPath), QStringList{QStringLiteral("1 14:03:00, kept")});
+}
+
 TEST_F(Logging, NoLoggingWritesAndBuffersNothing) {
     cSharedLogging log(home.path());
     log.setNOLOGGING(true);

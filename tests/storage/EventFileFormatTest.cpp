@@ -169,8 +169,7 @@ TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
                                               "\t\t<DaysWarning>7x</DaysWarning>\r\n"
                                               "\t\t<DayOfMonth>99999</DayOfMonth>\r\n"
                                               "\t\t<Desc>Still%20here</Desc>\r\n"
-                                              "\t\t<DueDate>2009-02-29</DueDate>\r\n"
-                                              "\t\t<AlarmTime>2O09-03-05</AlarmTime>\r\n"
+                                              "\t\t<DueDate>2009-02-30</DueDate>\r\n"
                                               "\t\t<StartDate>2010-06-01 13:30</StartDate>\r\n"
                                               "\t\t<Layer> 5 </Layer>\r\n"
                                               "\t\t<MonthNumber>2.5</MonthNumber>\r\n"
@@ -187,8 +186,7 @@ TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
     EXPECT_EQ(e.DayOfMonth(), 0);
     EXPECT_EQ(e.Period(), 0) << "missing tag";
     EXPECT_EQ(e.Desc(), QStringLiteral("Still here"));
-    EXPECT_EQ(e.DueDate(), 0.0) << "2009 is no leap year";
-    EXPECT_EQ(e.AlarmTime(), 0.0) << "a letter O is no digit";
+    EXPECT_EQ(e.DueDate(), 0.0);
     EXPECT_DOUBLE_EQ(e.StartDate(), D("2010-06-01"));
     EXPECT_EQ(e.Layer(), 5);
     EXPECT_EQ(e.MonthNumber(), 2) << "half rounds to even";
@@ -197,6 +195,25 @@ TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
     EXPECT_TRUE(
         Logged(QStringLiteral("Type mismatch (13) in TransferXMLToObject of module clsDbXml")));
     EXPECT_TRUE(Logged(QStringLiteral("Overflow (6) in TransferXMLToObject")));
+}
+
+// What a date field of a hand-edited file reads as ("" = refused, day 0).
+TEST_F(EventFileFormat, DateFieldsReadOnlyRealDaysAndTimes) {
+    const struct {
+        const char* text;
+        const char* read;
+    } cases[] = {
+        {"2000-02-29", "2000-02-29 00:00"}, {"2009-02-29", ""},  {"1900-02-29", ""},
+        {"2009-03-05 23:59", "2009-03-05 23:59"}, {"2009-03-05 24:00", ""},
+        {"2009-03-05 10:75", ""}, {"2009-03-05 10:1/", ""}, {"2O09-03-05", ""},
+    };
+    for (const auto& c : cases) {
+        const QList<EventPtr> back =
+            LoadBytes(Block(QByteArray("<AlarmTime>") + c.text + "</AlarmTime>"));
+        ASSERT_EQ(back.size(), 1);
+        const DateValue v = back.first()->AlarmTime();
+        EXPECT_EQ(v == 0.0 ? QString() : FormatYMDHM(v), QString::fromLatin1(c.read)) << c.text;
+    }
 }
 
 TEST_F(EventFileFormat, TagsAreFoundWithoutRegardToCaseAndBlocksBySplittingAtTheEndTag) {
@@ -230,6 +247,7 @@ TEST_F(EventFileFormat, AValueRunsToItsFirstClosingTagWithRepeatedOpeningTagsRem
                                                   "1",
                                                   2)},
         {"<Desc>%e9t%C3%A9</Desc>", QStringLiteral("\u00e9t\u00c3\u00a9")},
+        {"<Desc>%4f%4F%0a%0A</Desc>", QStringLiteral("OO\n\n")},
     };
     for (const Case& c : cases) {
         const QList<EventPtr> back = LoadBytes(Block(c.field));

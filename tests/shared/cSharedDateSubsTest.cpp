@@ -144,7 +144,9 @@ TEST(DateSubs, ConvertMyDateVarRefusesWhatIsNoDate) {
               std::optional<DateValue>(D("2029-12-31")));
     EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("1.1.30")),
               std::optional<DateValue>(D("1930-01-01")));
-    for (const char* bad : {"", "31/02/2009", "a/b/c", "1/2", "1/2/3/4"}) {
+    EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("1/1/0100")),
+              std::optional<DateValue>(DateSerial(100, 1, 1)));
+    for (const char* bad : {"", "31/02/2009", "a/b/c", "1/2", "1/2/3/4", "31/12/0099"}) {
         EXPECT_FALSE(subs.ConvertMyDateVar(QString::fromUtf8(bad)).has_value()) << bad;
     }
 }

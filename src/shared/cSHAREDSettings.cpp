@@ -143,12 +143,6 @@ SettingValue cSHAREDSettings::RetrieveSetting(const QString& key, const SettingV
     return v;
 }
 
-SettingValue cSHAREDSettings::RetrieveWithDefault(const QString& key,
-                                                  const SettingValue& def) const {
-    const SettingValue v = RetrieveSetting(key, def);
-    return v.isZero() ? def : v;
-}
-
 bool cSHAREDSettings::IsSettingPresent(const QString& key) const {
     return find(key) >= 0;
 }

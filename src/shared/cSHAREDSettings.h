@@ -57,12 +57,6 @@ public:
         return RetrieveSetting(key, def);
     }
     SettingValue RetrieveSetting(const QString& key, const SettingValue& def = {}) const;
-    // As sGet, but def also replaces a value equal to the number 0 (see
-    // SettingValue::isZero).
-    SettingValue sGetWD(const QString& key, const SettingValue& def) const {
-        return RetrieveWithDefault(key, def);
-    }
-    SettingValue RetrieveWithDefault(const QString& key, const SettingValue& def) const;
     bool IsSettingPresent(const QString& key) const;
 
     void DeleteAllSettings();

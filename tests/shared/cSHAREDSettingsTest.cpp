@@ -153,21 +153,6 @@ TEST(Settings, TextTrueAndFalseComeBackAsBooleans) {
     }
 }
 
-TEST(Settings, WithDefaultReplacesAbsentAndZeroValues) {
-    cSHAREDSettings s;
-    s.sSet("Zero", 0);
-    s.sSet("ZeroText", " 0 ");
-    s.sSet("FalseText", "false");
-    s.sSet("Five", 5);
-    s.sSet("Word", "abc");
-    EXPECT_EQ(s.sGetWD("Absent", 7).toInt(), 7);
-    EXPECT_EQ(s.sGetWD("Zero", 7).toInt(), 7);
-    EXPECT_EQ(s.sGetWD("ZeroText", 7).toInt(), 7);
-    EXPECT_EQ(s.sGetWD("FalseText", 7).toInt(), 7);
-    EXPECT_EQ(s.sGetWD("Five", 7).toInt(), 5);
-    EXPECT_EQ(s.sGetWD("Word", 7).toText(), QStringLiteral("abc"));
-}
-
 TEST(Settings, DeletingKeepsTheOrderOfTheRest) {
     cSHAREDSettings s;
     for (const char* k : {"A", "B", "C", "D"}) {

@@ -5,6 +5,7 @@
 #include "shared/TextCodec.h"
 #include "storage/EventXmlCodec.h"
 #include "storage/clsDbXml.h"
+#include "support/LogLines.h"
 
 #include <QRandomGenerator>
 
@@ -197,15 +198,53 @@ TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
     EXPECT_TRUE(Logged(QStringLiteral("Overflow (6) in TransferXMLToObject")));
 }
 
+// In a saved file with one number edited by hand, that number alone is
+// logged, with the kind of fault.
+TEST_F(EventFileFormat, EachBadNumberIsLoggedWithItsKind) {
+    const QByteArray saved = SaveBytes({MakeEvent(QStringLiteral("x"))});
+    const struct {
+        const char* tag;
+        const char* value;
+        const char* logged; // "" = read without a fault
+    } cases[] = {
+        {"DaysWarning", "7x", "Type mismatch (13)"},
+        {"DaysWarning", "inf", "Type mismatch (13)"},
+        {"DayOfMonth", "99999", "Overflow (6)"},
+        {"DayOfMonth", "40000.4", "Overflow (6)"},
+        {"DayOfMonth", "+31", ""},
+    };
+    for (const auto& c : cases) {
+        const QByteArray tag(c.tag);
+        QByteArray bytes = saved;
+        bytes.replace(QByteArray("<" + tag + ">0<"), QByteArray("<" + tag + ">" + c.value + "<"));
+        ASSERT_NE(bytes, saved);
+        const qsizetype mark = LoggedTexts().size();
+        ASSERT_EQ(LoadBytes(bytes).size(), 1);
+        const QStringList faults =
+            LoggedTexts().mid(mark).filter(QStringLiteral(" in TransferXMLToObject"));
+        const QString logged = QString::fromLatin1(c.logged);
+        EXPECT_EQ(faults, logged.isEmpty()
+                              ? QStringList()
+                              : QStringList{logged + QStringLiteral(" in TransferXMLToObject of "
+                                                                    "module clsDbXml")})
+            << c.value;
+    }
+}
+
 // What a date field of a hand-edited file reads as ("" = refused, day 0).
 TEST_F(EventFileFormat, DateFieldsReadOnlyRealDaysAndTimes) {
     const struct {
         const char* text;
         const char* read;
     } cases[] = {
-        {"2000-02-29", "2000-02-29 00:00"}, {"2009-02-29", ""},  {"1900-02-29", ""},
-        {"2009-03-05 23:59", "2009-03-05 23:59"}, {"2009-03-05 24:00", ""},
-        {"2009-03-05 10:75", ""}, {"2009-03-05 10:1/", ""}, {"2O09-03-05", ""},
+        {"2000-02-29", "2000-02-29 00:00"},
+        {"2009-02-29", ""},
+        {"1900-02-29", ""},
+        {"2009-03-05 23:59", "2009-03-05 23:59"},
+        {"2009-03-05 24:00", ""},
+        {"2009-03-05 10:75", ""},
+        {"2009-03-05 10:1/", ""},
+        {"2O09-03-05", ""},
     };
     for (const auto& c : cases) {
         const QList<EventPtr> back =

@@ -121,6 +121,9 @@ TEST(DateSubs, InitialisationLogsItsFindings) {
                                "True string: True False string: False"};
     ASSERT_GE(actions.size(), expected.size());
     EXPECT_EQ(actions.mid(actions.size() - expected.size()), expected);
+    subs.FormatDate(D("2009-03-05"));
+    subs.ConvertMyDateVar(QStringLiteral("05.03.2009"));
+    EXPECT_EQ(LoggedTexts().size(), actions.size()) << "the findings are logged once";
 }
 
 TEST(DateSubs, DatesBeyondTheCalendarGiveEmptyTextAndALogLine) {

@@ -94,6 +94,16 @@ TEST_F(DbXml, CodesStayUniqueAcrossManyStoresDeletedRecordsIncluded) {
     EXPECT_EQ(db.RecordCount(), 5000);
 }
 
+// One event object in two lists: a new code given by one list is found by the other.
+TEST_F(DbXml, ACodeGivenByAnotherListIsFound) {
+    const auto e = MakeEvent(QStringLiteral("both"));
+    db.StoreRecord(e);
+    ASSERT_TRUE(db.ReadEvent(e->IDCode));
+    clsDbXml other(settings);
+    other.StoreRecord(e, true);
+    EXPECT_EQ(db.ReadEvent(e->IDCode), e);
+}
+
 TEST_F(DbXml, DeleteRecordMarksSavesAndKeepsTheObjectUntilTheNextLoad) {
     const auto a = MakeEvent(QStringLiteral("A"));
     const auto b = MakeEvent(QStringLiteral("B"));

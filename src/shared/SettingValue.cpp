@@ -93,4 +93,3 @@ int16_t SettingValue::toInt16() const {
     }
     return static_cast<int16_t>(n);
 }
-

@@ -264,4 +264,3 @@ void cSHAREDSettings::LoadSettings(const QString& file) {
         Log().AddAction(QString::fromLocal8Bit(e.what()), QStringLiteral("LoadSettings"), kModule);
     }
 }
-

@@ -441,4 +441,3 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
     m_fileName = AppPaths::JoinPath(folder, own);
     m_stamp = fileStamp(m_fileName);
 }
-

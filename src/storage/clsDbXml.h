@@ -98,7 +98,6 @@ public:
     // The list, in order (for windows and the reminder engine).
     const QList<EventPtr>& Events() const { return m_events; }
 
-
     // The current user's name: the setting "Owner", "Not Set" when absent.
     QString CurrentOwner() const;
 

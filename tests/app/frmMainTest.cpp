@@ -33,11 +33,11 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QStatusBar>
+#include <QTextBrowser>
 #include <QToolBar>
 #include <QUndoStack>
-#include <QScrollBar>
-#include <QTextBrowser>
 
 namespace {
 

@@ -314,8 +314,8 @@ TEST_F(EditorRules, PreviewStartsWithTodayWhenTheRuleGivesToday) {
     for (const DateValue d : daily.dates) {
         days << FormatYMD(d);
     }
-    EXPECT_EQ(days, (QStringList{"2009-03-05", "2009-03-06", "2009-03-07", "2009-03-08",
-                                 "2009-03-09"}));
+    EXPECT_EQ(days,
+              (QStringList{"2009-03-05", "2009-03-06", "2009-03-07", "2009-03-08", "2009-03-09"}));
     EXPECT_TRUE(event.Desc().isEmpty()) << "the edited event is left alone";
 
     in.recurrenceType = clsEvent::DaysOfWeek; // no day ticked

@@ -16,24 +16,12 @@
 #include <QDir>
 #include <QLabel>
 #include <QPlainTextEdit>
-#include <QProcess>
 #include <QPushButton>
 #include <QTest>
 
 #include <memory>
 
 namespace {
-
-// Text of a PDF, through pdftotext.
-QString PdfText(const QString& pdf) {
-    QProcess process;
-    process.start(QStringLiteral("pdftotext"),
-                  {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-    if (!process.waitForFinished(20000)) {
-        return {};
-    }
-    return QString::fromUtf8(process.readAllStandardOutput());
-}
 
 class MonthView : public ::testing::Test {
 protected:

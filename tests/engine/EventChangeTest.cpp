@@ -30,6 +30,7 @@ TEST(EventChange, UndoPutsEventsBackAmongTheOthersAndRefusesAfterALoad) {
     db.StoreRecord(list[0]);
     list[3]->setDesc(QStringLiteral("D2"));
     db.StoreRecord(list[3]);
+    change.Watch(db, list[3]); // again after its edit: the first look counts
     db.StoreRecord(list[1]);
     list[2]->Deleted = true;
     auto added = std::make_shared<clsEvent>();

@@ -93,21 +93,3 @@ int16_t SettingValue::toInt16() const {
     }
     return static_cast<int16_t>(n);
 }
-
-bool SettingValue::isZero() const {
-    switch (m_type) {
-    case Type::Empty:
-        return true;
-    case Type::Integer:
-    case Type::Boolean:
-        return m_number == 0;
-    case Type::Text: {
-        if (m_text.trimmed().isEmpty()) {
-            return true;
-        }
-        const auto d = NumberInText(m_text);
-        return d && *d == 0.0;
-    }
-    }
-    return false;
-}

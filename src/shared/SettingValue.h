@@ -36,10 +36,6 @@ public:
     // As toInt, and 0 beyond the 16-bit range.
     int16_t toInt16() const;
 
-    // Whether the value compares equal to the number 0: empty, integer 0,
-    // boolean false, or text that is blank or a number equal to 0.
-    bool isZero() const;
-
     // Same type and same contents.
     bool operator==(const SettingValue& other) const = default;
 

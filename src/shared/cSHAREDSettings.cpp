@@ -145,12 +145,6 @@ SettingValue cSHAREDSettings::RetrieveSetting(const QString& key, const SettingV
     return v;
 }
 
-SettingValue cSHAREDSettings::RetrieveWithDefault(const QString& key,
-                                                  const SettingValue& def) const {
-    const SettingValue v = RetrieveSetting(key, def);
-    return v.isZero() ? def : v;
-}
-
 bool cSHAREDSettings::IsSettingPresent(const QString& key) const {
     return find(key) >= 0;
 }
@@ -165,15 +159,6 @@ void cSHAREDSettings::DeleteSettingByName(const QString& key) {
     if (at >= 0) {
         removeAt(at);
     }
-}
-
-void cSHAREDSettings::DeleteSetting(int32_t pos1) {
-    if (pos1 < 1 || pos1 > m_entries.size()) {
-        Log().AddAction(QStringLiteral("Subscript out of range (9)"),
-                        QStringLiteral("DeleteSetting"), kModule);
-        return;
-    }
-    removeAt(pos1 - 1);
 }
 
 QByteArray cSHAREDSettings::FileBytes() const {
@@ -294,96 +279,4 @@ void cSHAREDSettings::LoadSettings(const QString& file) {
                                   QStringLiteral(" of ") + file);
         Log().AddAction(QString::fromLocal8Bit(e.what()), QStringLiteral("LoadSettings"), kModule);
     }
-}
-
-QString cSHAREDSettings::memberKey(const QString& upperSet, int32_t n) {
-    return upperSet + QLatin1Char('_') + QString::number(n);
-}
-
-QString cSHAREDSettings::indexKey(const QString& upperSet) {
-    return upperSet + QStringLiteral("_INDEX");
-}
-
-int32_t cSHAREDSettings::LastIndexInSet(const QString& set) const {
-    return RetrieveSetting(indexKey(set.toUpper())).toInt();
-}
-
-int32_t cSHAREDSettings::AddToSet(const QString& set, const SettingValue& value) {
-    const QString s = set.toUpper();
-    int32_t n = 0;
-    do {
-        n = LastIndexInSet(s) + 1;
-        AddSetting(indexKey(s), SettingValue(n));
-    } while (IsSettingPresent(memberKey(s, n)));
-    AddSetting(memberKey(s, n), value);
-    return n;
-}
-
-int32_t cSHAREDSettings::FindInSet(const QString& upperSet, const SettingValue& value) const {
-    const QString wanted = value.toText();
-    const int32_t last = LastIndexInSet(upperSet);
-    for (int32_t n = 1; n <= last; ++n) {
-        const qsizetype at = find(memberKey(upperSet, n));
-        if (at >= 0 && m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
-            return n;
-        }
-    }
-    return 0;
-}
-
-bool cSHAREDSettings::ValueInSet(const QString& set, const SettingValue& value) const {
-    return FindInSet(set.toUpper(), value) > 0;
-}
-
-void cSHAREDSettings::DeleteFromSetByValue(const QString& set, const SettingValue& value) {
-    const QString s = set.toUpper();
-    const int32_t n = FindInSet(s, value);
-    if (n > 0) {
-        RemoveFromSetAt(s, n);
-    }
-}
-
-void cSHAREDSettings::RemoveFromSetAt(const QString& upperSet, int32_t pos) {
-    const int32_t last = LastIndexInSet(upperSet);
-    if (pos >= last) {
-        DeleteSettingByName(memberKey(upperSet, pos));
-    } else {
-        for (int32_t n = pos + 1; n <= last; ++n) {
-            const qsizetype at = find(memberKey(upperSet, n));
-            if (at >= 0) {
-                AddSetting(memberKey(upperSet, n - 1), m_entries.at(at).value);
-            } else {
-                // A hole moves down with the rest.
-                DeleteSettingByName(memberKey(upperSet, n - 1));
-            }
-        }
-        DeleteSettingByName(memberKey(upperSet, last));
-    }
-    AddSetting(indexKey(upperSet), SettingValue(last - 1));
-}
-
-int32_t cSHAREDSettings::SetCount(const QString& set) const {
-    const QString s = set.toUpper();
-    const int32_t last = LastIndexInSet(s);
-    int32_t count = 0;
-    for (int32_t n = 1; n <= last; ++n) {
-        if (IsSettingPresent(memberKey(s, n))) {
-            ++count;
-        }
-    }
-    if (count != last) {
-        Log().AddAction(
-            QStringLiteral("WARNING: LastIDX and Setcount not the same with setting '") + s +
-            QLatin1Char('\''));
-    }
-    return count;
-}
-
-void cSHAREDSettings::DeleteASet(const QString& set) {
-    const QString s = set.toUpper();
-    const int32_t upTo = SetCount(s) + 10;
-    for (int32_t n = 1; n <= upTo; ++n) {
-        DeleteSettingByName(memberKey(s, n));
-    }
-    DeleteSettingByName(indexKey(s));
 }

@@ -57,18 +57,10 @@ public:
         return RetrieveSetting(key, def);
     }
     SettingValue RetrieveSetting(const QString& key, const SettingValue& def = {}) const;
-    // As sGet, but def also replaces a value equal to the number 0 (see
-    // SettingValue::isZero).
-    SettingValue sGetWD(const QString& key, const SettingValue& def) const {
-        return RetrieveWithDefault(key, def);
-    }
-    SettingValue RetrieveWithDefault(const QString& key, const SettingValue& def) const;
     bool IsSettingPresent(const QString& key) const;
 
     void DeleteAllSettings();
     void DeleteSettingByName(const QString& key);
-    // Removes the entry at a 1-based position.
-    void DeleteSetting(int32_t pos1);
 
     // Writes every entry in order as "UPPERKEY,value" + CR LF, atomically.
     // A read-only file is made writable and saved; when that is impossible the
@@ -82,22 +74,6 @@ public:
     // The bytes SaveSettings writes.
     QByteArray FileBytes() const;
 
-    // Appends value to set and returns its number (numbers only grow; holes
-    // left by a hand-edited file are skipped).
-    int32_t AddToSet(const QString& set, const SettingValue& value);
-    // The set's last used number, 0 for an unknown set.
-    int32_t LastIndexInSet(const QString& set) const;
-    // Removes the first member whose text equals value's (any case) and closes
-    // the gap.
-    void DeleteFromSetByValue(const QString& set, const SettingValue& value);
-    bool ValueInSet(const QString& set, const SettingValue& value) const;
-    // Members present from 1 to the last number; logs a warning when that
-    // differs from the last number.
-    int32_t SetCount(const QString& set) const;
-    // Removes every member (looking ten past the count for stragglers) and the
-    // index entry.
-    void DeleteASet(const QString& set);
-
 private:
     struct Entry {
         QString key;
@@ -105,17 +81,11 @@ private:
     };
 
     void AddSetting(const QString& key, SettingValue value);
-    void RemoveFromSetAt(const QString& set, int32_t pos);
-    // The number of the first member whose text equals value's (any case), or 0.
-    int32_t FindInSet(const QString& upperSet, const SettingValue& value) const;
     // Index into m_entries, or -1.
     qsizetype find(const QString& key) const;
     void removeAt(qsizetype index);
     bool isTrueWord(const QString& upperTrimmed) const;
     bool isFalseWord(const QString& upperTrimmed) const;
-    // The set's member key S_n.
-    static QString memberKey(const QString& upperSet, int32_t n);
-    static QString indexKey(const QString& upperSet);
     // The lookup form of a key: commas removed, case folded.
     static QString lookupKey(const QString& key);
 

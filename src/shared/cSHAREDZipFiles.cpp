@@ -58,17 +58,6 @@ bool cSHAREDZipFiles::AddFile(const QString& path) {
     return true;
 }
 
-bool cSHAREDZipFiles::RemoveFile(const QString& path) {
-    const int i = indexOf(path);
-    if (i < 0) {
-        m_lastMessage = QStringLiteral("File is not in Zip List");
-        return false;
-    }
-    m_files.removeAt(i);
-    m_lastMessage.clear();
-    return true;
-}
-
 QString cSHAREDZipFiles::entryName(const QString& path) const {
     const QFileInfo info(path);
     if (m_ignorePath) {

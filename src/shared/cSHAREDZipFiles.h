@@ -32,8 +32,6 @@ public:
     // Adds a path to the list; a path already there (same file, however
     // spelled) is refused with "File is already in Zip List".
     bool AddFile(const QString& path);
-    // Takes a path off the list; "File is not in Zip List" when absent.
-    bool RemoveFile(const QString& path);
 
     // Writes the archive from the list, replacing an archive of that name
     // only once the new one is complete. Listed files that do not exist are

@@ -470,18 +470,6 @@ void clsDbXml::SetAllToSingleUser() {
     SaveDB();
 }
 
-void clsDbXml::WipeAllButThisOwner(const QString& owner) {
-    if (owner.trimmed().isEmpty()) {
-        return;
-    }
-    for (const EventPtr& event : std::as_const(m_events)) {
-        if (!OwnerId::Same(event->Owner(), owner)) {
-            event->Deleted = true;
-        }
-    }
-    SaveDB();
-}
-
 void clsDbXml::RenameOwner(const QString& oldOwner, const QString& newOwner) {
     for (const EventPtr& event : std::as_const(m_events)) {
         if (OwnerId::Same(event->Owner(), oldOwner)) {
@@ -558,15 +546,4 @@ void clsDbXml::refuseLarge(const QString& file, qint64 limit) {
         QStringLiteral(" and is not read");
     Log().AddAction(text, QStringLiteral("LoadMultiple"), kModule);
     StatusNotices::Post(text);
-}
-
-EventPtr clsDbXml::TransferXMLToObject(const QString& block) const {
-    return EventXmlCodec::ParseBlock(TextCodec::ToWindows1252(block),
-                                     QStringLiteral("TransferXMLToObject"), kModule);
-}
-
-QString clsDbXml::TransferObjectToXML(const clsEvent& event) const {
-    QByteArray out;
-    EventXmlCodec::AppendBlock(out, event);
-    return TextCodec::FromWindows1252(out);
 }

@@ -81,7 +81,6 @@ public:
     // Owner maintenance (names compared trimmed, case ignored), each saving.
     void WipeRecordsByOwner(const QString& owner);
     void SetAllToSingleUser();
-    void WipeAllButThisOwner(const QString& owner);
     void RenameOwner(const QString& oldOwner, const QString& newOwner);
     // Builds the merged set from the user list file "TVOShared.ini": every
     // other user's "Shared_" + name + ".xml" in the shared folder, in list
@@ -106,11 +105,6 @@ public:
 
     // The list, in order (for windows and the reminder engine).
     const QList<EventPtr>& Events() const { return m_events; }
-
-    // Conversion of one event block (the text between <EVENT> and </EVENT>
-    // with its tags) and back; the latter without the final CR LF.
-    EventPtr TransferXMLToObject(const QString& block) const;
-    QString TransferObjectToXML(const clsEvent& event) const;
 
     // The current user's name: the setting "Owner", "Not Set" when absent.
     QString CurrentOwner() const;

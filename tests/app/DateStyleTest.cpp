@@ -12,7 +12,6 @@
 #include "support/LogLines.h"
 
 #include <QLabel>
-#include <QProcess>
 #include <QPushButton>
 
 namespace {
@@ -43,10 +42,7 @@ protected:
         PdfPrintSetup setup(pdf);
         tasks.setPrintSetup(&setup);
         Control<QPushButton>(&tasks, "cmd_print")->click();
-        QProcess text;
-        text.start(QStringLiteral("pdftotext"), {pdf, QStringLiteral("-")});
-        text.waitForFinished(20000);
-        return QString::fromUtf8(text.readAllStandardOutput());
+        return PdfText(pdf);
     }
     // The expired-event log lines and the captions of the windows shown.
     QStringList engineTexts() {

@@ -225,13 +225,19 @@ TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
     EXPECT_GE(rowOf(QStringLiteral("Bob's in my file")), 0);
 }
 
-TEST_F(MainWindow, DeleteAsksFirstAndNoKeepsEverything) {
+TEST_F(MainWindow, DeleteAsksFirst) {
     add(events, QStringLiteral("Keep me"), QStringLiteral("2009-03-10"));
     open();
     select({QStringLiteral("Keep me")});
     dialogs.answerNo();
     window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
     EXPECT_GE(rowOf(QStringLiteral("Keep me")), 0);
+    dialogs.answerYes();
+    window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
+    EXPECT_EQ(rowOf(QStringLiteral("Keep me")), -1);
+    EXPECT_EQ(dialogs.lastText(),
+              QStringLiteral("Are you sure you want to delete the selected event(s)?"))
+        << "one's own events go without a word about other users";
 }
 
 // Every kind of change made from the window is undone and redone through the

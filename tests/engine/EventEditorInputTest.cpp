@@ -1,5 +1,6 @@
 // The event editor's save rules, without the dialog.
 #include "engine/EventEditorInput.h"
+#include "engine/OccurrencePreview.h"
 #include "model/clsEvent.h"
 #include "shared/cSHAREDSettings.h"
 #include "support/TestSupport.h"
@@ -313,6 +314,25 @@ TEST_F(EditorRules, SoundAndFileToRun) {
     EXPECT_TRUE(event.WavFile.isEmpty());
     EXPECT_TRUE(in.wavFile.isEmpty());
     EXPECT_FALSE(event.ExecFile);
+}
+
+// The line under the tabs counts today when the rule gives today, and every
+// following day when the rule gives every day.
+TEST_F(EditorRules, PreviewStartsWithTodayWhenTheRuleGivesToday) {
+    EventEditorInput in = valid();
+    in.dailyPeriod = QStringLiteral("1");
+    const OccurrencePreview daily = OccurrencePreview::Of(in, event, settings);
+    QStringList days;
+    for (const DateValue d : daily.dates) {
+        days << FormatYMD(d);
+    }
+    EXPECT_EQ(days,
+              (QStringList{"2009-03-05", "2009-03-06", "2009-03-07", "2009-03-08", "2009-03-09"}));
+    EXPECT_TRUE(event.Desc().isEmpty()) << "the edited event is left alone";
+
+    in.recurrenceType = clsEvent::DaysOfWeek; // no day ticked
+    EXPECT_EQ(OccurrencePreview::Of(in, event, settings).problem,
+              QString::fromLatin1(R::kNoWeekday));
 }
 
 TEST(EditorAlarmAdvice, ShowsTheAlarmMomentOnATwelveHourClock) {

@@ -81,13 +81,15 @@ TEST(DateValue, TextFormsRoundTrip) {
     EXPECT_EQ(*ParseDateValue(QStringLiteral("2009-03-05")), DateSerial(2009, 3, 5));
     EXPECT_EQ(*ParseDateValue(QStringLiteral(" 2009-03-05 07:05 ")),
               DateSerial(2009, 3, 5) + TimeSerial(7, 5));
+    EXPECT_EQ(*ParseDateValue(QStringLiteral("2009-03-05 07:05:59")), v);
     EXPECT_EQ(FormatYMDHM(*ParseDateValue(QStringLiteral("2024-02-29 23:59"))),
               QStringLiteral("2024-02-29 23:59"));
 }
 
 TEST(DateValue, ParseRefusesWhatIsNoDate) {
-    for (const char* bad : {"", "2009", "2009-02-30", "2009-13-01", "2009-03-05 24:00",
-                            "2009-03-05 12:60", "05/03/2009", "2009-03-05x", "abc"}) {
+    for (const char* bad :
+         {"", "2009", "2009-02-30", "2009-13-01", "2009-03-05 24:00", "2009-03-05 12:60",
+          "2009-03-05 12:00:60", "05/03/2009", "2009-03-05x", "abc"}) {
         EXPECT_FALSE(ParseDateValue(QString::fromLatin1(bad)).has_value()) << bad;
     }
 }

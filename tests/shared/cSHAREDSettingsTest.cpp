@@ -153,21 +153,6 @@ TEST(Settings, TextTrueAndFalseComeBackAsBooleans) {
     }
 }
 
-TEST(Settings, WithDefaultReplacesAbsentAndZeroValues) {
-    cSHAREDSettings s;
-    s.sSet("Zero", 0);
-    s.sSet("ZeroText", " 0 ");
-    s.sSet("FalseText", "false");
-    s.sSet("Five", 5);
-    s.sSet("Word", "abc");
-    EXPECT_EQ(s.sGetWD("Absent", 7).toInt(), 7);
-    EXPECT_EQ(s.sGetWD("Zero", 7).toInt(), 7);
-    EXPECT_EQ(s.sGetWD("ZeroText", 7).toInt(), 7);
-    EXPECT_EQ(s.sGetWD("FalseText", 7).toInt(), 7);
-    EXPECT_EQ(s.sGetWD("Five", 7).toInt(), 5);
-    EXPECT_EQ(s.sGetWD("Word", 7).toText(), QStringLiteral("abc"));
-}
-
 TEST(Settings, DeletingKeepsTheOrderOfTheRest) {
     cSHAREDSettings s;
     for (const char* k : {"A", "B", "C", "D"}) {
@@ -175,7 +160,7 @@ TEST(Settings, DeletingKeepsTheOrderOfTheRest) {
     }
     s.DeleteSettingByName("b");
     s.DeleteSettingByName("nothing");
-    s.DeleteSetting(1);
+    s.DeleteSettingByName("A");
     ASSERT_EQ(s.SettingsCount(), 2);
     EXPECT_EQ(s.SettingNameByIndex(1), QStringLiteral("C"));
     EXPECT_EQ(s.SettingNameByIndex(2), QStringLiteral("D"));
@@ -185,97 +170,6 @@ TEST(Settings, DeletingKeepsTheOrderOfTheRest) {
     s.DeleteAllSettings();
     EXPECT_EQ(s.SettingsCount(), 0);
     EXPECT_FALSE(s.IsSettingPresent("C"));
-}
-
-} // namespace
-
-namespace {
-
-// The keys and values of a store in order, "KEY=value", for comparing sets.
-QStringList Entries(const cSHAREDSettings& s) {
-    QStringList out;
-    for (int32_t i = 1; i <= s.SettingsCount(); ++i) {
-        const QString key = s.SettingNameByIndex(i);
-        out << key + QLatin1Char('=') + s.sGet(key).toText();
-    }
-    return out;
-}
-
-TEST(SettingsSets, AddingAppendsAndCountsUp) {
-    cSHAREDSettings s;
-    EXPECT_EQ(s.LastIndexInSet("a"), 0);
-    EXPECT_EQ(s.AddToSet("a", "x"), 1);
-    EXPECT_EQ(s.AddToSet("A", "x"), 2);
-    EXPECT_EQ(Entries(s), (QStringList{"A_INDEX=2", "A_1=x", "A_2=x"}));
-    EXPECT_EQ(s.LastIndexInSet("a"), 2);
-    EXPECT_EQ(s.SetCount("a"), 2);
-    EXPECT_TRUE(s.ValueInSet("a", "X"));
-    EXPECT_FALSE(s.ValueInSet("a", "y"));
-    EXPECT_FALSE(s.ValueInSet("other", "x"));
-}
-
-TEST(SettingsSets, DeletingByValueCompactsTheSet) {
-    cSHAREDSettings s;
-    s.AddToSet("a", "x");
-    s.AddToSet("a", "x");
-    s.DeleteFromSetByValue("a", "X");
-    EXPECT_EQ(Entries(s), (QStringList{"A_INDEX=1", "A_1=x"}));
-
-    cSHAREDSettings t;
-    for (const char* v : {"one", "two", "three", "four"}) {
-        t.AddToSet("Recent", v);
-    }
-    t.DeleteFromSetByValue("recent", "TWO");
-    EXPECT_EQ(Entries(t),
-              (QStringList{"RECENT_INDEX=3", "RECENT_1=one", "RECENT_2=three", "RECENT_3=four"}));
-    t.DeleteFromSetByValue("recent", "four"); // the last member
-    EXPECT_EQ(Entries(t), (QStringList{"RECENT_INDEX=2", "RECENT_1=one", "RECENT_2=three"}));
-    t.DeleteFromSetByValue("recent", "absent");
-    EXPECT_EQ(t.SetCount("recent"), 2);
-}
-
-TEST(SettingsSets, IntegerMembersCompareByTheirText) {
-    cSHAREDSettings s;
-    s.AddToSet("N", 42);
-    s.AddToSet("N", true); // stored as -1
-    EXPECT_TRUE(s.ValueInSet("N", "42"));
-    EXPECT_TRUE(s.ValueInSet("N", -1));
-    s.DeleteFromSetByValue("N", 42);
-    EXPECT_EQ(Entries(s), (QStringList{"N_INDEX=1", "N_1=-1"}));
-}
-
-TEST(SettingsSets, HolesFromAHandEditedFileAreSkippedAndWarned) {
-    TempHome home;
-    const QString ini = home.file(QStringLiteral("Tvo.ini"));
-    ASSERT_TRUE(WriteFileBytes(ini, "S_INDEX, 2 \r\nS_1,a\r\nS_3,c\r\nS_14,far\r\n"));
-    cSHAREDSettings s;
-    s.LoadSettings(ini);
-
-    EXPECT_EQ(s.SetCount("s"), 1);
-    EXPECT_EQ(Log().CurrentAction(),
-              QStringLiteral("WARNING: LastIDX and Setcount not the same with setting 'S'"));
-
-    // Number 3 is taken, so the new member gets 4.
-    EXPECT_EQ(s.AddToSet("s", "d"), 4);
-    EXPECT_EQ(s.sGet("S_INDEX").toInt(), 4);
-
-    // Count is 3 (1, 3, 4); the slack of ten reaches 13 but not 14.
-    s.DeleteASet("s");
-    EXPECT_EQ(Entries(s), (QStringList{"S_14=far"}));
-}
-
-TEST(SettingsSets, RemovingAMemberMovesAHoleDownWithTheRest) {
-    cSHAREDSettings s;
-    s.sSet("S_INDEX", 4);
-    s.sSet("S_1", "a");
-    s.sSet("S_3", "c");
-    s.sSet("S_4", "d");
-    s.DeleteFromSetByValue("s", "a");
-    EXPECT_FALSE(s.IsSettingPresent("S_1"));
-    EXPECT_EQ(s.sGet("S_2").toText(), QStringLiteral("c"));
-    EXPECT_EQ(s.sGet("S_3").toText(), QStringLiteral("d"));
-    EXPECT_FALSE(s.IsSettingPresent("S_4"));
-    EXPECT_EQ(s.LastIndexInSet("s"), 3);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "shared/cSharedDateSubs.h"
 
 #include "shared/cSharedLogging.h"
+#include "support/LogLines.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -114,21 +115,29 @@ TEST(DateSubs, MonthNamesAndThousandsFollowTheLocale) {
 
 TEST(DateSubs, InitialisationLogsItsFindings) {
     cSharedDateSubs subs(QStringLiteral("25.12.2001"), QLocale(QLocale::English));
-    const QStringList actions = Log().pendingActions();
+    const QStringList actions = LoggedTexts();
     const QStringList expected{"Date format: DD.MM.YYYY", "Full date format: DD.MMM.YYYY",
                                "Full date format plus time: DD.MMM.YYYY HH:MM", "Date separator: .",
                                "True string: True False string: False"};
     ASSERT_GE(actions.size(), expected.size());
     EXPECT_EQ(actions.mid(actions.size() - expected.size()), expected);
+    subs.FormatDate(D("2009-03-05"));
+    subs.ConvertMyDateVar(QStringLiteral("05.03.2009"));
+    EXPECT_EQ(LoggedTexts().size(), actions.size()) << "the findings are logged once";
 }
 
 TEST(DateSubs, DatesBeyondTheCalendarGiveEmptyTextAndALogLine) {
     cSharedDateSubs subs(QStringLiteral("25/12/2001"), QLocale(QLocale::English));
-    for (const DateValue bad : {std::numeric_limits<double>::quiet_NaN(), 1e12, -1e12}) {
-        EXPECT_EQ(subs.FormatDate(bad), QString());
+    const DateValue first = DateSerial(100, 1, 1);
+    const DateValue last = DateSerial(9999, 12, 31);
+    for (const DateValue bad :
+         {std::numeric_limits<double>::quiet_NaN(), 1e12, -1e12, first - 1, last + 1}) {
+        EXPECT_EQ(subs.FormatDate(bad), QString()) << bad;
     }
+    EXPECT_EQ(subs.FormatDate(first), QStringLiteral("01/Jan/0100"));
+    EXPECT_EQ(subs.FormatDate(last + 0.999), QStringLiteral("31/Dec/9999"));
     EXPECT_EQ(
-        Log().CurrentAction(),
+        LoggedTexts().constLast(),
         QStringLiteral("Invalid procedure call or argument (5) in FormatDate of module cDateSubs"));
 }
 
@@ -138,7 +147,9 @@ TEST(DateSubs, ConvertMyDateVarRefusesWhatIsNoDate) {
               std::optional<DateValue>(D("2029-12-31")));
     EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("1.1.30")),
               std::optional<DateValue>(D("1930-01-01")));
-    for (const char* bad : {"", "31/02/2009", "a/b/c", "1/2", "1/2/3/4"}) {
+    EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("1/1/0100")),
+              std::optional<DateValue>(DateSerial(100, 1, 1)));
+    for (const char* bad : {"", "31/02/2009", "a/b/c", "1/2", "1/2/3/4", "31/12/0099"}) {
         EXPECT_FALSE(subs.ConvertMyDateVar(QString::fromUtf8(bad)).has_value()) << bad;
     }
 }

@@ -5,6 +5,7 @@
 #include "shared/TextCodec.h"
 #include "storage/EventXmlCodec.h"
 #include "storage/clsDbXml.h"
+#include "support/LogLines.h"
 
 #include <QRandomGenerator>
 
@@ -197,6 +198,63 @@ TEST_F(EventFileFormat, BadFieldsAreLoggedAndTheRestOfTheEventIsRead) {
     EXPECT_TRUE(Logged(QStringLiteral("Overflow (6) in TransferXMLToObject")));
 }
 
+// In a saved file with one number edited by hand, that number alone is
+// logged, with the kind of fault.
+TEST_F(EventFileFormat, EachBadNumberIsLoggedWithItsKind) {
+    const QByteArray saved = SaveBytes({MakeEvent(QStringLiteral("x"))});
+    const struct {
+        const char* tag;
+        const char* value;
+        const char* logged; // "" = read without a fault
+    } cases[] = {
+        {"DaysWarning", "7x", "Type mismatch (13)"},
+        {"DaysWarning", "inf", "Type mismatch (13)"},
+        {"DayOfMonth", "99999", "Overflow (6)"},
+        {"DayOfMonth", "40000.4", "Overflow (6)"},
+        {"DayOfMonth", "+31", ""},
+    };
+    for (const auto& c : cases) {
+        const QByteArray tag(c.tag);
+        QByteArray bytes = saved;
+        bytes.replace(QByteArray("<" + tag + ">0<"), QByteArray("<" + tag + ">" + c.value + "<"));
+        ASSERT_NE(bytes, saved);
+        const qsizetype mark = LoggedTexts().size();
+        ASSERT_EQ(LoadBytes(bytes).size(), 1);
+        const QStringList faults =
+            LoggedTexts().mid(mark).filter(QStringLiteral(" in TransferXMLToObject"));
+        const QString logged = QString::fromLatin1(c.logged);
+        EXPECT_EQ(faults, logged.isEmpty()
+                              ? QStringList()
+                              : QStringList{logged + QStringLiteral(" in TransferXMLToObject of "
+                                                                    "module clsDbXml")})
+            << c.value;
+    }
+}
+
+// What a date field of a hand-edited file reads as ("" = refused, day 0).
+TEST_F(EventFileFormat, DateFieldsReadOnlyRealDaysAndTimes) {
+    const struct {
+        const char* text;
+        const char* read;
+    } cases[] = {
+        {"2000-02-29", "2000-02-29 00:00"},
+        {"2009-02-29", ""},
+        {"1900-02-29", ""},
+        {"2009-03-05 23:59", "2009-03-05 23:59"},
+        {"2009-03-05 24:00", ""},
+        {"2009-03-05 10:75", ""},
+        {"2009-03-05 10:1/", ""},
+        {"2O09-03-05", ""},
+    };
+    for (const auto& c : cases) {
+        const QList<EventPtr> back =
+            LoadBytes(Block(QByteArray("<AlarmTime>") + c.text + "</AlarmTime>"));
+        ASSERT_EQ(back.size(), 1);
+        const DateValue v = back.first()->AlarmTime();
+        EXPECT_EQ(v == 0.0 ? QString() : FormatYMDHM(v), QString::fromLatin1(c.read)) << c.text;
+    }
+}
+
 TEST_F(EventFileFormat, TagsAreFoundWithoutRegardToCaseAndBlocksBySplittingAtTheEndTag) {
     const QByteArray bytes = "garbage before" +
                              Block("<daynumber>3</DAYNUMBER><DESC>x</desc><Owner>Single</Owner>") +
@@ -228,6 +286,7 @@ TEST_F(EventFileFormat, AValueRunsToItsFirstClosingTagWithRepeatedOpeningTagsRem
                                                   "1",
                                                   2)},
         {"<Desc>%e9t%C3%A9</Desc>", QStringLiteral("\u00e9t\u00c3\u00a9")},
+        {"<Desc>%4f%4F%0a%0A</Desc>", QStringLiteral("OO\n\n")},
     };
     for (const Case& c : cases) {
         const QList<EventPtr> back = LoadBytes(Block(c.field));
@@ -279,20 +338,6 @@ TEST_F(EventFileFormat, DatesAreWrittenAsTheSharedFormattingWritesThem) {
         ASSERT_EQ(QString::fromLatin1(ymd), FormatYMD(v)) << v;
         ASSERT_EQ(QString::fromLatin1(ymdhm), FormatYMDHM(v)) << v;
     }
-}
-
-TEST_F(EventFileFormat, TransferFunctionsConvertOneBlock) {
-    clsDbXml db(settings, &layers);
-    auto e = MakeEvent(QStringLiteral("one & two"));
-    e->IDCode = QStringLiteral("424242");
-    e->setDueDate(D("2020-02-29"));
-    const QString block = db.TransferObjectToXML(*e);
-    EXPECT_TRUE(
-        block.startsWith(QStringLiteral("<TVO2>\r\n\t<EVENT>\r\n\t\t<IDCode>424242</IDCode>\r\n")));
-    EXPECT_TRUE(block.endsWith(QStringLiteral("\t</EVENT>\r\n</TVO2>")));
-    const EventPtr back = db.TransferXMLToObject(block);
-    EXPECT_EQ(back->Desc(), e->Desc());
-    EXPECT_DOUBLE_EQ(back->DueDate(), D("2020-02-29"));
 }
 
 } // namespace

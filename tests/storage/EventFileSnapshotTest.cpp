@@ -22,6 +22,8 @@ TEST_F(StorageTest, SnapshotReadsWhatLoadDbReadsForEventsDueInTime) {
                                    "<Deleted>-1</Deleted>") +
                              block("<desc>Lower%20case</desc><duedate>2030-06-04</duedate>") +
                              block("<Desc>Hand%20edited</Desc><DueDate>2030-6-5</DueDate>") +
+                             block("<Desc>No%2031%20June</Desc><DueDate>2030-06-31</DueDate>") +
+                             block("<Desc>Month%200</Desc><DueDate>2031-00-10</DueDate>") +
                              block("<Desc>For%20Bob</Desc><DueDate>2030-06-05</DueDate>"
                                    "<ShareWithSpecific>-1</ShareWithSpecific><ShareNames>Bob%0D%0A"
                                    "</ShareNames>"));
@@ -43,6 +45,6 @@ TEST_F(StorageTest, SnapshotReadsWhatLoadDbReadsForEventsDueInTime) {
         EventXmlCodec::AppendBlock(bytes, *e);
         got << QString::fromLatin1(bytes);
     }
-    EXPECT_EQ(got.size(), 3);
+    EXPECT_EQ(got.size(), 5);
     EXPECT_EQ(got, expected);
 }

@@ -238,6 +238,8 @@ TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
          "COUNT or UNTIL"},
         {"DTSTART;VALUE=DATE:20280229\nRRULE:FREQ=YEARLY", -1, "2032-02-29", "", 0, 0,
          "29 February"},
+        {"DTSTART;VALUE=DATE:20300131\nRRULE:FREQ=MONTHLY;BYMONTHDAY=31", -1, "2030-07-31", "", 0,
+         0, "day 29-31 skipped in shorter months"},
         {"DTSTART;VALUE=DATE:20300501\nRRULE:FREQ=MONTHLY;BYDAY=1MO,3MO", -1, "2030-06-03", "", 0,
          0, "several weekday positions"},
         {"DTSTART;TZID=America/New_York:20300601T090000\nRRULE:FREQ=DAILY", -1, "2030-06-01",

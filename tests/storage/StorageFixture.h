@@ -4,6 +4,7 @@
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/clsLayers.h"
+#include "support/LogLines.h"
 #include "support/TestSupport.h"
 
 #include <QByteArray>
@@ -16,9 +17,7 @@ class StorageTest : public ::testing::Test {
 protected:
     StorageTest() : layers(settings) {
         settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
-        // An empty buffer, so a test's own lines are not flushed away early.
-        Log().WriteActionsToLog();
-        m_logStart = Log().pendingActions().size();
+        m_logStart = LoggedTexts().size();
     }
 
     static EventPtr MakeEvent(const QString& desc, const QString& owner = QStringLiteral("Ann")) {
@@ -28,12 +27,8 @@ protected:
         return e;
     }
 
-    // Log actions buffered since the test began (the test logger has no file,
-    // so nothing is flushed away).
-    QStringList NewLogLines() const {
-        const QStringList all = Log().pendingActions();
-        return all.mid(all.size() >= m_logStart ? m_logStart : 0);
-    }
+    // The log lines written since the test began.
+    QStringList NewLogLines() const { return LoggedTexts().mid(m_logStart); }
     bool Logged(const QString& start) const {
         for (const QString& line : NewLogLines()) {
             if (line.startsWith(start)) {

@@ -39,6 +39,7 @@ TEST(TaskListFile, ParseTakesDetailsInsideTaskElementsOnly) {
     } cases[] = {
         {"empty file", QByteArray(), {}},
         {"no TASK element", "<TVO2>\r\n<DETAILS>stray</DETAILS>\r\n</TVO2>\r\n", {}},
+        {"empty TASK element", "<TASK></TASK><DETAILS>out</DETAILS>", {}},
         {"two TASK elements",
          "<TASK>\r\n<DETAILS>a</DETAILS>\r\n</TASK><DETAILS>out</DETAILS>\r\n"
          "<TASK>\n<DETAILS>b</DETAILS>\n</TASK>",

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 
 TempHome::TempHome() {
     const std::pair<const char*, QString> vars[] = {
@@ -59,4 +60,14 @@ bool WriteFileBytes(const QString& path, const QByteArray& bytes) {
 
 void PrintTo(const QString& s, std::ostream* os) {
     *os << '"' << s.toStdString() << '"';
+}
+
+QString PdfText(const QString& pdf) {
+    QProcess process;
+    process.start(QStringLiteral("pdftotext"),
+                  {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+    if (!process.waitForFinished(20000)) {
+        return {};
+    }
+    return QString::fromUtf8(process.readAllStandardOutput());
 }

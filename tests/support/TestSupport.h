@@ -49,6 +49,8 @@ public:
 DateValue D(const QString& text);
 
 QByteArray ReadFileBytes(const QString& path);
+// The text of a PDF file as pdftotext lays it out; "" when it cannot be read.
+QString PdfText(const QString& pdf);
 bool WriteFileBytes(const QString& path, const QByteArray& bytes);
 
 // Lets gtest print QStrings readably in failure messages.

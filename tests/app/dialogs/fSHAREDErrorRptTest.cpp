@@ -27,6 +27,8 @@ namespace {
 class ErrorReportWindowTest : public ::testing::Test {
 protected:
     void SetUp() override {
+        // Actions buffered by earlier tests go to their own log, not this one.
+        Log().WriteActionsToLog();
         m_oldLog = Log().CurrentLogFilename();
         Log().OverrideLogFilename(home.file(QStringLiteral("log.txt")));
         fSHAREDErrorRpt::SetReportFolder(home.file(QStringLiteral("reports")));

@@ -230,21 +230,6 @@ TEST_F(EventEditor, StartDatesOpenThePickerFromTheKeyboard) {
     }
 }
 
-TEST_F(EventEditor, NewShowOnceEventIsNotRecurringAndStartsToday) {
-    open();
-    check("chkDay1")->click();
-    describe(QStringLiteral("Pay the plumber"));
-    Control<QRadioButton>(window.get(), "optShowOnce")->click();
-    save();
-    ASSERT_TRUE(window->Saved());
-    EXPECT_FALSE(event.Recurring());
-    EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-03-05"));
-    EXPECT_EQ(event.Desc(), QStringLiteral("Pay the plumber"));
-    EXPECT_EQ(event.Owner(), QStringLiteral("Fred"));
-    EXPECT_EQ(event.Layer(), 1);
-    EXPECT_FALSE(window->isVisible());
-}
-
 TEST_F(EventEditor, AbortLeavesTheEventAsItWas) {
     event.setDesc(QStringLiteral("Keep me"));
     open(true);
@@ -320,18 +305,13 @@ TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
 TEST_F(EventEditor, DependentControlsFollowTheirBoxes) {
     open();
     EXPECT_FALSE(box("txtTime")->isEnabled());
-    EXPECT_FALSE(box("txtMinutesWarning")->isEnabled());
-    EXPECT_FALSE(label("lblEventTime")->isEnabled());
     EXPECT_FALSE(Control<QPushButton>(window.get(), "cmdPickFile")->isEnabled());
-    EXPECT_FALSE(check("chkFrequency")->isEnabled());
     EXPECT_TRUE(label("lblAlarmAdvice")->text().isEmpty());
 
     check("chkTimed")->click();
     check("chkRunFile")->click();
     EXPECT_TRUE(box("txtTime")->isEnabled());
-    EXPECT_TRUE(label("lblMinWarning")->isEnabled());
     EXPECT_TRUE(Control<QPushButton>(window.get(), "cmdPickFile")->isEnabled());
-    EXPECT_TRUE(label("lblMinutes")->isEnabled());
 
     box("txtTime")->setText(QStringLiteral("23:00"));
     EXPECT_EQ(label("lblAlarmAdvice")->text(), QStringLiteral("(Alarm will sound at 10:30pm)"));
@@ -390,18 +370,6 @@ TEST_F(EventEditor, EmailBoxOffersTheLastAddress) {
     open();
     check("chkEmailTo")->click();
     EXPECT_EQ(box("txtEmailAlert")->text(), QStringLiteral("me@home.test"));
-}
-
-TEST_F(EventEditor, BadNumberShowsTheDataFieldsError) {
-    open();
-    describe(QStringLiteral("Call"));
-    box("txtDaysWarning")->setText(QStringLiteral("a week"));
-    save();
-    EXPECT_FALSE(window->Saved());
-    ASSERT_EQ(dialogs.count(), 1);
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("An error occurred.  Please check the data fields."));
-    EXPECT_EQ(dialogs.shown().last().title, QStringLiteral("Error"));
 }
 
 } // namespace

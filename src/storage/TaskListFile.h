@@ -20,8 +20,9 @@ public:
     QString LegacyPath() const;
 
     // The tasks, in order. Reads the XML file, unless only the legacy file is
-    // there: then its lines are taken, the XML file is written and the legacy
-    // file removed, so the next load reads XML. Missing files give no tasks.
+    // there: then its lines are taken and the XML file is written; the legacy
+    // file is removed only when the XML file reads back with the same tasks,
+    // so the next load reads XML. Missing files give no tasks.
     QStringList Load();
     // Rewrites the XML file whole and atomically, making a read-only file
     // writable first; false on failure (logged, told to the user once

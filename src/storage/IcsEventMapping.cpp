@@ -250,9 +250,15 @@ bool isLocalZone(const QTimeZone& zone) {
            zone.id() == QTimeZone::systemTimeZoneId();
 }
 
-// The local day and time of an iCalendar time given in zone.
+// The local day and time of an iCalendar time given in zone. A time that
+// names no real day and time in years 100 to 9999 gives NaN, which every
+// comparison refuses.
 DateValue localValue(const icaltimetype& t, const QTimeZone& zone) {
     const QDate date(t.year, t.month, t.day);
+    if (!date.isValid() || date.year() < kMinYear || date.year() > kMaxYear ||
+        (!t.is_date && !QTime::isValid(t.hour, t.minute, t.second))) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
     if (t.is_date) {
         return FromQDate(date);
     }
@@ -483,6 +489,10 @@ ReadEvent FromVEvent(icalcomponent* v, DateValue today, const Options& options) 
     QString unknownZone;
     const QTimeZone zone = zoneOf(startProperty, start, &unknownZone);
     const DateValue first = localValue(start, zone);
+    if (!InDateRange(first)) {
+        out.skipped = QStringLiteral("a start date outside years 100 to 9999");
+        return out;
+    }
     auto event = std::make_shared<clsEvent>();
     clsEvent& e = *event;
     e.setDesc(toCrLf(text(icalcomponent_get_summary(v))));

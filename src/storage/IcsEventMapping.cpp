@@ -425,7 +425,12 @@ IcalComponent ToVEvent(const clsEvent& e, const QString& category, const Options
     icaltimetype dtstamp =
         icaltime_from_timet_with_zone(stamp.toSecsSinceEpoch(), 0, icaltimezone_get_utc_timezone());
     addText(c, icalproperty_new_dtstamp(dtstamp));
-    addText(c, icalproperty_new_summary(utf8(toLf(e.Desc())).constData()));
+    // An empty SUMMARY is an error to calendar readers (the whole file is
+    // refused); the property is optional, so an event without a description
+    // goes without it.
+    if (!e.Desc().isEmpty()) {
+        addText(c, icalproperty_new_summary(utf8(toLf(e.Desc())).constData()));
+    }
 
     const IcsRecurrence::Pattern pattern = IcsRecurrence::Write(e);
     addText(c, icalproperty_new_dtstart(timeOf(pattern.start, e)));

@@ -217,8 +217,10 @@ void addAlarm(icalcomponent* vevent, const clsEvent& e) {
     }
     icalcomponent* alarm = icalcomponent_new(ICAL_VALARM_COMPONENT);
     icalcomponent_add_property(alarm, icalproperty_new_action(ICAL_ACTION_DISPLAY));
-    icalcomponent_add_property(alarm,
-                               icalproperty_new_description(utf8(toLf(e.Desc())).constData()));
+    // A display alarm needs a non-empty DESCRIPTION, or readers refuse the
+    // whole file.
+    const QString text = e.Desc().isEmpty() ? QStringLiteral("Reminder") : toLf(e.Desc());
+    icalcomponent_add_property(alarm, icalproperty_new_description(utf8(text).constData()));
     icaltriggertype trigger = icaltriggertype_from_int(-seconds);
     icalcomponent_add_property(alarm, icalproperty_new_trigger(trigger));
     icalcomponent_add_component(vevent, alarm);

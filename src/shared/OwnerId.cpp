@@ -12,7 +12,8 @@ bool IsPlainName(const QString& name) {
         return false;
     }
     for (const QChar c : trimmed) {
-        if (c == QLatin1Char('/') || c == QLatin1Char('\\') || c.category() == QChar::Other_Control) {
+        if (c == QLatin1Char('/') || c == QLatin1Char('\\') ||
+            c.category() == QChar::Other_Control) {
             return false;
         }
     }

@@ -51,8 +51,8 @@ void Prepare() {
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     // Files are written thousands of times a second: a memory file system
     // when there is one.
-    const QString base = QDir(QStringLiteral("/dev/shm")).exists() ? QStringLiteral("/dev/shm")
-                                                                    : QDir::tempPath();
+    const QString base =
+        QDir(QStringLiteral("/dev/shm")).exists() ? QStringLiteral("/dev/shm") : QDir::tempPath();
     static QTemporaryDir dir(base + QStringLiteral("/tarvo-fuzz-XXXXXX"));
     homeFolder() = dir.path();
     qputenv(AppPaths::kHomeVariable, QFile::encodeName(dir.path()));

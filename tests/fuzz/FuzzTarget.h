@@ -38,18 +38,18 @@ void Same(const QByteArray& first, const QByteArray& second, const QString& what
 } // namespace Fuzz
 
 #ifdef TARVO_LIBFUZZER
-#define TARVO_FUZZ_TARGET(name)                                                                   \
-    static void FuzzBody(const QByteArray& input);                                                \
-    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {           \
-        Fuzz::Prepare();                                                                          \
-        FuzzBody(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));  \
-        return 0;                                                                                 \
-    }                                                                                             \
+#define TARVO_FUZZ_TARGET(name)                                                                    \
+    static void FuzzBody(const QByteArray& input);                                                 \
+    extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {            \
+        Fuzz::Prepare();                                                                           \
+        FuzzBody(QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));   \
+        return 0;                                                                                  \
+    }                                                                                              \
     static void FuzzBody(const QByteArray& input)
 #else
-#define TARVO_FUZZ_TARGET(name)                                                                   \
-    static void FuzzBody_##name(const QByteArray& input);                                         \
-    [[maybe_unused]] static const bool kRegistered_##name =                                       \
-        Fuzz::Register(#name, &FuzzBody_##name);                                                  \
+#define TARVO_FUZZ_TARGET(name)                                                                    \
+    static void FuzzBody_##name(const QByteArray& input);                                          \
+    [[maybe_unused]] static const bool kRegistered_##name =                                        \
+        Fuzz::Register(#name, &FuzzBody_##name);                                                   \
     static void FuzzBody_##name(const QByteArray& input)
 #endif

@@ -85,8 +85,8 @@ TEST_F(SharedFolder, AListEntryThatIsNoPlainFileNamePartIsSkippedAndLogged) {
                               home.file(QStringLiteral("private.xml"))));
     QDir(folder).mkpath(QStringLiteral("Shared_x"));
     ASSERT_TRUE(WriteFileBytes(File(QStringLiteral("TVOShared.ini")),
-                               "x/../../private\r\n..\\up\r\nCarl\r\n" +
-                                   QByteArray(65, 'L') + "\r\nBad\x01\r\n"));
+                               "x/../../private\r\n..\\up\r\nCarl\r\n" + QByteArray(65, 'L') +
+                                   "\r\nBad\x01\r\n"));
 
     User ann(QStringLiteral("Ann"), folder, home.path());
     ann.shared->ReloadSharedSet();

@@ -29,7 +29,8 @@ TARVO_FUZZ_TARGET(ics_import) {
     const QString copy = folder + QStringLiteral("/Again.xml");
     again.SetDBFilename(copy);
     again.SaveDB();
-    Fuzz::Same(Fuzz::Get(file), Fuzz::Get(copy), QStringLiteral("imported events read back different"));
+    Fuzz::Same(Fuzz::Get(file), Fuzz::Get(copy),
+               QStringLiteral("imported events read back different"));
     const QString out = folder + QStringLiteral("/out.ics");
     CalendarTransfer::Export(again.Events(), layers, out);
     const IcsEventMapping::Calendar exported = IcsEventMapping::ParseCalendar(Fuzz::Get(out));

@@ -25,5 +25,6 @@ TARVO_FUZZ_TARGET(settings_file) {
     const QByteArray first = settings.FileBytes();
     cSHAREDSettings again;
     again.LoadSettings(Fuzz::Put(folder, QStringLiteral("Again.ini"), first));
-    Fuzz::Same(first, again.FileBytes(), QStringLiteral("a saved settings file reads back different"));
+    Fuzz::Same(first, again.FileBytes(),
+               QStringLiteral("a saved settings file reads back different"));
 }

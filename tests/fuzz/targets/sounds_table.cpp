@@ -13,8 +13,8 @@ TARVO_FUZZ_TARGET(sounds_table) {
     for (const QString& line : lines) {
         sounds.GetWavName(line.section(QLatin1Char(','), 0, 0));
     }
-    const QString changed = lines.isEmpty() ? QStringLiteral("000001")
-                                            : lines.first().section(QLatin1Char(','), 0, 0);
+    const QString changed =
+        lines.isEmpty() ? QStringLiteral("000001") : lines.first().section(QLatin1Char(','), 0, 0);
     const QString wav = QStringLiteral("/home/ann/ring.wav");
     for (const QString& id : {changed, QStringLiteral("123456")}) {
         if (id.trimmed().isEmpty()) {
@@ -23,7 +23,8 @@ TARVO_FUZZ_TARGET(sounds_table) {
         sounds.AddorChange(id, wav);
         clsSounds reread(folder);
         if (reread.GetWavName(id) != wav) {
-            Fuzz::Fail(QStringLiteral("the sound of ") + id + QStringLiteral(" reads back different"));
+            Fuzz::Fail(QStringLiteral("the sound of ") + id +
+                       QStringLiteral(" reads back different"));
         }
     }
     sounds.Delete(QStringLiteral("123456"));

@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 #include <QStorageInfo>
 
+#include <algorithm>
 #include <exception>
 
 namespace {
@@ -303,12 +304,34 @@ int32_t cSHAREDSettings::AddToSet(const QString& set, const SettingValue& value)
     return n;
 }
 
+QList<int32_t> cSHAREDSettings::memberNumbers(const QString& upperSet) const {
+    const QString prefix = lookupKey(upperSet + QLatin1Char('_'));
+    QList<int32_t> numbers;
+    for (const Entry& entry : m_entries) {
+        const QString key = lookupKey(entry.key);
+        if (!key.startsWith(prefix)) {
+            continue;
+        }
+        bool ok = false;
+        const int32_t n = key.mid(prefix.size()).toInt(&ok);
+        if (ok && n >= 1 && lookupKey(memberKey(upperSet, n)) == key) {
+            numbers.append(n);
+        }
+    }
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
 int32_t cSHAREDSettings::FindInSet(const QString& upperSet, const SettingValue& value) const {
     const QString wanted = value.toText();
     const int32_t last = LastIndexInSet(upperSet);
-    for (int32_t n = 1; n <= last; ++n) {
-        const qsizetype at = find(memberKey(upperSet, n));
-        if (at >= 0 && m_entries.at(at).value.toText().compare(wanted, Qt::CaseInsensitive) == 0) {
+    for (const int32_t n : memberNumbers(upperSet)) {
+        if (n > last) {
+            break;
+        }
+        if (m_entries.at(find(memberKey(upperSet, n)))
+                .value.toText()
+                .compare(wanted, Qt::CaseInsensitive) == 0) {
             return n;
         }
     }
@@ -332,7 +355,18 @@ void cSHAREDSettings::RemoveFromSetAt(const QString& upperSet, int32_t pos) {
     if (pos >= last) {
         DeleteSettingByName(memberKey(upperSet, pos));
     } else {
-        for (int32_t n = pos + 1; n <= last; ++n) {
+        // Step n moves member n down, or deletes member n - 1 when n is a
+        // hole; only the steps at a member or just above one change
+        // anything, and a hand-edited last number can be huge.
+        QList<int32_t> steps;
+        for (const int32_t m : memberNumbers(upperSet)) {
+            for (const int32_t n : {m, m + 1}) {
+                if (n > pos && n <= last && (steps.isEmpty() || steps.last() < n)) {
+                    steps.append(n);
+                }
+            }
+        }
+        for (const int32_t n : steps) {
             const qsizetype at = find(memberKey(upperSet, n));
             if (at >= 0) {
                 AddSetting(memberKey(upperSet, n - 1), m_entries.at(at).value);
@@ -349,12 +383,9 @@ void cSHAREDSettings::RemoveFromSetAt(const QString& upperSet, int32_t pos) {
 int32_t cSHAREDSettings::SetCount(const QString& set) const {
     const QString s = set.toUpper();
     const int32_t last = LastIndexInSet(s);
-    int32_t count = 0;
-    for (int32_t n = 1; n <= last; ++n) {
-        if (IsSettingPresent(memberKey(s, n))) {
-            ++count;
-        }
-    }
+    const QList<int32_t> members = memberNumbers(s);
+    const auto count = static_cast<int32_t>(
+        std::count_if(members.begin(), members.end(), [last](int32_t n) { return n <= last; }));
     if (count != last) {
         Log().AddAction(
             QStringLiteral("WARNING: LastIDX and Setcount not the same with setting '") + s +

@@ -106,6 +106,10 @@ private:
 
     void AddSetting(const QString& key, SettingValue value);
     void RemoveFromSetAt(const QString& set, int32_t pos);
+    // The numbers of the set's members in the store, ascending, found by
+    // walking the entries (the last number of a hand-edited file can be
+    // huge).
+    QList<int32_t> memberNumbers(const QString& upperSet) const;
     // The number of the first member whose text equals value's (any case), or 0.
     int32_t FindInSet(const QString& upperSet, const SettingValue& value) const;
     // Index into m_entries, or -1.

@@ -11,7 +11,7 @@ ifneq ($(shell command -v ccache 2>/dev/null),)
 CMAKE_FLAGS += -DCMAKE_CXX_COMPILER_LAUNCHER=ccache
 endif
 
-.PHONY: all deps configure build run test bench install package sanitize format tidy clean
+.PHONY: all deps configure build run test bench install package sanitize fuzz format tidy clean
 
 all: build
 
@@ -54,6 +54,12 @@ bench: configure
 sanitize:
 	@LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp:print_suppressions=0 $(MAKE) test BUILD_DIR=build-asan CMAKE_FLAGS="-DTARVO_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug -DTARVO_BUILD_BENCH=OFF"
 
+# Every fuzz target of tests/fuzz for FUZZ_SECONDS each (default 60), one
+# after the other on one core, built with clang in build-fuzz/.
+FUZZ_SECONDS ?= 60
+fuzz:
+	@FUZZ_SECONDS=$(FUZZ_SECONDS) bash scripts/fuzz.sh
+
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
@@ -61,4 +67,4 @@ tidy: configure
 	@git ls-files 'src/*.cpp' | xargs clang-tidy -p $(BUILD_DIR) --quiet
 
 clean:
-	@rm -rf $(BUILD_DIR) build-asan
+	@rm -rf $(BUILD_DIR) build-asan build-fuzz

@@ -2,6 +2,7 @@
 # Installs the Debian packages Tarvo needs to build, test and run.
 # Idempotent: packages already present are skipped; apt-get update runs only
 # when something is missing and the package lists do not know it yet.
+# With --fuzz also the compiler and fuzzing engine of `make fuzz`.
 set -euo pipefail
 
 packages=(
@@ -13,6 +14,9 @@ packages=(
   openbox xdotool dbus-daemon dbus-bin desktop-file-utils appstream
   remind
 )
+if [ "${1:-}" = "--fuzz" ]; then
+  packages+=(clang libclang-rt-dev)
+fi
 
 missing=()
 for p in "${packages[@]}"; do

@@ -6,6 +6,7 @@
 #include "shared/cSHAREDSettings.h"
 #include "storage/IcsEventMapping.h"
 #include "storage/IcsRecurrence.h"
+#include "storage/StorableText.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
 
@@ -161,7 +162,7 @@ CommandResult Import(const QString& path, EventStore& store, DateValue today) {
                     {"run file", e.Filename},
                     {"sound file", e.WavFile}};
         for (const auto& field : asIs) {
-            if (field.value.contains(QLatin1Char('<'))) {
+            if (!StorableText::AsIsProblem(QLatin1String(field.name), field.value).isEmpty()) {
                 return {CommandResult::kBadInput,
                         QStringLiteral("Nothing imported: the ") + QString::fromLatin1(field.name) +
                             QStringLiteral(" of \"") + e.Desc().simplified() +

@@ -1,5 +1,7 @@
 #include "engine/EventEditorInput.h"
 
+#include "storage/StorableText.h"
+
 #include "model/clsEvent.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedDateSubs.h"
@@ -149,6 +151,28 @@ EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& 
     if (!in.makeNoise) {
         in.wavFile.clear();
     }
+    // Fields the events file keeps as they are (StorableText); the owner
+    // comes from the settings, which a hand edit may have given a "<".
+    const QString owner =
+        settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText();
+    const struct {
+        bool used;
+        const QString& value;
+        const char* name;
+        const char* focus;
+    } asIs[] = {{in.makeNoise, in.wavFile, "sound file", "cmdPickWav"},
+                {in.runFile, in.execFile, "file to run", "cmdPickFile"},
+                {in.emailTo, in.email, "e-mail address", "txtEmailAlert"},
+                {true, owner, "user ID in the options", ""}};
+    for (const auto& field : asIs) {
+        const QString problem =
+            field.used ? StorableText::AsIsProblem(QLatin1String(field.name), field.value)
+                       : QString();
+        if (!problem.isEmpty()) {
+            return {false, problem, QString::fromLatin1(kErrorTitle),
+                    QString::fromLatin1(field.focus)};
+        }
+    }
 
     if (in.timed) {
         in.time = NormaliseTime(in.time);
@@ -204,7 +228,7 @@ EventEditorOutcome Save(EventEditorInput& in, clsEvent& event, cSHAREDSettings& 
         event.Email.clear();
     }
 
-    event.setOwner(settings.sGet(QStringLiteral("Owner"), QStringLiteral("Not Set")).toText());
+    event.setOwner(owner);
 
     if (in.timed) {
         const std::optional<DateValue> due = TimeValue(in.time);

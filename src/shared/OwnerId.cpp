@@ -5,6 +5,21 @@
 
 namespace OwnerId {
 
+bool IsPlainName(const QString& name) {
+    const QString trimmed = name.trimmed();
+    if (trimmed.isEmpty() || trimmed.size() > kMaxNameLength ||
+        trimmed.contains(QLatin1String(".."))) {
+        return false;
+    }
+    for (const QChar c : trimmed) {
+        if (c == QLatin1Char('/') || c == QLatin1Char('\\') ||
+            c.category() == QChar::Other_Control) {
+            return false;
+        }
+    }
+    return true;
+}
+
 QString Problem(const QString& id) {
     const QString trimmed = id.trimmed();
     const QString forbidden = QLatin1String(kForbiddenCharacters);
@@ -16,6 +31,12 @@ QString Problem(const QString& id) {
                        "control characters.")
                 .arg(trimmed);
         }
+    }
+    if (!IsPlainName(trimmed)) {
+        return QStringLiteral("The ID \"%1\" cannot be used: it must be 1 to %2 characters long "
+                              "and must not contain \"..\".")
+            .arg(trimmed)
+            .arg(kMaxNameLength);
     }
     // The user list and the events are written in the data files' code page;
     // a character it lacks would come back as "?" and name another file.

@@ -12,8 +12,16 @@ namespace OwnerId {
 // "" when the ID can be used; otherwise the message to show. Refused: path
 // separators and the other characters a file name cannot hold on any of the
 // systems sharing the folder, control characters, characters the data files'
-// code page cannot hold, and the reserved names "Single" and "Not Set".
+// code page cannot hold, "..", more than kMaxNameLength characters, and the
+// reserved names "Single" and "Not Set".
 QString Problem(const QString& id);
+
+// Whether name (blanks around it aside) can stand in a file name of the
+// shared folder: 1 to kMaxNameLength characters, no slash, backslash or "..", no
+// control characters. A name read from the user list or "Tvo.ini" that is not
+// one is skipped, so no file outside the shared folder is ever read.
+bool IsPlainName(const QString& name);
+inline constexpr int kMaxNameLength = 64;
 
 // Characters refused anywhere in an ID.
 inline constexpr const char* kForbiddenCharacters = "\\/:*?\"<>|";

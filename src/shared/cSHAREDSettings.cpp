@@ -13,6 +13,7 @@
 #include <QRegularExpression>
 #include <QStorageInfo>
 
+#include <algorithm>
 #include <exception>
 
 namespace {

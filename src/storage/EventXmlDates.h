@@ -55,7 +55,13 @@ inline void put2(char* p, unsigned v) {
 // Writes "YYYY-MM-DD" (and " HH:MM") at p and returns the end; null when
 // the year needs the shared formatter.
 inline char* writeFast(char* buf, DateValue v, bool withTime) {
-    const DayAndSeconds s = SplitDateValue(v);
+    DayAndSeconds s = SplitDateValue(v);
+    // A moment after the last representable day (one within a second of
+    // 10000-01-01 rounds there) is stored as that day's last minute: a year
+    // 10000 would read back as no date at all.
+    if (s.day > static_cast<qint64>(kLastDayValue)) {
+        s = {static_cast<qint64>(kLastDayValue), 86399};
+    }
     const Civil c = civilFromDays(s.day + kEpoch);
     if (c.y < 1 || c.y > 9999) {
         return nullptr;

@@ -217,8 +217,10 @@ void addAlarm(icalcomponent* vevent, const clsEvent& e) {
     }
     icalcomponent* alarm = icalcomponent_new(ICAL_VALARM_COMPONENT);
     icalcomponent_add_property(alarm, icalproperty_new_action(ICAL_ACTION_DISPLAY));
-    icalcomponent_add_property(alarm,
-                               icalproperty_new_description(utf8(toLf(e.Desc())).constData()));
+    // A display alarm needs a non-empty DESCRIPTION, or readers refuse the
+    // whole file.
+    const QString text = e.Desc().isEmpty() ? QStringLiteral("Reminder") : toLf(e.Desc());
+    icalcomponent_add_property(alarm, icalproperty_new_description(utf8(text).constData()));
     icaltriggertype trigger = icaltriggertype_from_int(-seconds);
     icalcomponent_add_property(alarm, icalproperty_new_trigger(trigger));
     icalcomponent_add_component(vevent, alarm);
@@ -250,9 +252,15 @@ bool isLocalZone(const QTimeZone& zone) {
            zone.id() == QTimeZone::systemTimeZoneId();
 }
 
-// The local day and time of an iCalendar time given in zone.
+// The local day and time of an iCalendar time given in zone. A time that
+// names no real day and time in years 100 to 9999 gives NaN, which every
+// comparison refuses.
 DateValue localValue(const icaltimetype& t, const QTimeZone& zone) {
     const QDate date(t.year, t.month, t.day);
+    if (!date.isValid() || date.year() < kMinYear || date.year() > kMaxYear ||
+        (!t.is_date && !QTime::isValid(t.hour, t.minute, t.second))) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
     if (t.is_date) {
         return FromQDate(date);
     }
@@ -419,7 +427,12 @@ IcalComponent ToVEvent(const clsEvent& e, const QString& category, const Options
     icaltimetype dtstamp =
         icaltime_from_timet_with_zone(stamp.toSecsSinceEpoch(), 0, icaltimezone_get_utc_timezone());
     addText(c, icalproperty_new_dtstamp(dtstamp));
-    addText(c, icalproperty_new_summary(utf8(toLf(e.Desc())).constData()));
+    // An empty SUMMARY is an error to calendar readers (the whole file is
+    // refused); the property is optional, so an event without a description
+    // goes without it.
+    if (!e.Desc().isEmpty()) {
+        addText(c, icalproperty_new_summary(utf8(toLf(e.Desc())).constData()));
+    }
 
     const IcsRecurrence::Pattern pattern = IcsRecurrence::Write(e);
     addText(c, icalproperty_new_dtstart(timeOf(pattern.start, e)));
@@ -483,6 +496,10 @@ ReadEvent FromVEvent(icalcomponent* v, DateValue today, const Options& options) 
     QString unknownZone;
     const QTimeZone zone = zoneOf(startProperty, start, &unknownZone);
     const DateValue first = localValue(start, zone);
+    if (!InDateRange(first)) {
+        out.skipped = QStringLiteral("a start date outside years 100 to 9999");
+        return out;
+    }
     auto event = std::make_shared<clsEvent>();
     clsEvent& e = *event;
     e.setDesc(toCrLf(text(icalcomponent_get_summary(v))));

@@ -92,6 +92,19 @@ void SharedDatabases::ReloadSharedSet() {
     m_sharedSet.LoadMultiple(SharedFolder().trimmed().isEmpty() ? QString() : UserListFile());
 }
 
+bool SharedDatabases::UsableListName(const QString& name) {
+    // Anyone who can write the shared folder can write the list; a name that
+    // is no plain file-name part could make a shared file's path point
+    // outside the folder.
+    if (OwnerId::IsPlainName(name)) {
+        return true;
+    }
+    Log().AddAction(QStringLiteral("Skipped user list entry that cannot name a shared file: ") +
+                        name.left(OwnerId::kMaxNameLength),
+                    QStringLiteral("ReadUserList"), QStringLiteral("SharedDatabases"));
+    return false;
+}
+
 QStringList SharedDatabases::ReadUserList(const QString& listPath) {
     QFile file(listPath);
     if (!file.exists()) {
@@ -106,7 +119,10 @@ QStringList SharedDatabases::ReadUserList(const QString& listPath) {
     const QString text = TextCodec::FromWindows1252(file.readAll());
     for (const QString& line : text.split(QLatin1String(TextCodec::kLineEnd))) {
         const QString name = line.trimmed();
-        if (!name.isEmpty()) {
+        if (name.isEmpty()) {
+            continue;
+        }
+        if (UsableListName(name)) {
             names.append(name);
         }
     }

@@ -52,9 +52,13 @@ public:
 
     // "Shared_" + owner + ".xml".
     static QString SharedFileName(const QString& owner);
-    // The names of a user list file: lines trimmed, blank lines left out;
-    // an absent file is an empty list.
+    // The names of a user list file: lines trimmed, blank lines left out,
+    // names that are no plain file-name part (OwnerId::IsPlainName) logged
+    // and left out; an absent file is an empty list.
     static QStringList ReadUserList(const QString& listPath);
+    // Whether a (trimmed) name of the list can name a shared file
+    // (OwnerId::IsPlainName); logs the name when it cannot.
+    static bool UsableListName(const QString& name);
     // Rewrites the list whole (atomically), each name followed by CR LF.
     static bool WriteUserList(const QString& listPath, const QStringList& names);
 

@@ -67,8 +67,22 @@ QStringList TaskListFile::Load() {
         return {};
     }
     const QStringList tasks = ParseLegacy(bytes);
-    // The old file goes only once its tasks are safely in the new one.
-    if (Save(tasks) && !QFile::remove(legacy)) {
+    // The old file goes only once the new one is written and reads back with
+    // the same tasks. Otherwise the old file stays the only one (a new file
+    // that reads back different is removed again), so the next load converts
+    // again and nothing is lost.
+    if (!Save(tasks)) {
+        return tasks;
+    }
+    QByteArray written;
+    if (!ReadAll(xml, written) || Parse(written) != tasks) {
+        QFile::remove(xml);
+        Log().AddAction(QStringLiteral("Kept ") + legacy +
+                            QStringLiteral(": its tasks do not read back the same from ") + xml,
+                        QStringLiteral("LoadTasks"), kModule);
+        return tasks;
+    }
+    if (!QFile::remove(legacy)) {
         Log().AddAction(QStringLiteral("Unable to delete ") + legacy, QStringLiteral("LoadTasks"),
                         kModule);
     }

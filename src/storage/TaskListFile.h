@@ -20,8 +20,9 @@ public:
     QString LegacyPath() const;
 
     // The tasks, in order. Reads the XML file, unless only the legacy file is
-    // there: then its lines are taken, the XML file is written and the legacy
-    // file removed, so the next load reads XML. Missing files give no tasks.
+    // there: then its lines are taken and the XML file is written; the legacy
+    // file is removed only when the XML file reads back with the same tasks,
+    // so the next load reads XML. Missing files give no tasks.
     // A damaged XML file (see DamagedFile) gives the tasks that could be
     // read, and the next Save keeps a copy of it before replacing it.
     QStringList Load();

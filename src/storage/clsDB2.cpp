@@ -151,7 +151,9 @@ void clsDB2::LoadDB(const QString& path, bool append) {
     for (qsizetype i = 0; i < count; ++i) {
         const QByteArrayView all(bytes);
         EventPtr e = TransferTypeToObject(all.sliced(i * kRecordLength, kRecordLength));
-        if (e->Owner().isEmpty() || OwnerId::Same(e->Owner(), QStringLiteral("Single"))) {
+        // Blank as the XML reader sees it, so the converted file reads back
+        // with the same owner.
+        if (e->Owner().trimmed().isEmpty() || OwnerId::Same(e->Owner(), QStringLiteral("Single"))) {
             e->setOwner(owner);
         }
         // A layer index out of range is logged by the table and gives "".

@@ -505,6 +505,9 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
             continue;
         }
         Log().AddAction(QStringLiteral("Found shared database ") + line);
+        if (!SharedDatabases::UsableListName(name)) {
+            continue;
+        }
         const QString file = AppPaths::JoinPath(folder, SharedDatabases::SharedFileName(name));
         if (OwnerId::Same(name, owner)) {
             Log().AddAction(QStringLiteral("Not loading - belongs to current user (") + owner +
@@ -527,9 +530,12 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
             Log().AddAction(file + QStringLiteral(" not found. Setting null refresh date."));
         }
     }
-    const QString own = SharedDatabases::SharedFileName(owner);
+    // An owner name that cannot name a shared file (a hand-edited settings
+    // file) names none: the set is never written anyway.
+    const QString own =
+        OwnerId::IsPlainName(owner) ? SharedDatabases::SharedFileName(owner) : QString();
     Log().AddAction(QStringLiteral("Setting Database filename to ") + own);
-    m_fileName = AppPaths::JoinPath(folder, own);
+    m_fileName = own.isEmpty() ? QString() : AppPaths::JoinPath(folder, own);
     m_stamp = fileStamp(m_fileName);
 }
 

@@ -52,6 +52,18 @@ TEST_F(TaskList, AddAppendsAndSavesEachTime) {
     EXPECT_EQ(reopened.Tasks(), window->Tasks());
 }
 
+TEST_F(TaskList, ATaskMarkerIsRefusedAndTheTextOfferedAgain) {
+    open();
+    dialogs.answerText(QStringLiteral("see </DETAILS> here"))
+        .answerText(QStringLiteral("see details here"));
+    click("cmd_add");
+    EXPECT_EQ(onDisk(), QStringList{QStringLiteral("see details here")});
+    ASSERT_EQ(dialogs.count(), 3);
+    EXPECT_EQ(dialogs.shown().at(1).text,
+              QStringLiteral("A task cannot contain \"</DETAILS>\": please remove it."));
+    EXPECT_EQ(dialogs.shown().at(2).extra, QStringLiteral("see </DETAILS> here"));
+}
+
 TEST_F(TaskList, CancelledOrEmptyAnswersWriteNothing) {
     ASSERT_TRUE(TaskListFile(home.path()).Save({QStringLiteral("one")}));
     const QByteArray before = ReadFileBytes(xml());

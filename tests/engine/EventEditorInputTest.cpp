@@ -358,3 +358,33 @@ TEST(EditorAlarmAdvice, ShowsTheAlarmMomentOnATwelveHourClock) {
 }
 
 } // namespace
+
+// Fields the events file keeps as they are would read back cut at a "<".
+TEST_F(EditorRules, ALessThanInAFieldKeptAsItIsIsRefusedNamingTheField) {
+    const QString odd = home.file(QStringLiteral("a<b.wav"));
+    ASSERT_TRUE(WriteFileBytes(odd, "RIFF"));
+    const struct {
+        void (*fill)(EventEditorInput&, const QString&);
+        const char* field;
+        const char* focus;
+    } cases[] = {
+        {[](EventEditorInput& in, const QString& v) { in.makeNoise = true, in.wavFile = v; },
+         "sound file", "cmdPickWav"},
+        {[](EventEditorInput& in, const QString& v) { in.runFile = true, in.execFile = v; },
+         "file to run", "cmdPickFile"},
+        {[](EventEditorInput& in, const QString&) { in.emailTo = true, in.email = "<a@b.c>"; },
+         "e-mail address", "txtEmailAlert"},
+    };
+    for (const auto& c : cases) {
+        EventEditorInput in = valid();
+        c.fill(in, odd);
+        const EventEditorOutcome outcome = save(in);
+        EXPECT_FALSE(outcome.saved) << c.field;
+        EXPECT_EQ(outcome.message, QStringLiteral("The %1 cannot contain \"<\": please remove it.")
+                                       .arg(QLatin1String(c.field)));
+        EXPECT_EQ(outcome.focus, QLatin1String(c.focus));
+    }
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred<"));
+    EventEditorInput in = valid();
+    EXPECT_TRUE(save(in).message.contains(QStringLiteral("user ID"))) << "a hand-edited owner";
+}

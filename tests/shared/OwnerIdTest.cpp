@@ -14,6 +14,8 @@ TEST(OwnerId, NamesThatWouldLeaveOrBreakTheFileNameAreRefused) {
         const char* why;
     } cases[] = {
         {QStringLiteral("../Fred"), "a path climbing out of the shared folder"},
+        {QStringLiteral("Fred..Bob"), "two dots"},
+        {QString(65, QLatin1Char('x')), "more than 64 characters"},
         {QStringLiteral("a/b"), "a separator"},
         {QStringLiteral("a\\b"), "the other separator"},
         {QStringLiteral("C:Fred"), "a drive colon"},

@@ -338,6 +338,11 @@ TEST_F(EventFileFormat, DatesAreWrittenAsTheSharedFormattingWritesThem) {
         ASSERT_EQ(QString::fromLatin1(ymd), FormatYMD(v)) << v;
         ASSERT_EQ(QString::fromLatin1(ymdhm), FormatYMDHM(v)) << v;
     }
+    // Within a second of 10000-01-01 the time would round into a year the
+    // file cannot hold: it stays on the last day.
+    QByteArray last;
+    EventXmlCodec::AppendYMDHM(last, 2958465.9999999);
+    EXPECT_EQ(last, QByteArray("9999-12-31 23:59"));
 }
 
 } // namespace

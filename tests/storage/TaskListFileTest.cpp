@@ -68,6 +68,17 @@ TEST(TaskListFile, LegacyFileIsConvertedOnceAndRemoved) {
     EXPECT_EQ(TaskListFile(home.path()).Load(), expected);
 }
 
+TEST(TaskListFile, LegacyFileStaysWhenTheNewFileWouldNotHoldItsTasks) {
+    TempHome home;
+    const QByteArray old = "plain\r\nx</DETAILS>y\r\n";
+    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("tasklist.dat")), old));
+    const QStringList expected{QStringLiteral("plain"), QStringLiteral("x</DETAILS>y")};
+    EXPECT_EQ(TaskListFile(home.path()).Load(), expected);
+    EXPECT_EQ(ReadFileBytes(home.file(QStringLiteral("tasklist.dat"))), old);
+    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("tasklist.xml"))));
+    EXPECT_EQ(TaskListFile(home.path()).Load(), expected) << "converted again, nothing lost";
+}
+
 TEST(TaskListFile, XmlWinsWhenBothFilesExist) {
     TempHome home;
     ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("tasklist.dat")), "old\r\n"));

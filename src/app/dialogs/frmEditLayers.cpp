@@ -2,7 +2,9 @@
 #include "app/WindowFit.h"
 
 #include "app/AppContext.h"
+#include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
+#include "storage/StorableText.h"
 #include "storage/clsLayers.h"
 
 #include <QCoreApplication>
@@ -98,6 +100,16 @@ void frmEditLayers::Form_Load() {
 }
 
 void frmEditLayers::cmdAccept_Click() {
+    // A category's name travels with every shared event as it is.
+    for (int i = 0; i < clsLayers::kCount; ++i) {
+        const QString problem =
+            StorableText::AsIsProblem(QStringLiteral("category name"), txtDesc[i]->text());
+        if (!problem.isEmpty()) {
+            m_context.dialogs.Message(problem, {}, UserDialogs::Icon::Warning);
+            txtDesc[i]->setFocus();
+            return;
+        }
+    }
     for (int i = 0; i < clsLayers::kCount; ++i) {
         m_context.layers.setLayer(i, txtDesc[i]->text());
     }

@@ -12,6 +12,7 @@
 #include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
+#include "storage/StorableText.h"
 #include "storage/clsDbXml.h"
 
 #include <QButtonGroup>
@@ -340,6 +341,17 @@ void frmOptions::cmdSave_Click() {
     const bool networked = optNetworked->isChecked();
     if (networked) {
         txtSharedDBPath->setText(clsOptions2::WithSeparator(txtSharedDBPath->text()));
+    }
+    // The alarm sound becomes new events' sound and the ID every event's
+    // owner: fields the events file keeps as they are.
+    for (QLineEdit* box : {txtAlarmWav, txtOwner}) {
+        const QString problem = StorableText::AsIsProblem(
+            box == txtOwner ? S("user ID") : S("alarm sound"), box->text());
+        if (!problem.isEmpty()) {
+            m_context.dialogs.Message(problem, {}, UserDialogs::Icon::Warning);
+            box->setFocus();
+            return;
+        }
     }
     if (!QFileInfo::exists(txtAlarmWav->text()) && !chkNoSound->isChecked()) {
         m_context.dialogs.Message(S("Cannot find specified WAV file. Sounds disabled."), {},

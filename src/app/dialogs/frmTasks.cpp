@@ -11,6 +11,7 @@
 #include "shared/cSharedLogging.h"
 
 #include "storage/DataFiles.h"
+#include "storage/StorableText.h"
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QListView>
@@ -108,9 +109,23 @@ void frmTasks::Select(int row) {
     m_list->selectionModel()->select(index, QItemSelectionModel::ClearAndSelect);
 }
 
+std::optional<QString> frmTasks::AskTask(const QString& title, const QString& text) {
+    const QString prompt = QStringLiteral("Enter a todo item:");
+    std::optional<QString> answer = m_dialogs.InputBox(prompt, title, text);
+    // A text the task list cannot keep is refused and offered again.
+    while (answer) {
+        const QString problem = StorableText::TaskProblem(*answer);
+        if (problem.isEmpty()) {
+            break;
+        }
+        m_dialogs.Message(problem);
+        answer = m_dialogs.InputBox(prompt, title, *answer);
+    }
+    return answer;
+}
+
 void frmTasks::cmd_add_Click() {
-    const std::optional<QString> answer =
-        m_dialogs.InputBox(QStringLiteral("Enter a todo item:"), QStringLiteral("Enter a task"));
+    const std::optional<QString> answer = AskTask(QStringLiteral("Enter a task"), {});
     if (!answer || answer->isEmpty()) {
         return;
     }
@@ -129,8 +144,7 @@ void frmTasks::cmd_change_Click() {
     }
     // The box starts with the task, so a small correction needs no retyping.
     const std::optional<QString> answer =
-        m_dialogs.InputBox(QStringLiteral("Enter a todo item:"), QStringLiteral("Change Task"),
-                           m_model->stringList().at(row));
+        AskTask(QStringLiteral("Change Task"), m_model->stringList().at(row));
     if (!answer || answer->isEmpty()) {
         return;
     }

@@ -51,6 +51,10 @@ public:
     static constexpr const char* kSelectFirst = "Please select a task first";
 
 private:
+    // The task input box, asked again with a message until the text can be
+    // kept in the task list; empty when cancelled.
+    std::optional<QString> AskTask(const QString& title, const QString& text);
+
     cSHAREDSettings& m_settings;
     UserDialogs& m_dialogs;
     PrintSetup* m_printSetup = nullptr;

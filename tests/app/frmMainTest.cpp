@@ -1,5 +1,6 @@
 // The main window offscreen with a temporary home folder and scripted
-// dialogs: the toolbar, the guarded commands, search, the filter, closing.
+// dialogs: the commands it offers, what they refuse, undo, search, the
+// filter, closing, and the start-up that leads to it.
 #include "app/frmMain.h"
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
@@ -8,27 +9,17 @@
 #include "app/dialogs/TextViewer.h"
 #include "app/dialogs/frmOptions.h"
 #include "shared/AppPaths.h"
-#include "shared/cSHAREDSettings.h"
 #include "shared/cSHAREDZipFiles.h"
 #include "shared/cSharedLogging.h"
 #include "storage/BackupArchive.h"
-#include "storage/SharedDatabases.h"
-#include "storage/clsDbXml.h"
-#include "storage/clsLayers.h"
-#include "support/FakeReminderWindows.h"
-#include "support/LogLines.h"
 #include "support/ModalHelper.h"
-#include "support/ScriptedDialogs.h"
-#include "support/TestSupport.h"
 
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
-#include <QFileInfo>
 #include <QItemSelectionModel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -37,7 +28,6 @@
 #include <QStatusBar>
 #include <QTest>
 #include <QTextBrowser>
-#include <QToolBar>
 #include <QUndoStack>
 
 namespace {
@@ -63,17 +53,14 @@ protected:
     // Bob publishes one event in the shared folder; the window sees it as "S".
     void addBobsSharedEvent() {
         settings.sSet(QStringLiteral("Networked"), true);
-        WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\n");
+        WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\nCarol\r\n");
         cSHAREDSettings bobs;
         bobs.sSet(QStringLiteral("Owner"), QStringLiteral("Bob"));
         clsDbXml bobFile(bobs);
         bobFile.SetDBFilename(home.file(QStringLiteral("Shared_Bob.xml")));
-        auto e = std::make_shared<clsEvent>();
-        e->setDesc(QStringLiteral("Bob's party"));
-        e->setOwner(QStringLiteral("Bob"));
-        e->setDueDate(D(QStringLiteral("2009-03-20")));
-        e->SharedEvent = true;
-        bobFile.StoreRecord(e, true);
+        add(bobFile, QStringLiteral("Bob's party"), QStringLiteral("2009-03-20"),
+            QStringLiteral("Bob"))
+            ->SharedEvent = true;
         bobFile.SaveDB();
     }
     int rowOf(const QString& desc) {
@@ -106,16 +93,14 @@ TEST_F(MainWindow, EveryShortcutBelongsToOneActionOnly) {
     QHash<QKeySequence, QString> owner;
     for (const QAction* a : window->findChildren<QAction*>()) {
         for (const QKeySequence& key : a->shortcuts()) {
-            EXPECT_FALSE(owner.contains(key))
-                << key.toString().toStdString() << " is claimed by "
-                << owner.value(key).toStdString() << " and " << a->objectName().toStdString();
+            EXPECT_FALSE(owner.contains(key)) << key.toString().toStdString();
             owner.insert(key, a->objectName());
         }
     }
     EXPECT_EQ(owner.value(QKeySequence(Qt::Key_F1)), QStringLiteral("mnuHelp"));
 }
 
-TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
+TEST_F(MainWindow, BackupsAreZippedAndTheirFolderShown) {
     add(events, QStringLiteral("Keep safe"), QStringLiteral("2009-03-10"));
     events.SaveDB();
     open();
@@ -127,14 +112,18 @@ TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
         QStringLiteral("Backup complete. Your files were zipped to the AutoBackups folder in ") +
             AppPaths::HomeFolder());
 
-    // A file where the folder should be: the archive cannot be written.
-    QDir(home.file(QStringLiteral("Autobackups"))).removeRecursively();
-    WriteFileBytes(home.file(QStringLiteral("Autobackups")), "in the way");
+    const QString folder = home.file(QStringLiteral("Autobackups"));
+    window->ViewBackups();
+    EXPECT_EQ(opener.opened, QStringList{folder});
+    opener.accepts = false; // no file manager: the folder is named instead
+    window->ViewBackups();
+    EXPECT_TRUE(dialogs.lastText().endsWith(QDir::toNativeSeparators(folder)));
+
+    QDir(folder).removeRecursively(); // a file in the folder's place
+    WriteFileBytes(folder, "in the way");
     window->ManualBackup();
     EXPECT_TRUE(dialogs.lastText().startsWith(
-        QStringLiteral("Backup failed: Unable to create the folder ") +
-        home.file(QStringLiteral("Autobackups"))))
-        << dialogs.lastText().toStdString();
+        QStringLiteral("Backup failed: Unable to create the folder ") + folder));
 }
 
 TEST_F(MainWindow, LogAndHelpShowInsideTheProgram) {
@@ -148,90 +137,60 @@ TEST_F(MainWindow, LogAndHelpShowInsideTheProgram) {
     QCoreApplication::processEvents();
     EXPECT_TRUE(opener.opened.isEmpty()) << "nothing depends on the desktop's openers";
 
-    const TextViewer* log = window->findChild<TextViewer*>(QStringLiteral("frmLog"));
+    const auto* log = window->findChild<TextViewer*>(QStringLiteral("frmLog"));
     ASSERT_TRUE(log != nullptr && log->isVisible());
     EXPECT_TRUE(
         log->browser()->toPlainText().trimmed().endsWith(QStringLiteral("the newest line")));
     const QScrollBar* bar = log->browser()->verticalScrollBar();
-    EXPECT_GT(bar->maximum(), 0);
-    EXPECT_EQ(bar->value(), bar->maximum()) << "the log opens at its end";
+    EXPECT_TRUE(bar->maximum() > 0 && bar->value() == bar->maximum()) << "opens at its end";
 
-    const TextViewer* help = window->findChild<TextViewer*>(QStringLiteral("frmHelp"));
+    const auto* help = window->findChild<TextViewer*>(QStringLiteral("frmHelp"));
     ASSERT_TRUE(help != nullptr && help->isVisible());
     EXPECT_TRUE(help->browser()->toPlainText().contains(QStringLiteral("Reminders and alarms")));
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("help.html"))))
-        << "help writes nothing into the home folder";
 }
 
-TEST_F(MainWindow, ViewBackupsSaysWhereTheyAreWhenNoFileManagerOpens) {
-    open();
-    const QString folder = home.file(QStringLiteral("Autobackups"));
-    window->ViewBackups();
-    EXPECT_EQ(opener.opened, QStringList{folder});
-    EXPECT_EQ(dialogs.count(), 0);
-    opener.accepts = false;
-    window->ViewBackups();
-    EXPECT_TRUE(dialogs.lastText().endsWith(QDir::toNativeSeparators(folder)));
-}
-
+// Other users' rows are refused before any question, which is only asked
+// when something can go.
 TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
     addBobsSharedEvent();
     add(events, QStringLiteral("Mine"), QStringLiteral("2009-03-10"));
     open();
-    ASSERT_GE(rowOf(QStringLiteral("Bob's party")), 0);
-    EXPECT_EQ(window->model().marker(rowOf(QStringLiteral("Bob's party"))), QStringLiteral("S"));
-
     select({QStringLiteral("Bob's party")});
     window->EditSelectedEvent();
     EXPECT_EQ(dialogs.lastText(),
               QStringLiteral("You can't edit a shared item belonging to someone else"));
-    EXPECT_TRUE(window->refreshTimer().isActive())
-        << "the refresh timer is back on after a refusal";
-
+    EXPECT_TRUE(window->refreshTimer().isActive()) << "back on after a refusal";
     window->PushSelectedEvent();
     EXPECT_EQ(dialogs.lastText(),
               QStringLiteral("You can't push a shared item belonging to someone else"));
 
-    // What may not be deleted is said before the question, which is only
-    // asked when something can go: Bob's published row, Bob's event kept in
-    // Ann's own file, and both with one of Ann's.
-    add(events, QStringLiteral("Bob's in my file"), QStringLiteral("2009-03-11"),
-        QStringLiteral("Bob"));
-    window->FillEvents();
     const QString question =
         QStringLiteral("Are you sure you want to delete the selected event(s)?");
     const QString others = QStringLiteral("You can't delete events belonging to another user");
     const struct {
-        std::initializer_list<QString> rows;
+        bool withMine;
+        bool yes;
         QStringList said;
-    } cases[] = {
-        {{QStringLiteral("Bob's party")}, {others}},
-        {{QStringLiteral("Bob's in my file")}, {others}},
-        {{QStringLiteral("Bob's party"), QStringLiteral("Bob's in my file"),
-          QStringLiteral("Mine")},
-         {others, question}},
-    };
+        bool mineLeft;
+    } cases[] = {{false, false, {others}, true},
+                 {true, false, {others, question}, true},
+                 {true, true, {others, question}, false}};
     for (const auto& c : cases) {
-        const qsizetype before = dialogs.texts().size();
-        select(c.rows);
-        if (c.said.contains(question)) {
-            dialogs.answerYes();
+        const qsizetype before = dialogs.count();
+        if (c.withMine) {
+            select({QStringLiteral("Bob's party"), QStringLiteral("Mine")});
+        } else {
+            select({QStringLiteral("Bob's party")});
+        }
+        if (c.withMine) {
+            c.yes ? dialogs.answerYes() : dialogs.answerNo();
         }
         window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
         EXPECT_EQ(dialogs.texts().mid(before), c.said);
+        EXPECT_EQ(rowOf(QStringLiteral("Mine")) >= 0, c.mineLeft);
+        EXPECT_GE(rowOf(QStringLiteral("Bob's party")), 0);
     }
-    EXPECT_EQ(rowOf(QStringLiteral("Mine")), -1);
-    EXPECT_GE(rowOf(QStringLiteral("Bob's party")), 0);
-    EXPECT_GE(rowOf(QStringLiteral("Bob's in my file")), 0);
-}
-
-TEST_F(MainWindow, DeleteAsksFirstAndNoKeepsEverything) {
-    add(events, QStringLiteral("Keep me"), QStringLiteral("2009-03-10"));
-    open();
-    select({QStringLiteral("Keep me")});
-    dialogs.answerNo();
-    window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
-    EXPECT_GE(rowOf(QStringLiteral("Keep me")), 0);
+    dialogs.clear();
 }
 
 // Every kind of change made from the window is undone and redone through the
@@ -323,14 +282,12 @@ TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
         redo->trigger();
         EXPECT_EQ(files(), after) << undoText;
     }
-    EXPECT_EQ(window->history().count(), kinds.size());
     EXPECT_EQ(rowOf(QStringLiteral("Old")), -1);
     while (window->history().canUndo()) {
         undo->trigger();
     }
     EXPECT_EQ(files(), initial);
     EXPECT_GE(rowOf(QStringLiteral("Old")), 0) << "the list is refilled";
-    EXPECT_EQ(rowOf(QStringLiteral("Dentist")), -1);
 }
 
 TEST_F(MainWindow, FindAndFindNext) {
@@ -338,24 +295,16 @@ TEST_F(MainWindow, FindAndFindNext) {
         add(events, QString::fromLatin1(d), QStringLiteral("2009-03-10"));
     }
     open();
-    // Find Next with no term yet asks for one.
     dialogs.answerText(QStringLiteral("RENT"));
-    window->mnuFind_Click(1);
-    EXPECT_EQ(dialogs.shown().last().text, QStringLiteral("Enter search term"));
-    EXPECT_EQ(dialogs.shown().last().title, QStringLiteral("Search"));
+    window->mnuFind_Click(1); // Find Next with no term yet asks for one
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Enter search term"));
     const int first = window->SelectedRow();
-    ASSERT_GE(first, 0);
-    EXPECT_TRUE(window->model()
-                    .cellText(first, EventListModel::ColEvent)
-                    .contains(QStringLiteral("rent"), Qt::CaseInsensitive));
     window->mnuFind_Click(1);
     const int second = window->SelectedRow();
-    EXPECT_GT(second, first);
-    EXPECT_TRUE(window->model()
-                    .cellText(second, EventListModel::ColEvent)
-                    .contains(QStringLiteral("rent"), Qt::CaseInsensitive));
+    EXPECT_EQ(window->model().cellText(first, EventListModel::ColEvent) + QLatin1Char('|') +
+                  window->model().cellText(second, EventListModel::ColEvent),
+              QStringLiteral("Pay rent|Rent party"));
     EXPECT_EQ(dialogs.count(), 1) << "Find Next reuses the kept term";
-    // No further match, or none at all: the status bar says so.
     window->mnuFind_Click(1);
     EXPECT_EQ(window->SelectedRow(), second);
     EXPECT_EQ(window->statusBar()->currentMessage(),
@@ -373,64 +322,44 @@ TEST_F(MainWindow, FindAndFindNext) {
     });
     QTest::keyClick(&window->list(), Qt::Key_Return);
     EXPECT_EQ(opened, QStringLiteral("frmEvent"));
-
-    // An empty answer ends the search without moving.
-    dialogs.answerText(QString());
-    window->mnuFind_Click(0);
-    EXPECT_EQ(window->SelectedRow(), second);
 }
 
+// The chosen category filter, "Shared" too, survives new category names and
+// saved options.
 TEST_F(MainWindow, CategoryFilter) {
     add(events, QStringLiteral("In three"), QStringLiteral("2009-03-10"));
-    EventPtr other = add(events, QStringLiteral("In five"), QStringLiteral("2009-03-10"));
-    other->setLayer(5);
+    add(events, QStringLiteral("In five"), QStringLiteral("2009-03-10"))->setLayer(5);
     open();
     auto* combo = window->findChild<QComboBox*>(QStringLiteral("cmbCategories"));
-    EXPECT_EQ(combo->currentIndex(), 20) << "all categories at first";
     EXPECT_EQ(window->model().rowCount(), 2);
     combo->setCurrentIndex(5);
     emit combo->activated(5);
-    EXPECT_EQ(window->model().rowCount(), 1);
+    ASSERT_EQ(window->model().rowCount(), 1);
     EXPECT_EQ(window->model().cellText(0, EventListModel::ColEvent), QStringLiteral("In five"));
-
-    // Any chosen filter, "Shared" too, survives new category names and saved options.
     for (const int filter : {0, 5}) {
-        for (const char* key : {"editlayers", "options"}) {
-            combo->setCurrentIndex(filter);
+        combo->setCurrentIndex(filter);
+        for (const bool options : {false, true}) {
             WhenModalAppears([](QWidget* modal) {
-                for (const char* name : {"cmdAccept", "cmdSave"}) {
-                    if (auto* b = modal->findChild<QPushButton*>(QLatin1String(name))) {
+                for (auto* b : modal->findChildren<QPushButton*>()) {
+                    if (b->objectName() == QLatin1String("cmdAccept") ||
+                        b->objectName() == QLatin1String("cmdSave")) {
                         b->click();
                     }
                 }
             });
-            if (QLatin1String(key) == QLatin1String("options")) {
-                window->EditOptions();
-            } else {
-                window->Toolbar1_ButtonClick(QLatin1String(key));
-            }
-            EXPECT_EQ(combo->currentIndex(), filter) << key;
+            options ? window->EditOptions() : window->EditLayers();
+            EXPECT_EQ(combo->currentIndex(), filter) << options;
         }
     }
 }
 
-TEST_F(MainWindow, CloseHidesInsteadOfQuitting) {
+TEST_F(MainWindow, CloseHidesAndQuitKeepsTheNormalSizeAndTheMaximisedState) {
     open();
     window->show();
     window->close();
     EXPECT_FALSE(window->isVisible());
-    qsizetype mark = LoggedTexts().size();
     window->Runner_ShowWindow();
     EXPECT_TRUE(window->isVisible());
-    EXPECT_TRUE(
-        LoggedTexts().mid(mark).contains(QStringLiteral("Main window NOT visible - showing it")));
-    mark = LoggedTexts().size();
-    window->Runner_ShowWindow();
-    EXPECT_TRUE(
-        LoggedTexts().mid(mark).contains(QStringLiteral("Main window visible - doing nothing")));
-}
-
-TEST_F(MainWindow, QuitKeepsTheNormalSizeAndTheMaximisedState) {
     for (const bool maximised : {false, true}) {
         SCOPED_TRACE(maximised);
         open();
@@ -443,9 +372,7 @@ TEST_F(MainWindow, QuitKeepsTheNormalSizeAndTheMaximisedState) {
         cSHAREDSettings saved;
         saved.LoadSettings(context.settingsFile);
         EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), 700);
-        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), 450);
         EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowMaximised")).toBool(), maximised);
-
         open();
         window->FormLoad(false);
         EXPECT_EQ(window->isMaximized(), maximised);
@@ -454,17 +381,10 @@ TEST_F(MainWindow, QuitKeepsTheNormalSizeAndTheMaximisedState) {
     }
 }
 
-TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {
+TEST_F(MainWindow, ShareWithNamedUsersIsSaved) {
     addBobsSharedEvent();
-    WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\nCarol\r\n");
     EventPtr mine = add(events, QStringLiteral("Mine"), QStringLiteral("2009-03-10"));
     open();
-
-    select({QStringLiteral("Bob's party")});
-    window->ShareWith();
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("You can't edit a shared item belonging to someone else"));
-
     select({QStringLiteral("Mine")});
     WhenModalAppears([](QWidget* modal) {
         modal->findChild<QCheckBox*>(QStringLiteral("chkShared"))->setChecked(true);
@@ -475,9 +395,6 @@ TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {
         static_cast<QDialog*>(modal)->accept();
     });
     window->ShareWith();
-    EXPECT_TRUE(mine->SharedEvent);
-    EXPECT_TRUE(mine->ShareWithSpecific);
-    EXPECT_EQ(mine->ShareNames, QStringLiteral("Carol\r\n"));
     clsDbXml reread(settings);
     reread.LoadDB(events.DBFilename());
     ASSERT_TRUE(reread.ReadEvent(mine->IDCode));
@@ -505,57 +422,26 @@ TEST_F(MainWindow, ToolbarOpensTheOtherWindows) {
     EXPECT_TRUE(window->refreshTimer().isActive());
 }
 
-// ---- start-up ----
-
-TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabaseAndCancelEnds) {
-    bool optionsShown = false;
-    StartUp startUp(context, [&](AppContext& c) {
-        optionsShown = true;
-        EXPECT_TRUE(c.events.DBFilename().isEmpty() || c.events.RecordCount() == 0);
-        return false;
-    });
+// A first start asks for the options before any database is opened: cancel
+// ends the program, the offered defaults start it with alarm sounds on.
+TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabase) {
     events.SetDBFilename(QString());
-    EXPECT_FALSE(startUp.Run());
-    EXPECT_TRUE(optionsShown);
+    StartUp cancelled(context, [](AppContext&) { return false; });
+    EXPECT_FALSE(cancelled.Run());
     EXPECT_TRUE(events.DBFilename().isEmpty()) << "no database was opened";
-    const QStringList log = LoggedTexts();
-    EXPECT_TRUE(log.contains(QStringLiteral("Loading category names")));
-    EXPECT_FALSE(log.contains(QStringLiteral("Loading local events")));
-}
+    EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
 
-TEST_F(MainWindow, FirstStartWithTheDefaultOptionsKeepsAlarmSounds) {
     StartUp startUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
     WhenModalAppears([](QWidget* options) {
         options->findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
     });
     ASSERT_TRUE(startUp.Run());
-    EXPECT_FALSE(dialogs.texts().contains(
-        QStringLiteral("Cannot find specified WAV file. Sounds disabled.")));
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral(
+                  "Reminder options not set. Please type in requested information.")});
+    EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
     EXPECT_FALSE(settings.sGet(QStringLiteral("NoSounds"), false).toBool());
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("alarm.wav"))));
-}
-
-TEST_F(MainWindow, StartUpLogsItsStepsInOrder) {
-    WriteFileBytes(context.settingsFile, "OWNER,Ann\r\nNOAUTOBACKUPS,-1 \r\n");
-    StartUp startUp(context, [](AppContext&) { return false; });
-    ASSERT_TRUE(startUp.Run());
-    const QStringList log = LoggedTexts();
-    const QStringList steps = {QStringLiteral("TVO Startup"),
-                               QStringLiteral("Options loaded"),
-                               QStringLiteral("Loading category names"),
-                               QStringLiteral("DB file: ") +
-                                   AppPaths::JoinPath(home.path(), QStringLiteral("Events.xml")),
-                               QStringLiteral("Loading local events"),
-                               QStringLiteral("Local events loaded"),
-                               QStringLiteral("Loading expired events"),
-                               QStringLiteral("Expired events loaded"),
-                               QStringLiteral("Autobackups disabled")};
-    qsizetype at = 0;
-    for (const QString& step : steps) {
-        const qsizetype found = log.indexOf(step, at);
-        EXPECT_GE(found, at) << step.toStdString();
-        at = std::max(at, found);
-    }
     EXPECT_EQ(events.DBFilename(), home.file(QStringLiteral("Events.xml")));
 }
 

@@ -11,31 +11,22 @@
 #include "support/TestSupport.h"
 
 #include <QAbstractItemModelTester>
-#include <QContextMenuEvent>
 #include <QDir>
 #include <QHeaderView>
-#include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
-
-#include <optional>
 
 namespace {
 
 using Col = EventListModel::Column;
 
 struct NewEvent {
-    NewEvent(QString d, QString dueDate = {}, QString who = QStringLiteral("Ann"),
-             int16_t layerNo = 1, bool isShared = false, bool withSpecific = false,
-             QString shareNames = {})
-        : desc(std::move(d)), due(std::move(dueDate)), owner(std::move(who)), layer(layerNo),
-          shared(isShared), specific(withSpecific), names(std::move(shareNames)) {}
     QString desc;
     QString due; // "YYYY-MM-DD"
-    QString owner;
-    int16_t layer;
-    bool shared;
-    bool specific;
+    QString owner = QStringLiteral("Ann");
+    int16_t layer = 1;
+    bool shared = false;
+    bool specific = false;
     QString names;
 };
 
@@ -87,15 +78,6 @@ protected:
         bob.SaveDB();
     }
 
-    // Row of the event with this description; -1 when not listed.
-    int RowOf(const QString& desc) const {
-        for (int r = 0; r < model.rowCount(); ++r) {
-            if (model.event(r)->Desc() == desc) {
-                return r;
-            }
-        }
-        return -1;
-    }
     QStringList Column(int col) const {
         QStringList out;
         for (int r = 0; r < model.rowCount(); ++r) {
@@ -143,16 +125,11 @@ TEST_F(EventList, CellTextsOfOneRow) {
         const EventPtr e = Make(c.event);
         model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
         ASSERT_EQ(model.rowCount(), 1);
-        EXPECT_EQ(Column(0).size(), 1);
         QStringList cells;
         for (int col = 0; col < EventListModel::ColumnCount; ++col) {
-            cells << model.cellText(0, col);
-            EXPECT_EQ(model.data(model.index(0, col)).toString(), model.cellText(0, col));
+            cells << model.data(model.index(0, col)).toString();
         }
         EXPECT_EQ(cells, c.cells);
-        EXPECT_EQ(model.IDCode(0), e->IDCode);
-        EXPECT_EQ(model.event(0), e);
-        EXPECT_EQ(e->Layer(), c.event.layer) << "listing an event does not change it";
     }
 }
 
@@ -178,7 +155,6 @@ TEST_F(EventList, MarkersAndEventCellColours) {
         const EventPtr e = Make(event);
         e->setDaysLeft(c.daysLeft);
         model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
-        EXPECT_EQ(model.marker(0), QString::fromLatin1(c.marker));
         EXPECT_EQ(model.cellText(0, Col::ColType), QString::fromLatin1(c.marker));
         EXPECT_EQ(model.cellText(0, Col::ColLeft),
                   c.daysLeft < 0 ? QStringLiteral("---") : QStringLiteral("0000"));
@@ -190,11 +166,6 @@ TEST_F(EventList, MarkersAndEventCellColours) {
 }
 
 TEST_F(EventList, GroupsOfRowsAndTheirLogLines) {
-    model.FillEvents(EventListModel::kAllLayers, true);
-    EXPECT_EQ(model.rowCount(), 0);
-    EXPECT_EQ(NewLogLines(), (QStringList{"Showing local events", "No local events",
-                                          "Showing shared events", "Showing expired events"}));
-
     Add(events, {"Local", "2009-03-06"});
     const EventPtr gone = Add(events, {"Deleted", "2009-03-06"});
     Add(expired, {"Old", "2009-02-01"});
@@ -205,9 +176,7 @@ TEST_F(EventList, GroupsOfRowsAndTheirLogLines) {
 
     model.FillEvents(EventListModel::kAllLayers, true);
     ASSERT_EQ(Column(Col::ColEvent), (QStringList{"Local", "Old"}));
-    EXPECT_EQ(model.source(1), EventListModel::Source::Expired);
-    EXPECT_EQ(model.cellText(1, Col::ColLeft), QStringLiteral("---"));
-    EXPECT_EQ(model.marker(1), QStringLiteral("E"));
+    EXPECT_EQ(model.cellText(1, Col::ColType), QStringLiteral("E"));
 }
 
 TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
@@ -219,21 +188,13 @@ TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
     model.FillEvents(EventListModel::kAllLayers, false);
     EXPECT_EQ(Column(Col::ColEvent), QStringList{"Mine"});
     EXPECT_EQ(Column(Col::ColOwner), QStringList{""});
-    for (const QString& line : NewLogLines()) {
-        EXPECT_FALSE(line.startsWith(QStringLiteral("Loading multiple databases from")))
-            << line.toStdString();
-    }
 
     settings.sSet(QStringLiteral("Networked"), SettingValue(true));
     model.FillEvents(EventListModel::kAllLayers, false);
     ASSERT_EQ(Column(Col::ColEvent), (QStringList{"Mine", "Bob's party"}));
     EXPECT_EQ(Column(Col::ColOwner), (QStringList{"Ann", "Bob"}));
-    EXPECT_EQ(model.source(1), EventListModel::Source::Shared);
-    EXPECT_EQ(model.marker(1), QStringLiteral("S"));
+    EXPECT_EQ(model.cellText(1, Col::ColType), QStringLiteral("S"));
     EXPECT_EQ(model.cellText(1, Col::ColSharedWith), QStringLiteral("All"));
-    EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Loading multiple databases from ") +
-                                       shared.UserListFile()));
-    EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Finished displaying shared events")));
 }
 
 TEST_F(EventList, PastSharedEventIsMovedToItsNextDate) {
@@ -257,7 +218,6 @@ TEST_F(EventList, PastSharedEventIsMovedToItsNextDate) {
     EXPECT_EQ(model.cellText(row, Col::ColLeft), QStringLiteral("0010"));
     for (int r = 0; r < 2; ++r) {
         EXPECT_EQ(model.marker(r), QStringLiteral("S")) << r;
-        EXPECT_TRUE(model.listRow(r).otherUsers) << r;
         EXPECT_FALSE(EventCommands::EditRefusal(model.listRow(r)).isEmpty()) << r;
     }
 }
@@ -282,8 +242,7 @@ TEST_F(EventList, LayerFilter) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.layer);
         model.FillEvents(c.layer, true);
-        QStringList rows = Column(Col::ColEvent);
-        EXPECT_EQ(rows, c.rows);
+        EXPECT_EQ(Column(Col::ColEvent), c.rows);
     }
 }
 
@@ -297,7 +256,6 @@ TEST_F(EventList, HeaderClicksFlipOneOrderForEveryColumn) {
     EXPECT_EQ(Column(Col::ColLeft), (QStringList{"0000", "0002", "0015", "---"}));
 
     model.ColumnClick(Col::ColLeft);
-    EXPECT_EQ(model.sortOrder(), Qt::DescendingOrder);
     EXPECT_EQ(Column(Col::ColLeft), (QStringList{"---", "0015", "0002", "0000"}));
     model.ColumnClick(Col::ColLeft);
     EXPECT_EQ(Column(Col::ColLeft), (QStringList{"0000", "0002", "0015", "---"}));
@@ -310,22 +268,7 @@ TEST_F(EventList, HeaderClicksFlipOneOrderForEveryColumn) {
     // The order survives a refill.
     Add(events, {"Date", "2009-03-09"});
     model.FillEvents(EventListModel::kAllLayers, true);
-    EXPECT_EQ(model.sortColumn(), Col::ColEvent);
     EXPECT_EQ(Column(Col::ColEvent), (QStringList{"apple", "banana", "Cherry", "Date", "Elder"}));
-}
-
-TEST_F(EventList, FirstClickOnAnotherColumnIsDescendingThenNextAscending) {
-    settings.sSet(QStringLiteral("DateStyle"), SettingValue(2));
-    EventListModel fresh(settings, layers, events, expired, shared);
-    Add(events, {"b", "2009-12-01"});
-    Add(events, {"a", "2010-01-15"});
-    fresh.FillEvents(EventListModel::kAllLayers, false);
-    fresh.ColumnClick(Col::ColLeft);
-    fresh.ColumnClick(Col::ColDate);
-    EXPECT_EQ(fresh.sortOrder(), Qt::AscendingOrder);
-    // Dates sort by their text, so January's "01/15" comes before "12/01".
-    EXPECT_EQ(fresh.cellText(0, Col::ColDate), QStringLiteral("01/15"));
-    EXPECT_EQ(fresh.cellText(1, Col::ColDate), QStringLiteral("12/01"));
 }
 
 TEST_F(EventList, PassesTheModelTesterThroughFillsAndSorts) {
@@ -339,58 +282,19 @@ TEST_F(EventList, PassesTheModelTesterThroughFillsAndSorts) {
         model.ColumnClick(col);
     }
     model.FillEvents(2, false);
-    EXPECT_EQ(model.columnCount(), 9);
-    EXPECT_EQ(model.data(model.index(0, Col::ColType), Qt::TextAlignmentRole).toInt(),
-              static_cast<int>(Qt::AlignCenter));
-}
-
-TEST_F(EventList, FindTextSearchesTheEventColumnIgnoringCase) {
-    Add(events, {"Dentist", "2009-03-06"});
-    Add(events, {"Car service", "2009-03-07"});
-    Add(events, {"dentist again", "2009-03-08"});
-    model.FillEvents(EventListModel::kAllLayers, false);
-    EXPECT_EQ(model.FindText(QStringLiteral("DENT")), 0);
-    EXPECT_EQ(model.FindText(QStringLiteral("DENT"), 1), 2);
-    EXPECT_EQ(model.FindText(QStringLiteral("dent"), 3), -1);
-    EXPECT_EQ(model.FindRow(model.IDCode(1)), 1);
-    EXPECT_EQ(model.FindRow(model.IDCode(1), EventListModel::Source::Expired), -1);
 }
 
 TEST_F(EventList, BadLayerIsLoggedAndTheRowStays) {
     const EventPtr e = Make({"Odd layer", "2009-03-06", "Ann", 25});
     model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
-    ASSERT_EQ(model.rowCount(), 1);
-    EXPECT_EQ(model.cellText(0, Col::ColEvent), QStringLiteral("Odd layer"));
-    EXPECT_EQ(model.cellText(0, Col::ColLayer), QString());
-    bool logged = false;
-    for (const QString& line : NewLogLines()) {
-        logged = logged || line.endsWith(QStringLiteral("in AddListItem of module frmMain"));
-    }
-    EXPECT_TRUE(logged);
+    EXPECT_EQ(Column(Col::ColLayer), QStringList{QString()});
+    EXPECT_TRUE(NewLogLines().last().endsWith(QStringLiteral("in AddListItem of module frmMain")));
 }
 
 class EventListWindow : public EventList {
 protected:
     EventListView view{&model};
 };
-
-TEST_F(EventListWindow, ControlSetUp) {
-    EXPECT_EQ(view.objectName(), QStringLiteral("ListEvents"));
-    EXPECT_EQ(view.toolTip(),
-              QStringLiteral(
-                  "Black = normal, Red = Expired, Green = Your shared, Blue = Shared from others"));
-    EXPECT_EQ(view.selectionMode(), QAbstractItemView::ExtendedSelection);
-    EXPECT_EQ(view.selectionBehavior(), QAbstractItemView::SelectRows);
-    const QStringList headers{"Left",  "Day",   "Date", "Year",       "Event",
-                              "Layer", "Owner", "Type", "Shared With"};
-    const QList<int> widths{66, 66, 83, 66, 470, 169, 169, 94, 169};
-    for (int c = 0; c < EventListModel::ColumnCount; ++c) {
-        EXPECT_EQ(model.headerData(c, Qt::Horizontal).toString(), headers[c]);
-        EXPECT_EQ(view.header()->sectionSize(c), widths[c]) << c;
-    }
-    EXPECT_EQ(model.headerData(Col::ColType, Qt::Horizontal, Qt::TextAlignmentRole).toInt(),
-              static_cast<int>(Qt::AlignCenter));
-}
 
 TEST_F(EventListWindow, ClicksOnTheRealHeaderSortAndShowTheOrder) {
     Add(events, {"a", "2009-03-06"});
@@ -405,7 +309,6 @@ TEST_F(EventListWindow, ClicksOnTheRealHeaderSortAndShowTheOrder) {
     };
     click(Col::ColLeft);
     EXPECT_EQ(model.cellText(0, Col::ColEvent), QStringLiteral("b"));
-    EXPECT_EQ(head->sortIndicatorOrder(), Qt::DescendingOrder);
     click(Col::ColEvent);
     EXPECT_EQ(head->sortIndicatorSection(), Col::ColEvent);
     EXPECT_EQ(head->sortIndicatorOrder(), Qt::AscendingOrder);
@@ -442,7 +345,6 @@ TEST_F(EventListWindow, SelectionByIndexSurvivesRefills) {
     events.DeleteRecord(ids[4]);
     view.FillEvents(EventListModel::kAllLayers, false);
     EXPECT_EQ(view.selectedRow(), 0) << "a position past the end falls back to the first row";
-    EXPECT_TRUE(NewLogLines().contains(QStringLiteral("Selecting current event")));
 }
 
 TEST_F(EventListWindow, ColourLegendShowsOverRowsAndEmptySpace) {
@@ -458,14 +360,6 @@ TEST_F(EventListWindow, ColourLegendShowsOverRowsAndEmptySpace) {
         EXPECT_EQ(QToolTip::text(), EventListView::ColourToolTip());
     }
     QToolTip::hideText();
-}
-
-TEST_F(EventListWindow, RightClickReportsTheScreenPosition) {
-    QSignalSpy spy(&view, &EventListView::rightClicked);
-    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(105, 205));
-    QCoreApplication::sendEvent(view.viewport(), &event);
-    ASSERT_EQ(spy.count(), 1);
-    EXPECT_EQ(spy.at(0).at(0).toPoint(), QPoint(105, 205));
 }
 
 } // namespace

@@ -426,7 +426,10 @@ TEST_F(MainWindow, ToolbarOpensTheOtherWindows) {
 // ends the program, the offered defaults start it with alarm sounds on.
 TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabase) {
     events.SetDBFilename(QString());
-    StartUp cancelled(context, [](AppContext&) { return false; });
+    StartUp cancelled(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
+    WhenModalAppears([](QWidget* options) {
+        options->findChild<QPushButton*>(QStringLiteral("cmdAbort"))->click();
+    });
     EXPECT_FALSE(cancelled.Run());
     EXPECT_TRUE(events.DBFilename().isEmpty()) << "no database was opened";
     EXPECT_FALSE(QFileInfo::exists(context.settingsFile));
@@ -435,10 +438,12 @@ TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabase) {
     WhenModalAppears([](QWidget* options) {
         options->findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
     });
+    dialogs.clear();
     ASSERT_TRUE(startUp.Run());
     EXPECT_EQ(dialogs.texts(),
               QStringList{QStringLiteral(
                   "Reminder options not set. Please type in requested information.")});
+    EXPECT_TRUE(QFileInfo::exists(context.settingsFile));
     EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
     EXPECT_FALSE(settings.sGet(QStringLiteral("NoSounds"), false).toBool());
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("alarm.wav"))));

@@ -98,10 +98,14 @@ protected:
     qsizetype m_logStart = 0;
 };
 
-TEST_F(EventList, CellTextsOfOneRow) {
+// One row per event: the cells (Left, Day, Date, Year, Event, Layer, Owner,
+// Type, Shared With) and the colour of the Event cell.
+TEST_F(EventList, CellsAndColourOfOneRow) {
+    const QColor none, green(0, 128, 0), blue(0, 0, 255), red(255, 0, 0);
     const struct {
         NewEvent event;
-        QStringList cells; // Left, Day, Date, Year, Event, Layer, Owner, Type, Shared With
+        QStringList cells;
+        QColor colour;
     } cases[] = {
         {{"Today", "2009-03-05"}, {"0000", "Thu", "05/03", "2009", "Today", "Layer 1", "", "", ""}},
         {{"Soon", "2009-03-17", "Ann", 3},
@@ -109,74 +113,43 @@ TEST_F(EventList, CellTextsOfOneRow) {
         {{"Far", "2040-01-01"}, {"11259", "Sun", "01/01", "2040", "Far", "Layer 1", "", "", ""}},
         {{"Two\r\nlines\rand\nmore", "2009-03-05"},
          {"0000", "Thu", "05/03", "2009", "Two  lines and more", "Layer 1", "", "", ""}},
-        {{"Layer 0 is Shared", "2009-03-05", "Ann", 0},
-         {"0000", "Thu", "05/03", "2009", "Layer 0 is Shared", "Shared", "", "", ""}},
+        {{"L0", "2009-03-05", "Ann", 0}, {"0000", "Thu", "05/03", "2009", "L0", "Shared", "", "", ""}},
         {{"With two", "2009-03-05", "Ann", 1, true, true, "Bob\r\nCarl\r\n"},
-         {"0000", "Thu", "05/03", "2009", "With two", "Layer 1", "", "*", "Bob,Carl"}},
+         {"0000", "Thu", "05/03", "2009", "With two", "Layer 1", "", "*", "Bob,Carl"},
+         green},
         {{"With one", "2009-03-05", "Ann", 1, true, true, "Bob\r\n"},
-         {"0000", "Thu", "05/03", "2009", "With one", "Layer 1", "", "*", "Bob"}},
+         {"0000", "Thu", "05/03", "2009", "With one", "Layer 1", "", "*", "Bob"},
+         green},
         {{"With all", "2009-03-05", "Ann", 1, true, false, "Bob\r\n"},
-         {"0000", "Thu", "05/03", "2009", "With all", "Layer 1", "", "*", "All"}},
+         {"0000", "Thu", "05/03", "2009", "With all", "Layer 1", "", "*", "All"},
+         green},
         {{"Not shared", "2009-03-05", "Ann", 1, false, true, "Bob\r\n"},
          {"0000", "Thu", "05/03", "2009", "Not shared", "Layer 1", "", "", ""}},
+        {{"Mine", "2009-03-05", " ann "},
+         {"0000", "Thu", "05/03", "2009", "Mine", "Layer 1", "", "", ""}},
+        {{"Bob's", "2009-03-05", "Bob", 1, true},
+         {"0000", "Thu", "05/03", "2009", "Bob's", "Layer 1", "", "S", "All"},
+         blue},
+        {{"Passed", "2009-03-04", "Ann", 1, true},
+         {"---", "Wed", "04/03", "2009", "Passed", "Layer 1", "", "E", "All"},
+         red},
+        {{"Bob's passed", "2009-03-03", "Bob"},
+         {"---", "Tue", "03/03", "2009", "Bob's passed", "Layer 1", "", "E", ""},
+         red},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.event.desc.toStdString());
-        const EventPtr e = Make(c.event);
-        model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
+        model.FillFromLists({Make(c.event)}, nullptr, nullptr, EventListModel::kAllLayers);
         ASSERT_EQ(model.rowCount(), 1);
         QStringList cells;
         for (int col = 0; col < EventListModel::ColumnCount; ++col) {
             cells << model.data(model.index(0, col)).toString();
         }
         EXPECT_EQ(cells, c.cells);
+        EXPECT_EQ(model.data(model.index(0, Col::ColEvent), Qt::ForegroundRole).value<QColor>(),
+                  c.colour);
+        EXPECT_FALSE(model.data(model.index(0, Col::ColLeft), Qt::ForegroundRole).isValid());
     }
-}
-
-TEST_F(EventList, MarkersAndEventCellColours) {
-    const struct {
-        NewEvent event;
-        int daysLeft;
-        const char* marker;
-        QColor colour;
-    } cases[] = {
-        {{"own"}, 0, "", QColor()},
-        {{"own shared", "", "Ann", 1, true}, 3, "*", QColor(0, 128, 0)},
-        {{"own, owner in other case", "", " ann "}, 3, "", QColor()},
-        {{"other user", "", "Bob"}, 3, "S", QColor(0, 0, 255)},
-        {{"other user shared", "", "Bob", 1, true}, 3, "S", QColor(0, 0, 255)},
-        {{"own shared expired", "", "Ann", 1, true}, -1, "E", QColor(255, 0, 0)},
-        {{"other user expired", "", "Bob"}, -2, "E", QColor(255, 0, 0)},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.event.desc.toStdString());
-        NewEvent event = c.event;
-        event.due = QStringLiteral("2009-03-05");
-        const EventPtr e = Make(event);
-        e->setDaysLeft(c.daysLeft);
-        model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
-        EXPECT_EQ(model.cellText(0, Col::ColType), QString::fromLatin1(c.marker));
-        EXPECT_EQ(model.cellText(0, Col::ColLeft),
-                  c.daysLeft < 0 ? QStringLiteral("---") : QStringLiteral("0000"));
-        const QVariant fg = model.data(model.index(0, Col::ColEvent), Qt::ForegroundRole);
-        EXPECT_EQ(fg.value<QColor>(), c.colour);
-        EXPECT_FALSE(model.data(model.index(0, Col::ColLeft), Qt::ForegroundRole).isValid())
-            << "only the Event cell is coloured";
-    }
-}
-
-TEST_F(EventList, GroupsOfRowsAndTheirLogLines) {
-    Add(events, {"Local", "2009-03-06"});
-    const EventPtr gone = Add(events, {"Deleted", "2009-03-06"});
-    Add(expired, {"Old", "2009-02-01"});
-    events.DeleteRecord(gone->IDCode);
-
-    model.FillEvents(EventListModel::kAllLayers, false);
-    EXPECT_EQ(Column(Col::ColEvent), QStringList{"Local"});
-
-    model.FillEvents(EventListModel::kAllLayers, true);
-    ASSERT_EQ(Column(Col::ColEvent), (QStringList{"Local", "Old"}));
-    EXPECT_EQ(model.cellText(1, Col::ColType), QStringLiteral("E"));
 }
 
 TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
@@ -206,42 +179,35 @@ TEST_F(EventList, PastSharedEventIsMovedToItsNextDate) {
     e->setStartDate(D("2009-02-01"));
     e->setDaysLeft(-32);
     // A passed one-off event of Bob's stays his: "S", never an own "E".
-    const EventPtr once = Make({"Bob's concert", "2009-03-01", "Bob", 0, true});
-    once->setDaysLeft(-4);
-    e->IDCode = QStringLiteral("100001");
-    once->IDCode = QStringLiteral("100002");
-    const QList<EventPtr> sharedList{e, once};
+    const QList<EventPtr> sharedList{e, Make({"Bob's concert", "2009-03-01", "Bob", 0, true})};
     model.FillFromLists({}, &sharedList, nullptr, EventListModel::kAllLayers);
-    ASSERT_EQ(model.rowCount(), 2);
-    EXPECT_EQ(FormatYMD(e->DueDate()), QStringLiteral("2009-03-15"));
-    const int row = model.FindRow(e->IDCode, EventListModel::Source::Shared);
-    EXPECT_EQ(model.cellText(row, Col::ColLeft), QStringLiteral("0010"));
-    for (int r = 0; r < 2; ++r) {
-        EXPECT_EQ(model.marker(r), QStringLiteral("S")) << r;
-        EXPECT_FALSE(EventCommands::EditRefusal(model.listRow(r)).isEmpty()) << r;
-    }
+    EXPECT_EQ(Column(Col::ColDate), (QStringList{"15/03", "01/03"}));
+    EXPECT_EQ(Column(Col::ColType), (QStringList{"S", "S"}));
 }
 
-TEST_F(EventList, LayerFilter) {
+TEST_F(EventList, LayerFilterAndExpiredRows) {
     Add(events, {"L1", "2009-03-06", "Ann", 1});
     Add(events, {"L3", "2009-03-06", "Ann", 3});
     Add(events, {"L0", "2009-03-06", "Ann", 0});
     Add(events, {"L3 shared", "2009-03-06", "Ann", 3, true});
     Add(expired, {"X0", "2009-02-01", "Ann", 0});
     Add(expired, {"X3 shared", "2009-02-01", "Ann", 3, true});
+    events.DeleteRecord(Add(events, {"Deleted", "2009-03-06"})->IDCode);
     const struct {
         int layer;
+        bool expired;
         QStringList rows;
     } cases[] = {
-        {20, {"L1", "L3", "L0", "L3 shared", "X0", "X3 shared"}},
-        {3, {"L3", "L3 shared", "X3 shared"}},
-        {1, {"L1"}},
-        {0, {"L0", "L3 shared", "X0"}}, // shared ones pass 0, expired ones only by layer
-        {7, {}},
+        {20, true, {"L1", "L3", "L0", "L3 shared", "X0", "X3 shared"}},
+        {20, false, {"L1", "L3", "L0", "L3 shared"}},
+        {3, true, {"L3", "L3 shared", "X3 shared"}},
+        {1, true, {"L1"}},
+        {0, true, {"L0", "L3 shared", "X0"}}, // shared ones pass 0, expired ones only by layer
+        {7, true, {}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.layer);
-        model.FillEvents(c.layer, true);
+        model.FillEvents(c.layer, c.expired);
         EXPECT_EQ(Column(Col::ColEvent), c.rows);
     }
 }

@@ -1,7 +1,6 @@
 // The options window and clsOptions2 offscreen, on a throw-away home folder.
 #include "app/dialogs/frmOptions.h"
 #include "app/dialogs/TextViewer.h"
-#include "app/dialogs/clsOptions2.h"
 #include "app/platform/Autostart.h"
 #include "shared/AppPaths.h"
 #include "support/ModalHelper.h"
@@ -60,7 +59,28 @@ protected:
         return wav;
     }
 
+    // Fred, networked, with a shared event "team" published and an expired one.
+    QString networkedFred() {
+        existingWav();
+        const QString folder = sharedFolder("Fred\r\n");
+        settings.sSet(QStringLiteral("SharedDataPath"), folder);
+        settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred"));
+        settings.sSet(QStringLiteral("Networked"), true);
+        auto team = std::make_shared<clsEvent>();
+        team->setOwner(QStringLiteral("Fred"));
+        team->setDesc(QStringLiteral("team"));
+        team->SharedEvent = true;
+        events.StoreRecord(team);
+        old->setOwner(QStringLiteral("Fred"));
+        expired.StoreRecord(old);
+        shared.AttachTo(events);
+        shared.PublishSharedEvents(events);
+        EXPECT_TRUE(ReadFileBytes(folder + QStringLiteral("/Shared_Fred.xml")).contains("team"));
+        return folder;
+    }
+
     std::unique_ptr<frmOptions> window;
+    EventPtr old = std::make_shared<clsEvent>();
 };
 
 TEST_F(OptionsWindow, ShowsTheDefaultsThenTheStoredValuesAndTheUserList) {
@@ -127,8 +147,9 @@ TEST_F(OptionsWindow, RefusedSavesStoreNothing) {
 }
 
 // Adding the typed ID to the shared list: refusals are told (the rules are
-// the shared folder's), a same-spelled ID is asked about, the list file grows.
-TEST_F(OptionsWindow, AddingUsersToTheSharedList) {
+// the shared folder's), a same-spelled ID is asked about, the list file grows;
+// removing asks first.
+TEST_F(OptionsWindow, AddingAndRemovingUsersOfTheSharedList) {
     const QString folder = sharedFolder("Fred\r\nBob\r\n");
     settings.sSet(QStringLiteral("SharedDataPath"), folder);
     settings.sSet(QStringLiteral("Networked"), true);
@@ -157,9 +178,19 @@ TEST_F(OptionsWindow, AddingUsersToTheSharedList) {
     }
     EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")),
               QByteArray("Fred\r\nBob\r\nCarl\r\n"));
+    users()->item(0)->setSelected(true); // removing asks first
+    users()->item(2)->setSelected(true);
+    for (const bool yes : {false, true}) {
+        yes ? dialogs.answerYes() : dialogs.answerNo();
+        button("cmdDel")->click();
+    }
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Are you sure you want to remove these users?"));
+    EXPECT_EQ(userNames(), QStringList{QStringLiteral("Bob")});
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Bob\r\n"));
 
     // A clash listed from before is told, but the user's own ID kept as it
     // was does not stop the other settings from being saved.
+    WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Fred\r\nAlfred\r\n");
     settings.sSet(QStringLiteral("Owner"), QStringLiteral("Alfred"));
     dialogs.clear();
     box("txtOwner")->setText(QStringLiteral("Alfred"));
@@ -167,26 +198,6 @@ TEST_F(OptionsWindow, AddingUsersToTheSharedList) {
     EXPECT_FALSE(window->Cancelled());
     EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("stays as it is")))
         << dialogs.lastText().toStdString();
-}
-
-TEST_F(OptionsWindow, DeleteAsksFirstAndRewritesTheList) {
-    const QString folder = sharedFolder("Ann\r\nBob\r\nCid\r\n");
-    settings.sSet(QStringLiteral("SharedDataPath"), folder);
-    settings.sSet(QStringLiteral("Networked"), true);
-    open();
-    button("cmdDel")->click();
-    EXPECT_EQ(dialogs.count(), 0) << "nothing selected, nothing asked";
-
-    users()->item(0)->setSelected(true);
-    users()->item(2)->setSelected(true);
-    dialogs.answerNo();
-    button("cmdDel")->click();
-    EXPECT_EQ(users()->count(), 3);
-    dialogs.answerYes();
-    button("cmdDel")->click();
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Are you sure you want to remove these users?"));
-    EXPECT_EQ(userNames(), QStringList{QStringLiteral("Bob")});
-    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Bob\r\n"));
 }
 
 TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
@@ -219,22 +230,12 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
     EXPECT_TRUE(Autostart::IsEnabled()) << "a first start offers the login entry ticked";
 
     open(); // a backslash path loses only its last separator
-    box("txtDatapath")->setText(QStringLiteral("C:\\Data\\"));
-    button("cmdSave")->click();
-    EXPECT_EQ(settings.sGet(QStringLiteral("DataPath")).toText(), QStringLiteral("C:\\Data"));
-}
-
-TEST_F(OptionsWindow, LoginBoxShowsTheEntrysPresenceAndRemovesIt) {
-    existingWav();
-    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Single"));
-    ASSERT_TRUE(Autostart::Apply(true, QStringLiteral("/usr/bin/tarvo")));
-    open();
     EXPECT_TRUE(check("chkAutostart")->isChecked());
     check("chkAutostart")->click();
+    box("txtDatapath")->setText(QStringLiteral("C:\\Data\\"));
     button("cmdSave")->click();
     EXPECT_FALSE(Autostart::IsEnabled());
-    open();
-    EXPECT_FALSE(check("chkAutostart")->isChecked());
+    EXPECT_EQ(settings.sGet(QStringLiteral("DataPath")).toText(), QStringLiteral("C:\\Data"));
 }
 
 TEST_F(OptionsWindow, MissingSoundFileTurnsSoundsOffUnlessAlreadyOff) {
@@ -253,19 +254,7 @@ TEST_F(OptionsWindow, MissingSoundFileTurnsSoundsOffUnlessAlreadyOff) {
 }
 
 TEST_F(OptionsWindow, SwitchingToSingleUserStoresSingleAndTakesOverTheEvents) {
-    existingWav();
-    const QString folder = sharedFolder("Fred\r\n");
-    settings.sSet(QStringLiteral("SharedDataPath"), folder);
-    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred"));
-    settings.sSet(QStringLiteral("Networked"), true);
-    auto mine = std::make_shared<clsEvent>();
-    mine->setOwner(QStringLiteral("Fred"));
-    mine->setDesc(QStringLiteral("mine"));
-    events.StoreRecord(mine);
-    shared.AttachTo(events);
-    mine->SharedEvent = true;
-    shared.PublishSharedEvents(events);
-    ASSERT_TRUE(ReadFileBytes(folder + QStringLiteral("/Shared_Fred.xml")).contains("mine"));
+    const QString folder = networkedFred();
 
     open();
     button("optSingle")->click();
@@ -284,21 +273,7 @@ TEST_F(OptionsWindow, SwitchingToSingleUserStoresSingleAndTakesOverTheEvents) {
 }
 
 TEST_F(OptionsWindow, NewNetworkIdRenamesWipesTheOldSharedFileAndPublishes) {
-    existingWav();
-    const QString folder = sharedFolder("Fred\r\n");
-    settings.sSet(QStringLiteral("SharedDataPath"), folder);
-    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred"));
-    settings.sSet(QStringLiteral("Networked"), true);
-    auto sharedOne = std::make_shared<clsEvent>();
-    sharedOne->setOwner(QStringLiteral("Fred"));
-    sharedOne->setDesc(QStringLiteral("team"));
-    sharedOne->SharedEvent = true;
-    events.StoreRecord(sharedOne);
-    auto old = std::make_shared<clsEvent>();
-    old->setOwner(QStringLiteral("Fred"));
-    expired.StoreRecord(old);
-    shared.PublishSharedEvents(events);
-    ASSERT_TRUE(QFileInfo::exists(folder + QStringLiteral("/Shared_Fred.xml")));
+    const QString folder = networkedFred();
 
     open();
     box("txtOwner")->setText(QStringLiteral("Frederick"));
@@ -339,10 +314,8 @@ TEST_F(OptionsWindow, BrowseButtonsUseTheChoosers) {
 
     dialogs.answerText(QStringLiteral("/srv/bell.wav"));
     button("cmdPickWav")->click();
-    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("WAV files (*.wav)|*.wav"));
-    EXPECT_EQ(box("txtAlarmWav")->text(), QStringLiteral("/srv/bell.wav"));
-
     button("cmdPickWav")->click(); // cancelled
+    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("WAV files (*.wav)|*.wav"));
     EXPECT_EQ(box("txtAlarmWav")->text(), QStringLiteral("/srv/bell.wav"));
 
     button("cmdHomePage")->click();
@@ -350,27 +323,6 @@ TEST_F(OptionsWindow, BrowseButtonsUseTheChoosers) {
     ASSERT_NE(page, nullptr) << "the home page is the built-in help's About section";
     QCoreApplication::processEvents();
     EXPECT_GT(page->browser()->verticalScrollBar()->value(), 0) << "scrolled to the section";
-}
-
-TEST(Options2, SavesTheSubsetAndItsSharedFolder) {
-    TempHome home;
-    cSHAREDSettings settings;
-    const QString file = home.file(QStringLiteral("Tvo.ini"));
-    clsOptions2 options(settings, file, home.file(QStringLiteral("data/Events.xml")));
-    options.LoadOptions();
-    EXPECT_EQ(options.SharedDBFilename(), home.file(QStringLiteral("data/Shared_Not Set.xml")));
-    options.setOwner(QStringLiteral("Ann"));
-    options.setSharedDBFilename(QStringLiteral("/net/Shared_Ann.xml"));
-    options.setNetworked(true);
-    ASSERT_TRUE(options.SaveOptions());
-
-    cSHAREDSettings other;
-    clsOptions2 again(other, file);
-    again.LoadOptions();
-    EXPECT_EQ(again.Owner(), QStringLiteral("Ann"));
-    EXPECT_TRUE(again.Networked());
-    EXPECT_EQ(other.sGet(QStringLiteral("SharedDatapath")).toText(), QStringLiteral("/net/"));
-    EXPECT_EQ(again.SharedDBFilename(), QStringLiteral("/net/Shared_Ann.xml"));
 }
 
 } // namespace

@@ -47,14 +47,6 @@ TEST_F(LayerEditor, NamesAreStoredAsTypedAndShownTrimmed) {
     EXPECT_EQ(box(3)->text(), QStringLiteral("Work"));
 }
 
-TEST_F(LayerEditor, RenamingBackToTheDefaultFreesTheLayer) {
-    layers.setLayer(19, QStringLiteral("Work"));
-    open();
-    box(19)->setText(QStringLiteral("Layer 19"));
-    Control<QPushButton>(window.get(), "cmdAccept")->click();
-    EXPECT_EQ(layers.SeekLayerIndex(QStringLiteral("Sport")), 19);
-}
-
 TEST_F(LayerEditor, EnteringABoxSelectsItsText) {
     open();
     window->show();

@@ -64,17 +64,15 @@ TEST_F(ReminderWindow, EachNewWindowComesUpBelowTheOthersWithEveryTitleInSight) 
 }
 
 TEST_F(ReminderWindow, LinesOrderedByDayCountNewestFirstAmongEquals) {
-    window->AddToList(QStringLiteral("In 5 days: A"));
-    window->AddToList(QStringLiteral("In 2 days: B"));
-    window->AddToList(QStringLiteral("In 5 days: C"));
-    window->AddToList(QStringLiteral("Plain"));
-    window->AddToList(QStringLiteral("In 40000 days: far"));
-    window->AddToList(QStringLiteral("In 1 day: D"));
+    for (const char* line :
+         {"In 5 days: A", "In 2 days: B", "In 5 days: C", "Plain", "In 40000 days: far", "In 1 day: D"}) {
+        window->AddToList(QString::fromLatin1(line));
+    }
     EXPECT_EQ(window->lines(), (QStringList{"Plain", "In 1 day: D", "In 2 days: B", "In 5 days: C",
                                             "In 5 days: A", "In 40000 days: far"}));
 }
 
-TEST_F(ReminderWindow, ComesUpAfterTwoSecondsThenNagsEveryThirty) {
+TEST_F(ReminderWindow, ComesUpAfterTwoSecondsNagsEveryThirtyAndUnloads) {
     window->setSoundFlag(true);
     EXPECT_EQ(window->timer().interval(), frmReminder::kFirstShowMs);
     tick();
@@ -86,6 +84,17 @@ TEST_F(ReminderWindow, ComesUpAfterTwoSecondsThenNagsEveryThirty) {
     window->setSoundOnce(true); // a missed-alarms list
     tick(2);
     EXPECT_EQ(player.played.size(), 3) << "once, then silent nags";
+
+    // Continue and the close box both unload the window.
+    QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdContinue")),
+                      Qt::LeftButton);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window.isNull());
+    window = new frmReminder(settings, player);
+    tick();
+    window->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window.isNull()) << "the close box too";
 }
 
 TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {
@@ -115,20 +124,6 @@ TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {
         EXPECT_EQ(player.played.size(), 1) << c.entry;
         EXPECT_FALSE(window->timer().isActive()) << c.entry << ": no more repeats";
     }
-}
-
-TEST_F(ReminderWindow, ContinueAndTheCloseBoxUnload) {
-    tick();
-    QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdContinue")),
-                      Qt::LeftButton);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(window.isNull());
-
-    window = new frmReminder(settings, player);
-    tick();
-    window->close();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(window.isNull()) << "the close box too";
 }
 
 TEST_F(ReminderWindow, SoundRules) {

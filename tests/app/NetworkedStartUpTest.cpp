@@ -95,9 +95,6 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndReachWhoTheyAreFor) {
     EXPECT_EQ(ann.layers.Layer(19), QStringLiteral("Layer 19")) << "no category was created";
     ann.events.SaveDB(); // the next save publishes what the others read below
 
-    frmMain annWindow(ann.context);
-    annWindow.FillEvents();
-    EXPECT_EQ(LayerShown(annWindow.model(), QStringLiteral("Dinner")), QStringLiteral("Shared"));
     frmEvent editor(ann.context, *ann.events.Events().first(), true);
     EXPECT_EQ(editor.findChild<QComboBox*>(QStringLiteral("cmbLayers"))->currentText(),
               QStringLiteral("Shared"));

@@ -10,7 +10,6 @@
 #include "support/TestSupport.h"
 
 #include <QAbstractItemModelTester>
-#include <QDir>
 #include <QHeaderView>
 #include <QTest>
 #include <QToolTip>
@@ -54,25 +53,6 @@ protected:
         EventPtr e = Make(s);
         db.StoreRecord(e);
         return e;
-    }
-
-    // Makes "Bob" a networked user whose shared file holds these events.
-    void ShareFromBob(const QList<NewEvent>& list) {
-        const QString folder = home.file(QStringLiteral("shared"));
-        QDir().mkpath(folder);
-        settings.sSet(QStringLiteral("Networked"), SettingValue(true));
-        settings.sSet(QStringLiteral("SharedDatapath"), SettingValue(folder));
-        ASSERT_TRUE(SharedDatabases::WriteUserList(shared.UserListFile(),
-                                                   {QStringLiteral("Ann"), QStringLiteral("Bob")}));
-        cSHAREDSettings bobSettings;
-        bobSettings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Bob")));
-        clsDbXml bob(bobSettings);
-        bob.SetDBFilename(
-            QDir(folder).filePath(SharedDatabases::SharedFileName(QStringLiteral("Bob"))));
-        for (const NewEvent& s : list) {
-            bob.StoreRecord(Make(s));
-        }
-        bob.SaveDB();
     }
 
     QStringList Column(int col) const {
@@ -145,24 +125,6 @@ TEST_F(EventList, CellsAndColourOfOneRow) {
                   c.colour);
         EXPECT_FALSE(model.data(model.index(0, Col::ColLeft), Qt::ForegroundRole).isValid());
     }
-}
-
-TEST_F(EventList, OwnerColumnAndSharedRowsOnlyWhenNetworked) {
-    ShareFromBob(
-        {{"Bob's party", "2009-03-10", "Bob", 1, true}, {"Ann's own in Bob's file", "2009-03-10"}});
-    Add(events, {"Mine", "2009-03-06"});
-
-    settings.sSet(QStringLiteral("Networked"), SettingValue(false));
-    model.FillEvents(EventListModel::kAllLayers, false);
-    EXPECT_EQ(Column(Col::ColEvent), QStringList{"Mine"});
-    EXPECT_EQ(Column(Col::ColOwner), QStringList{""});
-
-    settings.sSet(QStringLiteral("Networked"), SettingValue(true));
-    model.FillEvents(EventListModel::kAllLayers, false);
-    ASSERT_EQ(Column(Col::ColEvent), (QStringList{"Mine", "Bob's party"}));
-    EXPECT_EQ(Column(Col::ColOwner), (QStringList{"Ann", "Bob"}));
-    EXPECT_EQ(model.cellText(1, Col::ColType), QStringLiteral("S"));
-    EXPECT_EQ(model.cellText(1, Col::ColSharedWith), QStringLiteral("All"));
 }
 
 TEST_F(EventList, PastSharedEventIsMovedToItsNextDate) {

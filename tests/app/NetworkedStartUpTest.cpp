@@ -112,11 +112,15 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndReachWhoTheyAreFor) {
     bobWindow.model().FillEvents(0, false); // the "Shared" filter
     EXPECT_EQ(bobWindow.model().rowCount(), 2);
     EXPECT_EQ(LayerShown(bobWindow.model(), QStringLiteral("Dinner")), QStringLiteral("Shared"));
+    EXPECT_EQ(bobWindow.model().cellText(0, EventListModel::ColOwner), QStringLiteral("Ann"));
     frmMonthView month(bob.context);
     month.Form_Load();
     month.LoadMonth(0);
     EXPECT_EQ(month.BoxText(month.Calendar().BoxOfDay(20)),
               QStringLiteral("20\nDinner [Ann]\nRenamed [Ann]\n"));
+    bob.settings.sSet(QStringLiteral("Networked"), false); // leaving the network hides them
+    bobWindow.model().FillEvents(0, false);
+    EXPECT_EQ(bobWindow.model().rowCount(), 0);
 }
 
 } // namespace

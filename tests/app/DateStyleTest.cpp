@@ -1,5 +1,5 @@
 // Every date the program shows follows the user's "DateStyle": the event
-// list, printouts and the reminder windows' titles (the editor's start dates
+// list, printouts (the numbered task list) and the reminder windows' titles (the editor's start dates
 // are the engine's and tested there).
 #include "app/EventListModel.h"
 #include "app/dialogs/DialogsFixture.h"
@@ -26,7 +26,7 @@ protected:
         return model.cellText(0, EventListModel::ColDate);
     }
     QString printedTaskList() {
-        TaskListFile(home.path()).Save({QStringLiteral("Buy milk")});
+        TaskListFile(home.path()).Save({QStringLiteral("Buy milk"), QStringLiteral("Fix bike")});
         frmTasks tasks(settings, dialogs);
         const QString pdf = home.file(QStringLiteral("tasks.pdf"));
         PdfPrintSetup setup(pdf);
@@ -74,7 +74,11 @@ TEST_F(DateStyle, EveryShownDateFollowsTheSetting) {
         }
         const QString today = QString::fromLatin1(c.today);
         EXPECT_EQ(listedDate(), QString::fromLatin1(c.dayMonth));
-        EXPECT_TRUE(printedTaskList().contains(QStringLiteral("Printed ") + today));
+        const QString printed = printedTaskList();
+        for (const QString& line : {QStringLiteral("Tarvo task list"), QString("Printed " + today),
+                                    QStringLiteral("1) Buy milk"), QStringLiteral("2) Fix bike")}) {
+            EXPECT_TRUE(printed.contains(line)) << printed.toStdString();
+        }
         EXPECT_EQ(captions(), (QStringList{QStringLiteral("TODAY! - ") + today,
                                            QStringLiteral("ALARM! - ") + today + " 08:00"}));
     }

@@ -182,13 +182,6 @@ TEST_F(EventList, PassesTheModelTesterThroughFillsAndSorts) {
     model.FillEvents(2, false);
 }
 
-TEST_F(EventList, BadLayerIsLoggedAndTheRowStays) {
-    const EventPtr e = Make({"Odd layer", "2009-03-06", "Ann", 25});
-    model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
-    EXPECT_EQ(Column(Col::ColLayer), QStringList{QString()});
-    EXPECT_TRUE(LoggedTexts().last().endsWith(QStringLiteral("in AddListItem of module frmMain")));
-}
-
 class EventListWindow : public EventList {
 protected:
     EventListView view{&model};

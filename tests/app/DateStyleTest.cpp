@@ -1,6 +1,6 @@
 // Every date the program shows follows the user's "DateStyle": the event
-// list, printouts (the numbered task list) and the reminder windows' titles (the editor's start dates
-// are the engine's and tested there).
+// list, printouts (the numbered task list) and the reminder windows' titles (the editor's start
+// dates are the engine's and tested there).
 #include "app/EventListModel.h"
 #include "app/dialogs/DialogsFixture.h"
 #include "app/dialogs/PrintSetup.h"
@@ -64,7 +64,8 @@ TEST_F(DateStyle, EveryShownDateFollowsTheSetting) {
         int style; // 0: not set
         const char* today;
         const char* dayMonth;
-    } cases[] = {{0, "17/03/2009", "17/03"}, {1, "17/03/2009", "17/03"}, {2, "03/17/2009", "03/17"}};
+    } cases[] = {
+        {0, "17/03/2009", "17/03"}, {1, "17/03/2009", "17/03"}, {2, "03/17/2009", "03/17"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.style);
         if (c.style == 0) {

@@ -79,8 +79,8 @@ TEST_F(MonthView, NavigationWrapsAndTodayIsMarkedInItsMonthOnly) {
                 orange << day;
             }
         }
-        EXPECT_EQ(orange, dateLabel() == QLatin1String("January 2009") ? QList<int>{10}
-                                                                       : QList<int>{});
+        EXPECT_EQ(orange,
+                  dateLabel() == QLatin1String("January 2009") ? QList<int>{10} : QList<int>{});
     }
 }
 

@@ -169,7 +169,8 @@ TEST_F(EventEditor, StartDatesArePickedByMouseOrKeyboard) {
     dialogs.answerCancel();
     QTest::mouseClick(label("lblDailyStartDate"), Qt::LeftButton);
     EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("2009-04-01")) << "starts as shown";
-    EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("01/04/2009")) << "cancel keeps it";
+    EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("01/04/2009"))
+        << "cancel keeps it";
     save();
     ASSERT_TRUE(window->Saved());
     EXPECT_EQ(event.Period(), 10);

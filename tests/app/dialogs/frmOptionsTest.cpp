@@ -247,8 +247,8 @@ TEST_F(OptionsWindow, SwitchingToSingleUserStoresSingleAndTakesOverTheEvents) {
               QStringLiteral("Stop sharing your events with the other users?"));
     EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray());
     EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
-    EXPECT_TRUE(ReadFileBytes(home.file(QStringLiteral("Events.xml")))
-                    .contains("<Owner>Single</Owner>"));
+    EXPECT_TRUE(
+        ReadFileBytes(home.file(QStringLiteral("Events.xml"))).contains("<Owner>Single</Owner>"));
     EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/Shared_Single.xml")));
 }
 

@@ -64,8 +64,8 @@ TEST_F(ReminderWindow, EachNewWindowComesUpBelowTheOthersWithEveryTitleInSight) 
 }
 
 TEST_F(ReminderWindow, LinesOrderedByDayCountNewestFirstAmongEquals) {
-    for (const char* line :
-         {"In 5 days: A", "In 2 days: B", "In 5 days: C", "Plain", "In 40000 days: far", "In 1 day: D"}) {
+    for (const char* line : {"In 5 days: A", "In 2 days: B", "In 5 days: C", "Plain",
+                             "In 40000 days: far", "In 1 day: D"}) {
         window->AddToList(QString::fromLatin1(line));
     }
     EXPECT_EQ(window->lines(), (QStringList{"Plain", "In 1 day: D", "In 2 days: B", "In 5 days: C",

@@ -21,8 +21,6 @@ TEST(CalendarFileCommands, FileMenuExportsAndImportsTheList) {
     auto* exportAction = window.findChild<QAction*>(QStringLiteral("mnuExportCalendar"));
     auto* importAction = window.findChild<QAction*>(QStringLiteral("mnuImportCalendar"));
     ASSERT_TRUE(exportAction && importAction);
-    EXPECT_EQ(exportAction->text(), QStringLiteral("Export to iCalendar\u2026"));
-    EXPECT_EQ(importAction->text(), QStringLiteral("Import from iCalendar\u2026"));
 
     const QString file = f.home.file(QStringLiteral("mine.ics"));
     f.dialogs.answerText(file);

@@ -1,5 +1,6 @@
 // The main window offscreen with a temporary home folder and scripted
-// dialogs: the toolbar, the guarded commands, search, the filter, closing.
+// dialogs: the commands it offers, what they refuse, undo, search, the
+// filter, closing, and the start-up that leads to it.
 #include "app/frmMain.h"
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
@@ -8,36 +9,23 @@
 #include "app/dialogs/TextViewer.h"
 #include "app/dialogs/frmOptions.h"
 #include "shared/AppPaths.h"
-#include "shared/cSHAREDSettings.h"
 #include "shared/cSHAREDZipFiles.h"
 #include "shared/cSharedLogging.h"
 #include "storage/BackupArchive.h"
-#include "storage/SharedDatabases.h"
-#include "storage/clsDbXml.h"
-#include "storage/clsLayers.h"
-#include "support/FakeReminderWindows.h"
-#include "support/LogLines.h"
 #include "support/ModalHelper.h"
-#include "support/ScriptedDialogs.h"
-#include "support/TestSupport.h"
 
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
-#include <QFileInfo>
-#include <QItemSelectionModel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QScrollBar>
 #include <QStatusBar>
 #include <QTest>
 #include <QTextBrowser>
-#include <QToolBar>
 #include <QUndoStack>
 
 namespace {
@@ -63,17 +51,13 @@ protected:
     // Bob publishes one event in the shared folder; the window sees it as "S".
     void addBobsSharedEvent() {
         settings.sSet(QStringLiteral("Networked"), true);
-        WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\n");
+        WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\nCarol\r\n");
         cSHAREDSettings bobs;
         bobs.sSet(QStringLiteral("Owner"), QStringLiteral("Bob"));
         clsDbXml bobFile(bobs);
         bobFile.SetDBFilename(home.file(QStringLiteral("Shared_Bob.xml")));
-        auto e = std::make_shared<clsEvent>();
-        e->setDesc(QStringLiteral("Bob's party"));
-        e->setOwner(QStringLiteral("Bob"));
-        e->setDueDate(D(QStringLiteral("2009-03-20")));
-        e->SharedEvent = true;
-        bobFile.StoreRecord(e, true);
+        add(bobFile, QStringLiteral("Bob's party"), QStringLiteral("2009-03-20"), "Bob")
+            ->SharedEvent = true;
         bobFile.SaveDB();
     }
     int rowOf(const QString& desc) {
@@ -106,16 +90,14 @@ TEST_F(MainWindow, EveryShortcutBelongsToOneActionOnly) {
     QHash<QKeySequence, QString> owner;
     for (const QAction* a : window->findChildren<QAction*>()) {
         for (const QKeySequence& key : a->shortcuts()) {
-            EXPECT_FALSE(owner.contains(key))
-                << key.toString().toStdString() << " is claimed by "
-                << owner.value(key).toStdString() << " and " << a->objectName().toStdString();
+            EXPECT_FALSE(owner.contains(key)) << key.toString().toStdString();
             owner.insert(key, a->objectName());
         }
     }
     EXPECT_EQ(owner.value(QKeySequence(Qt::Key_F1)), QStringLiteral("mnuHelp"));
 }
 
-TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
+TEST_F(MainWindow, BackupsAreZippedAndTheirFolderShown) {
     add(events, QStringLiteral("Keep safe"), QStringLiteral("2009-03-10"));
     events.SaveDB();
     open();
@@ -127,117 +109,62 @@ TEST_F(MainWindow, ManualBackupZipsTheDataAndSaysWhere) {
         QStringLiteral("Backup complete. Your files were zipped to the AutoBackups folder in ") +
             AppPaths::HomeFolder());
 
-    // A file where the folder should be: the archive cannot be written.
-    QDir(home.file(QStringLiteral("Autobackups"))).removeRecursively();
-    WriteFileBytes(home.file(QStringLiteral("Autobackups")), "in the way");
+    const QString folder = home.file(QStringLiteral("Autobackups"));
+    window->ViewBackups();
+    EXPECT_EQ(opener.opened, QStringList{folder});
+    opener.accepts = false; // no file manager: the folder is named instead
+    window->ViewBackups();
+    EXPECT_TRUE(dialogs.lastText().endsWith(QDir::toNativeSeparators(folder)));
+
+    QDir(folder).removeRecursively(); // a file in the folder's place
+    WriteFileBytes(folder, "in the way");
     window->ManualBackup();
     EXPECT_TRUE(dialogs.lastText().startsWith(
-        QStringLiteral("Backup failed: Unable to create the folder ") +
-        home.file(QStringLiteral("Autobackups"))))
-        << dialogs.lastText().toStdString();
+        QStringLiteral("Backup failed: Unable to create the folder ") + folder));
 }
 
 TEST_F(MainWindow, LogAndHelpShowInsideTheProgram) {
     open();
-    for (int i = 0; i < 80; ++i) {
-        Log().LogEvent(QStringLiteral("line %1").arg(i));
-    }
     Log().AddAction(QStringLiteral("the newest line"));
     window->Toolbar1_ButtonClick(QStringLiteral("log"));
     window->findChild<QAction*>(QStringLiteral("mnuHelp"))->trigger();
     QCoreApplication::processEvents();
     EXPECT_TRUE(opener.opened.isEmpty()) << "nothing depends on the desktop's openers";
 
-    const TextViewer* log = window->findChild<TextViewer*>(QStringLiteral("frmLog"));
+    const auto* log = window->findChild<TextViewer*>(QStringLiteral("frmLog"));
     ASSERT_TRUE(log != nullptr && log->isVisible());
     EXPECT_TRUE(
         log->browser()->toPlainText().trimmed().endsWith(QStringLiteral("the newest line")));
-    const QScrollBar* bar = log->browser()->verticalScrollBar();
-    EXPECT_GT(bar->maximum(), 0);
-    EXPECT_EQ(bar->value(), bar->maximum()) << "the log opens at its end";
 
-    const TextViewer* help = window->findChild<TextViewer*>(QStringLiteral("frmHelp"));
+    const auto* help = window->findChild<TextViewer*>(QStringLiteral("frmHelp"));
     ASSERT_TRUE(help != nullptr && help->isVisible());
     EXPECT_TRUE(help->browser()->toPlainText().contains(QStringLiteral("Reminders and alarms")));
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("help.html"))))
-        << "help writes nothing into the home folder";
 }
 
-TEST_F(MainWindow, ViewBackupsSaysWhereTheyAreWhenNoFileManagerOpens) {
-    open();
-    const QString folder = home.file(QStringLiteral("Autobackups"));
-    window->ViewBackups();
-    EXPECT_EQ(opener.opened, QStringList{folder});
-    EXPECT_EQ(dialogs.count(), 0);
-    opener.accepts = false;
-    window->ViewBackups();
-    EXPECT_TRUE(dialogs.lastText().endsWith(QDir::toNativeSeparators(folder)));
-}
-
+// Other users' rows are refused before any question, which is only asked
+// when something can go.
 TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
     addBobsSharedEvent();
     add(events, QStringLiteral("Mine"), QStringLiteral("2009-03-10"));
     open();
-    ASSERT_GE(rowOf(QStringLiteral("Bob's party")), 0);
-    EXPECT_EQ(window->model().marker(rowOf(QStringLiteral("Bob's party"))), QStringLiteral("S"));
-
     select({QStringLiteral("Bob's party")});
     window->EditSelectedEvent();
     EXPECT_EQ(dialogs.lastText(),
               QStringLiteral("You can't edit a shared item belonging to someone else"));
-    EXPECT_TRUE(window->refreshTimer().isActive())
-        << "the refresh timer is back on after a refusal";
+    EXPECT_TRUE(window->refreshTimer().isActive()) << "back on after a refusal";
 
-    window->PushSelectedEvent();
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("You can't push a shared item belonging to someone else"));
-
-    // What may not be deleted is said before the question, which is only
-    // asked when something can go: Bob's published row, Bob's event kept in
-    // Ann's own file, and both with one of Ann's.
-    add(events, QStringLiteral("Bob's in my file"), QStringLiteral("2009-03-11"),
-        QStringLiteral("Bob"));
-    window->FillEvents();
     const QString question =
         QStringLiteral("Are you sure you want to delete the selected event(s)?");
     const QString others = QStringLiteral("You can't delete events belonging to another user");
-    const struct {
-        std::initializer_list<QString> rows;
-        QStringList said;
-    } cases[] = {
-        {{QStringLiteral("Bob's party")}, {others}},
-        {{QStringLiteral("Bob's in my file")}, {others}},
-        {{QStringLiteral("Bob's party"), QStringLiteral("Bob's in my file"),
-          QStringLiteral("Mine")},
-         {others, question}},
-    };
-    for (const auto& c : cases) {
-        const qsizetype before = dialogs.texts().size();
-        select(c.rows);
-        if (c.said.contains(question)) {
-            dialogs.answerYes();
-        }
+    for (const bool yes : {false, true}) { // No keeps everything
+        dialogs.clear();
+        select({QStringLiteral("Bob's party"), QStringLiteral("Mine")});
+        yes ? dialogs.answerYes() : dialogs.answerNo();
         window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
-        EXPECT_EQ(dialogs.texts().mid(before), c.said);
+        EXPECT_EQ(dialogs.texts(), (QStringList{others, question}));
+        EXPECT_EQ(rowOf(QStringLiteral("Mine")) < 0, yes);
+        EXPECT_GE(rowOf(QStringLiteral("Bob's party")), 0);
     }
-    EXPECT_EQ(rowOf(QStringLiteral("Mine")), -1);
-    EXPECT_GE(rowOf(QStringLiteral("Bob's party")), 0);
-    EXPECT_GE(rowOf(QStringLiteral("Bob's in my file")), 0);
-}
-
-TEST_F(MainWindow, DeleteAsksFirst) {
-    add(events, QStringLiteral("Keep me"), QStringLiteral("2009-03-10"));
-    open();
-    select({QStringLiteral("Keep me")});
-    dialogs.answerNo();
-    window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
-    EXPECT_GE(rowOf(QStringLiteral("Keep me")), 0);
-    dialogs.answerYes();
-    window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
-    EXPECT_EQ(rowOf(QStringLiteral("Keep me")), -1);
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("Are you sure you want to delete the selected event(s)?"))
-        << "one's own events go without a word about other users";
 }
 
 // Every kind of change made from the window is undone and redone through the
@@ -245,6 +172,7 @@ TEST_F(MainWindow, DeleteAsksFirst) {
 // the change itself, and undoing everything gives the files we started with.
 TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
     settings.sSet(QStringLiteral("DateStyle"), 1);
+    addBobsSharedEvent();
     EventPtr gym = add(events, QStringLiteral("Gym"), QStringLiteral("2009-03-06"));
     gym->setRecurring(true);
     gym->setRecurrenceType(clsEvent::Weekly);
@@ -297,9 +225,17 @@ TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
              select({QStringLiteral("Tax")});
              WhenModalAppears([](QWidget* modal) {
                  modal->findChild<QCheckBox*>(QStringLiteral("chkShared"))->setChecked(true);
+                 modal->findChild<QRadioButton*>(QStringLiteral("optSpecific"))->setChecked(true);
+                 auto* users = modal->findChild<QListWidget*>(QStringLiteral("lstShareUsers"));
+                 ASSERT_EQ(users->count(), 3);
+                 users->item(2)->setCheckState(Qt::Checked);
                  static_cast<QDialog*>(modal)->accept();
              });
              window->ShareWith();
+             EXPECT_EQ(window->model().cellText(rowOf(QStringLiteral("Tax")),
+                                                EventListModel::ColSharedWith),
+                       QStringLiteral("Carol"));
+             EXPECT_TRUE(ReadFileBytes(events.DBFilename()).contains("Carol"));
          }},
         {"Undo Delete 3 events",
          [&] {
@@ -329,14 +265,12 @@ TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
         redo->trigger();
         EXPECT_EQ(files(), after) << undoText;
     }
-    EXPECT_EQ(window->history().count(), kinds.size());
     EXPECT_EQ(rowOf(QStringLiteral("Old")), -1);
     while (window->history().canUndo()) {
         undo->trigger();
     }
     EXPECT_EQ(files(), initial);
     EXPECT_GE(rowOf(QStringLiteral("Old")), 0) << "the list is refilled";
-    EXPECT_EQ(rowOf(QStringLiteral("Dentist")), -1);
 }
 
 TEST_F(MainWindow, FindAndFindNext) {
@@ -344,24 +278,16 @@ TEST_F(MainWindow, FindAndFindNext) {
         add(events, QString::fromLatin1(d), QStringLiteral("2009-03-10"));
     }
     open();
-    // Find Next with no term yet asks for one.
     dialogs.answerText(QStringLiteral("RENT"));
-    window->mnuFind_Click(1);
-    EXPECT_EQ(dialogs.shown().last().text, QStringLiteral("Enter search term"));
-    EXPECT_EQ(dialogs.shown().last().title, QStringLiteral("Search"));
+    window->mnuFind_Click(1); // Find Next with no term yet asks for one
+    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Enter search term"));
     const int first = window->SelectedRow();
-    ASSERT_GE(first, 0);
-    EXPECT_TRUE(window->model()
-                    .cellText(first, EventListModel::ColEvent)
-                    .contains(QStringLiteral("rent"), Qt::CaseInsensitive));
     window->mnuFind_Click(1);
     const int second = window->SelectedRow();
-    EXPECT_GT(second, first);
-    EXPECT_TRUE(window->model()
-                    .cellText(second, EventListModel::ColEvent)
-                    .contains(QStringLiteral("rent"), Qt::CaseInsensitive));
+    EXPECT_EQ(window->model().cellText(first, EventListModel::ColEvent) + QLatin1Char('|') +
+                  window->model().cellText(second, EventListModel::ColEvent),
+              QStringLiteral("Pay rent|Rent party"));
     EXPECT_EQ(dialogs.count(), 1) << "Find Next reuses the kept term";
-    // No further match, or none at all: the status bar says so.
     window->mnuFind_Click(1);
     EXPECT_EQ(window->SelectedRow(), second);
     EXPECT_EQ(window->statusBar()->currentMessage(),
@@ -369,7 +295,6 @@ TEST_F(MainWindow, FindAndFindNext) {
     dialogs.answerText(QStringLiteral("zoo"));
     window->mnuFind_Click(0);
     EXPECT_EQ(window->statusBar()->currentMessage(), QStringLiteral("No event contains \"zoo\""));
-    EXPECT_EQ(window->SelectedRow(), second);
 
     // Enter on a selected row opens it in the editor, as a double-click does.
     QString opened;
@@ -379,64 +304,37 @@ TEST_F(MainWindow, FindAndFindNext) {
     });
     QTest::keyClick(&window->list(), Qt::Key_Return);
     EXPECT_EQ(opened, QStringLiteral("frmEvent"));
-
-    // An empty answer ends the search without moving.
-    dialogs.answerText(QString());
-    window->mnuFind_Click(0);
-    EXPECT_EQ(window->SelectedRow(), second);
 }
 
+// The chosen category filter, "Shared" even, survives new category names and
+// saved options.
 TEST_F(MainWindow, CategoryFilter) {
     add(events, QStringLiteral("In three"), QStringLiteral("2009-03-10"));
-    EventPtr other = add(events, QStringLiteral("In five"), QStringLiteral("2009-03-10"));
-    other->setLayer(5);
+    add(events, QStringLiteral("In five"), QStringLiteral("2009-03-10"))->setLayer(5);
     open();
     auto* combo = window->findChild<QComboBox*>(QStringLiteral("cmbCategories"));
-    EXPECT_EQ(combo->currentIndex(), 20) << "all categories at first";
     EXPECT_EQ(window->model().rowCount(), 2);
     combo->setCurrentIndex(5);
     emit combo->activated(5);
-    EXPECT_EQ(window->model().rowCount(), 1);
+    ASSERT_EQ(window->model().rowCount(), 1);
     EXPECT_EQ(window->model().cellText(0, EventListModel::ColEvent), QStringLiteral("In five"));
-
-    // Any chosen filter, "Shared" too, survives new category names and saved options.
-    for (const int filter : {0, 5}) {
-        for (const char* key : {"editlayers", "options"}) {
-            combo->setCurrentIndex(filter);
-            WhenModalAppears([](QWidget* modal) {
-                for (const char* name : {"cmdAccept", "cmdSave"}) {
-                    if (auto* b = modal->findChild<QPushButton*>(QLatin1String(name))) {
-                        b->click();
-                    }
-                }
-            });
-            if (QLatin1String(key) == QLatin1String("options")) {
-                window->EditOptions();
-            } else {
-                window->Toolbar1_ButtonClick(QLatin1String(key));
-            }
-            EXPECT_EQ(combo->currentIndex(), filter) << key;
-        }
+    combo->setCurrentIndex(0);
+    for (const bool options : {false, true}) {
+        WhenModalAppears([options](QWidget* modal) {
+            modal->findChild<QPushButton*>(options ? "cmdSave" : "cmdAccept")->click();
+        });
+        options ? window->EditOptions() : window->EditLayers();
+        EXPECT_EQ(combo->currentIndex(), 0) << options;
     }
 }
 
-TEST_F(MainWindow, CloseHidesInsteadOfQuitting) {
+TEST_F(MainWindow, CloseHidesAndQuitKeepsTheNormalSizeAndTheMaximisedState) {
     open();
     window->show();
     window->close();
     EXPECT_FALSE(window->isVisible());
-    qsizetype mark = LoggedTexts().size();
     window->Runner_ShowWindow();
     EXPECT_TRUE(window->isVisible());
-    EXPECT_TRUE(
-        LoggedTexts().mid(mark).contains(QStringLiteral("Main window NOT visible - showing it")));
-    mark = LoggedTexts().size();
-    window->Runner_ShowWindow();
-    EXPECT_TRUE(
-        LoggedTexts().mid(mark).contains(QStringLiteral("Main window visible - doing nothing")));
-}
-
-TEST_F(MainWindow, QuitKeepsTheNormalSizeAndTheMaximisedState) {
     for (const bool maximised : {false, true}) {
         SCOPED_TRACE(maximised);
         open();
@@ -446,50 +344,15 @@ TEST_F(MainWindow, QuitKeepsTheNormalSizeAndTheMaximisedState) {
             window->showMaximized();
         }
         window->Quit();
-        cSHAREDSettings saved;
+        cSHAREDSettings saved; // what the next start reads
         saved.LoadSettings(context.settingsFile);
-        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowWidth")).toInt(), 700);
-        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowHeight")).toInt(), 450);
         EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowMaximised")).toBool(), maximised);
-
         open();
         window->FormLoad(false);
         EXPECT_EQ(window->isMaximized(), maximised);
         EXPECT_EQ(window->normalGeometry().size(), QSize(700, 450));
         window->Quit();
     }
-}
-
-TEST_F(MainWindow, ShareWithNamedUsersOnlyAndSaves) {
-    addBobsSharedEvent();
-    WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\nCarol\r\n");
-    EventPtr mine = add(events, QStringLiteral("Mine"), QStringLiteral("2009-03-10"));
-    open();
-
-    select({QStringLiteral("Bob's party")});
-    window->ShareWith();
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("You can't edit a shared item belonging to someone else"));
-
-    select({QStringLiteral("Mine")});
-    WhenModalAppears([](QWidget* modal) {
-        modal->findChild<QCheckBox*>(QStringLiteral("chkShared"))->setChecked(true);
-        modal->findChild<QRadioButton*>(QStringLiteral("optSpecific"))->setChecked(true);
-        auto* users = modal->findChild<QListWidget*>(QStringLiteral("lstShareUsers"));
-        ASSERT_EQ(users->count(), 3);
-        users->item(2)->setCheckState(Qt::Checked);
-        static_cast<QDialog*>(modal)->accept();
-    });
-    window->ShareWith();
-    EXPECT_TRUE(mine->SharedEvent);
-    EXPECT_TRUE(mine->ShareWithSpecific);
-    EXPECT_EQ(mine->ShareNames, QStringLiteral("Carol\r\n"));
-    clsDbXml reread(settings);
-    reread.LoadDB(events.DBFilename());
-    ASSERT_TRUE(reread.ReadEvent(mine->IDCode));
-    EXPECT_EQ(reread.ReadEvent(mine->IDCode)->ShareNames, QStringLiteral("Carol\r\n"));
-    EXPECT_EQ(window->model().cellText(window->SelectedRow(), EventListModel::ColSharedWith),
-              QStringLiteral("Carol"));
 }
 
 TEST_F(MainWindow, ToolbarOpensTheOtherWindows) {
@@ -511,58 +374,27 @@ TEST_F(MainWindow, ToolbarOpensTheOtherWindows) {
     EXPECT_TRUE(window->refreshTimer().isActive());
 }
 
-// ---- start-up ----
-
-TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabaseAndCancelEnds) {
-    bool optionsShown = false;
-    StartUp startUp(context, [&](AppContext& c) {
-        optionsShown = true;
-        EXPECT_TRUE(c.events.DBFilename().isEmpty() || c.events.RecordCount() == 0);
-        return false;
-    });
+// A first start asks for the options before any database is opened: cancel
+// ends the program, saving starts it. (Saving the defaults through the real
+// program is run by tests/e2e/first_start.sh.)
+TEST_F(MainWindow, FirstStartAsksForOptionsBeforeAnyDatabase) {
     events.SetDBFilename(QString());
-    EXPECT_FALSE(startUp.Run());
-    EXPECT_TRUE(optionsShown);
-    EXPECT_TRUE(events.DBFilename().isEmpty()) << "no database was opened";
-    const QStringList log = LoggedTexts();
-    EXPECT_TRUE(log.contains(QStringLiteral("Loading category names")));
-    EXPECT_FALSE(log.contains(QStringLiteral("Loading local events")));
-}
-
-TEST_F(MainWindow, FirstStartWithTheDefaultOptionsKeepsAlarmSounds) {
-    StartUp startUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); });
-    WhenModalAppears([](QWidget* options) {
-        options->findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
-    });
-    ASSERT_TRUE(startUp.Run());
-    EXPECT_FALSE(dialogs.texts().contains(
-        QStringLiteral("Cannot find specified WAV file. Sounds disabled.")));
-    EXPECT_FALSE(settings.sGet(QStringLiteral("NoSounds"), false).toBool());
-    EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("alarm.wav"))));
-}
-
-TEST_F(MainWindow, StartUpLogsItsStepsInOrder) {
-    WriteFileBytes(context.settingsFile, "OWNER,Ann\r\nNOAUTOBACKUPS,-1 \r\n");
-    StartUp startUp(context, [](AppContext&) { return false; });
-    ASSERT_TRUE(startUp.Run());
-    const QStringList log = LoggedTexts();
-    const QStringList steps = {QStringLiteral("TVO Startup"),
-                               QStringLiteral("Options loaded"),
-                               QStringLiteral("Loading category names"),
-                               QStringLiteral("DB file: ") +
-                                   AppPaths::JoinPath(home.path(), QStringLiteral("Events.xml")),
-                               QStringLiteral("Loading local events"),
-                               QStringLiteral("Local events loaded"),
-                               QStringLiteral("Loading expired events"),
-                               QStringLiteral("Expired events loaded"),
-                               QStringLiteral("Autobackups disabled")};
-    qsizetype at = 0;
-    for (const QString& step : steps) {
-        const qsizetype found = log.indexOf(step, at);
-        EXPECT_GE(found, at) << step.toStdString();
-        at = std::max(at, found);
+    for (const char* button : {"cmdAbort", "cmdSave"}) {
+        dialogs.clear();
+        WhenModalAppears([button](QWidget* options) {
+            options->findChild<QPushButton*>(QString::fromLatin1(button))->click();
+        });
+        const bool started =
+            StartUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); }).Run();
+        EXPECT_EQ(started, button[3] == 'S') << button;
+        EXPECT_EQ(dialogs.texts(),
+                  QStringList{QStringLiteral(
+                      "Reminder options not set. Please type in requested information.")});
+        EXPECT_EQ(QFileInfo::exists(context.settingsFile), started);
+        EXPECT_EQ(events.DBFilename(), started ? home.file(QStringLiteral("Events.xml")) : "")
+            << "no database is opened before the options are saved";
     }
-    EXPECT_EQ(events.DBFilename(), home.file(QStringLiteral("Events.xml")));
+    EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
 }
 
 } // namespace

@@ -72,8 +72,13 @@ struct Planned {
 CommandResult Export(const QList<EventPtr>& events, const clsLayers& layers, const QString& path) {
     std::vector<IcalComponent> written;
     QMap<QString, int> single;
+    int late = 0;
     for (const EventPtr& e : events) {
         if (!e || e->Deleted) {
+            continue;
+        }
+        if (!Writable(*e)) {
+            ++late;
             continue;
         }
         const int layer = e->Layer();
@@ -101,6 +106,11 @@ CommandResult Export(const QList<EventPtr>& events, const clsLayers& layers, con
                    QStringLiteral(" repeating with a rule that cannot repeat, written as their "
                                   "next occurrence only: ") +
                    reasons(single) + QLatin1Char('.');
+    }
+    if (late > 0) {
+        message += QLatin1Char(' ') + countText(late, "event", "events") +
+                   QStringLiteral(" dated after the year 3000 left out: iCalendar files "
+                                  "cannot hold them here.");
     }
     return {CommandResult::kDone, message};
 }

@@ -9,6 +9,7 @@
 #include <QTimeZone>
 #include <QUrl>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <functional>
@@ -181,6 +182,17 @@ icaltimetype dateOf(DateValue day) {
     t.day = DayOf(day);
     return t;
 }
+
+} // namespace
+
+bool Writable(const clsEvent& event) {
+    const IcsRecurrence::Pattern pattern = IcsRecurrence::Write(event);
+    const auto early = [](DateValue day) { return YearOf(day) <= kLastYear; };
+    return early(pattern.start) && std::all_of(pattern.extra.begin(), pattern.extra.end(), early) &&
+           std::all_of(pattern.excluded.begin(), pattern.excluded.end(), early);
+}
+
+namespace {
 
 // A day, with the event's time of day when it is timed (floating: local time).
 icaltimetype timeOf(DateValue day, const clsEvent& e) {
@@ -498,6 +510,10 @@ ReadEvent FromVEvent(icalcomponent* v, DateValue today, const Options& options) 
     const DateValue first = localValue(start, zone);
     if (!InDateRange(first)) {
         out.skipped = QStringLiteral("a start date outside years 100 to 9999");
+        return out;
+    }
+    if (YearOf(first) > kLastYear) {
+        out.skipped = QStringLiteral("a start date after the year 3000");
         return out;
     }
     auto event = std::make_shared<clsEvent>();

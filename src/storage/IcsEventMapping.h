@@ -32,6 +32,13 @@ struct Options {
     bool tarvoFields = true; // write and read the X-TARVO-* properties
 };
 
+// The last year whose dates the iCalendar library writes: a later DTSTART
+// comes out as a null time that no reader accepts.
+constexpr int kLastYear = 3000;
+
+// Whether every day the VEVENT of event names lies in kLastYear or before.
+bool Writable(const clsEvent& event);
+
 // The VEVENT of event; category is its layer's name ("" for none).
 IcalComponent ToVEvent(const clsEvent& event, const QString& category, const Options& options);
 

@@ -4,6 +4,7 @@
 #include "engine/CommandLineWork.h"
 #include "engine/CalendarTransfer.h"
 #include "shared/cSHAREDSettings.h"
+#include "storage/IcsEventMapping.h"
 #include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
 #include "support/TestSupport.h"
@@ -121,4 +122,26 @@ TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {
     EXPECT_EQ(events.Events().first()->IDCode.size(), 6);
     EXPECT_TRUE(eventsFile().contains("<Desc>Walk</Desc>"));
     EXPECT_TRUE(ReadFileBytes(home.file("Tvo.ini")).contains("LAYER19,Outdoor"));
+}
+
+// The iCalendar library writes no date after the year 3000: such an event is
+// neither imported nor exported, and the export says it left it out.
+TEST_F(CommandLineWorkTest, DatesAfterTheYear3000StayOutOfCalendarFiles) {
+    const CommandResult imported = CalendarTransfer::Import(
+        writeCalendar("BEGIN:VEVENT\r\nUID:a\r\nSUMMARY:Far\r\nDTSTART;VALUE=DATE:30010101\r\n"
+                      "END:VEVENT\r\nBEGIN:VEVENT\r\nUID:b\r\nSUMMARY:Near\r\n"
+                      "DTSTART;VALUE=DATE:30001231\r\nEND:VEVENT\r\n"),
+        store, TodayDate());
+    ASSERT_EQ(events.RecordCount(), 1) << imported.message.toStdString();
+    auto far = std::make_shared<clsEvent>(*events.Events().first());
+    far->setDueDate(D("3001-01-01"));
+    const QString out = home.file("out.ics");
+    const CommandResult exported =
+        CalendarTransfer::Export({events.Events().first(), far}, layers, out);
+    EXPECT_TRUE(exported.message.startsWith("Exported 1 event to "));
+    EXPECT_TRUE(exported.message.endsWith(
+        " 1 event dated after the year 3000 left out: iCalendar files cannot hold them here."));
+    const IcsEventMapping::Calendar written = IcsEventMapping::ParseCalendar(ReadFileBytes(out));
+    EXPECT_EQ(written.error, QString());
+    EXPECT_EQ(written.events.size(), 1);
 }

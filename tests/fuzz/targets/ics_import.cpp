@@ -34,7 +34,11 @@ TARVO_FUZZ_TARGET(ics_import) {
     const QString out = folder + QStringLiteral("/out.ics");
     CalendarTransfer::Export(again.Events(), layers, out);
     const IcsEventMapping::Calendar exported = IcsEventMapping::ParseCalendar(Fuzz::Get(out));
-    if (!exported.error.isEmpty() || exported.events.size() != again.RecordCount()) {
+    qsizetype writable = 0;
+    for (const EventPtr& e : again.Events()) {
+        writable += !e->Deleted && IcsEventMapping::Writable(*e) ? 1 : 0;
+    }
+    if (!exported.error.isEmpty() || exported.events.size() != writable) {
         Fuzz::Fail(QStringLiteral("an exported calendar does not read back: ") + exported.error);
     }
 }

@@ -19,13 +19,10 @@ namespace {
 class SettingsFileTest : public ::testing::Test {
 protected:
     QString ini() const { return home.file(QStringLiteral("Tvo.ini")); }
-
-    // Writes the bytes as the settings file and loads it.
     void load(const QByteArray& bytes) {
         ASSERT_TRUE(WriteFileBytes(ini(), bytes));
         settings.LoadSettings(ini());
     }
-
     QByteArray saved() {
         EXPECT_TRUE(settings.SaveSettings(ini()));
         return ReadFileBytes(ini());
@@ -41,53 +38,30 @@ TEST_F(SettingsFileTest, SavesUpperCasedKeysIntegersInPrintLayoutWindows1252AndC
     settings.sSet("Timer", 9000);
     settings.sSet("NoSounds", true);
     settings.sSet("networked", false);
-    settings.sSet("DataPath", "C:\\Tarvo Data");
+    settings.sSet("DataPath", "C:\\Tarvo, Data");
     settings.sSet("Empty", SettingValue());
     settings.sSet("Owner", QStringLiteral("J\u00FCrgen \u20AC"));
-    EXPECT_EQ(saved(), QByteArray("TIMER, 9000 \r\n"
-                                  "NOSOUNDS,-1 \r\n"
-                                  "NETWORKED, 0 \r\n"
-                                  "DATAPATH,C:\\Tarvo Data\r\n"
-                                  "EMPTY,\r\n"
-                                  "OWNER,J\xFCrgen \x80\r\n"));
+    EXPECT_EQ(saved(),
+              QByteArray("TIMER, 9000 \r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n"
+                         "DATAPATH,C:\\Tarvo, Data\r\nEMPTY,\r\nOWNER,J\xFCrgen \x80\r\n"));
 }
 
-TEST_F(SettingsFileTest, SavedFileLoadsBackToTheSameReadings) {
-    settings.sSet("Timer", 9000);
-    settings.sSet("Flag", true);
-    settings.sSet("Owner", "Fred,Smith");
-    ASSERT_TRUE(settings.SaveSettings(ini()));
-
-    cSHAREDSettings again;
-    again.LoadSettings(ini());
-    EXPECT_EQ(again.SettingsCount(), 3);
-    EXPECT_EQ(again.sGet("timer").toInt(), 9000);
-    EXPECT_TRUE(again.sGet("flag").toBool());
-    EXPECT_EQ(again.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
-    EXPECT_EQ(again.FileBytes(), settings.FileBytes());
-}
-
-TEST_F(SettingsFileTest, FileValuesStayTextWithTheirBlanks) {
-    load("NOSOUNDS,-1 \r\nNETWORKED, 0 \r\n");
-    const SettingValue noSounds = settings.sGet("NoSounds");
-    EXPECT_TRUE(noSounds.isText());
-    EXPECT_EQ(noSounds.toText(), QStringLiteral("-1 "));
-    EXPECT_TRUE(noSounds.toBool());
-    EXPECT_FALSE(settings.sGet("Networked").toBool());
-    EXPECT_EQ(settings.sGet("Networked").toInt16(), 0);
-}
-
-// Lines split at their first comma; lines without a key are skipped; a later
-// duplicate replaces the value in the first one's place; bare LF ends a line.
+// Lines split at their first comma and keep their blanks as text; lines without
+// a key are skipped; a later duplicate replaces the value in the first one's
+// place; bare LF ends a line.
 TEST_F(SettingsFileTest, LinesKeysAndDuplicates) {
     load("OWNER,Fred,Smith\r\nno comma here\r\n,starts with comma\r\n  ,blank key\r\n"
-         "GOOD,1\nB,2\r\n\r\ngood,3\r\n");
-    ASSERT_EQ(settings.SettingsCount(), 3);
+         "GOOD,1\nB,2\r\n\r\ngood,3\r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n");
+    ASSERT_EQ(settings.SettingsCount(), 5);
     EXPECT_EQ(settings.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
     EXPECT_EQ(settings.SettingNameByIndex(2), QStringLiteral("GOOD"));
     EXPECT_EQ(settings.sGet("Good").toText(), QStringLiteral("3"));
+    EXPECT_EQ(settings.sGet("NoSounds"), SettingValue("-1 "));
+    EXPECT_TRUE(settings.sGet("NoSounds").toBool());
+    EXPECT_FALSE(settings.sGet("Networked").toBool());
     EXPECT_TRUE(reports.texts().isEmpty());
 }
+
 TEST_F(SettingsFileTest, TrueAndFalseTextsBecomeIntegersOnLoad) {
     settings.setLocaleBooleanWords(QStringLiteral("Wahr"), QStringLiteral("Falsch"));
     load("A, true \r\nB,FALSE\r\nC,wahr\r\nD, falsch\r\nE,truely\r\n");
@@ -95,21 +69,16 @@ TEST_F(SettingsFileTest, TrueAndFalseTextsBecomeIntegersOnLoad) {
     EXPECT_EQ(settings.sGet("B"), SettingValue(0));
     EXPECT_EQ(settings.sGet("C"), SettingValue(-1));
     EXPECT_EQ(settings.sGet("D"), SettingValue(0));
-    EXPECT_EQ(settings.sGet("E"), SettingValue("truely"));
     EXPECT_EQ(saved(), QByteArray("A,-1 \r\nB, 0 \r\nC,-1 \r\nD, 0 \r\nE,truely\r\n"));
 }
 
-TEST_F(SettingsFileTest, LoadReplacesEverythingAndMissingFileLeavesStoreEmpty) {
+TEST_F(SettingsFileTest, LoadReplacesEverythingAndMissingOrUnreadableFilesLeaveItEmpty) {
     settings.sSet("Old", 1);
     settings.LoadSettings(home.file(QStringLiteral("missing.ini")));
     EXPECT_EQ(settings.SettingsCount(), 0);
     EXPECT_EQ(settings.sGet("Old", 7).toInt(), 7);
+    EXPECT_TRUE(reports.texts().isEmpty());
 
-    load("");
-    EXPECT_EQ(settings.SettingsCount(), 0);
-}
-
-TEST_F(SettingsFileTest, UnreadableFileGoesToTheErrorReport) {
     // A folder under the file's name cannot be read as a file.
     ASSERT_TRUE(QDir(home.path()).mkdir(QStringLiteral("Tvo.ini")));
     settings.LoadSettings(ini());
@@ -120,19 +89,32 @@ TEST_F(SettingsFileTest, UnreadableFileGoesToTheErrorReport) {
     EXPECT_TRUE(reports.texts().first().endsWith(QStringLiteral(" of ") + ini()));
 }
 
-TEST(Settings, KeysIgnoreCaseAndCommas) {
+TEST(Settings, KeysIgnoreCaseAndCommasAndDeletingKeepsTheOrder) {
     cSHAREDSettings s;
     s.sSet("My,Key", "v");
     EXPECT_EQ(s.SettingNameByIndex(1), QStringLiteral("MyKey"));
-    EXPECT_TRUE(s.IsSettingPresent("MYKEY"));
     EXPECT_TRUE(s.IsSettingPresent("my,key"));
-    EXPECT_EQ(s.sGet("mykey").toText(), QStringLiteral("v"));
-
+    EXPECT_EQ(s.sGet("MYKEY").toText(), QStringLiteral("v"));
     s.sSet("Datapath", "a");
     s.sSet("DataPath", "b");
-    EXPECT_EQ(s.SettingsCount(), 2);
+    ASSERT_EQ(s.SettingsCount(), 2);
     EXPECT_EQ(s.SettingNameByIndex(2), QStringLiteral("Datapath"));
     EXPECT_EQ(s.sGet("DATAPATH").toText(), QStringLiteral("b"));
+
+    for (const char* k : {"C", "D"}) {
+        s.sSet(k, k);
+    }
+    s.DeleteSettingByName("datapath");
+    s.DeleteSettingByName("nothing");
+    s.DeleteSettingByName("MYKEY");
+    ASSERT_EQ(s.SettingsCount(), 2);
+    EXPECT_EQ(s.SettingNameByIndex(1), QStringLiteral("C"));
+    EXPECT_EQ(s.SettingNameByIndex(2), QStringLiteral("D"));
+    EXPECT_EQ(s.sGet("D").toText(), QStringLiteral("D"));
+    s.sSet("B", "again");
+    EXPECT_EQ(s.SettingNameByIndex(3), QStringLiteral("B"));
+    s.DeleteAllSettings();
+    EXPECT_FALSE(s.IsSettingPresent("C"));
 }
 
 TEST(Settings, TextTrueAndFalseComeBackAsBooleans) {
@@ -141,49 +123,19 @@ TEST(Settings, TextTrueAndFalseComeBackAsBooleans) {
     const struct {
         const char* stored;
         SettingValue expected;
-    } cases[] = {
-        {" true ", SettingValue(true)},   {"TRUE", SettingValue(true)},
-        {"False", SettingValue(false)},   {" WAHR", SettingValue(true)},
-        {"falsch ", SettingValue(false)}, {"truth", SettingValue("truth")},
-        {"-1", SettingValue("-1")},
-    };
+    } cases[] = {{" true ", true},          {"TRUE", true},     {"False", false},
+                 {" WAHR", true},           {"falsch ", false}, {"truth", SettingValue("truth")},
+                 {"-1", SettingValue("-1")}};
     for (const auto& c : cases) {
         s.sSet("K", c.stored);
         EXPECT_EQ(s.sGet("K"), c.expected) << c.stored;
     }
 }
 
-TEST(Settings, DeletingKeepsTheOrderOfTheRest) {
-    cSHAREDSettings s;
-    for (const char* k : {"A", "B", "C", "D"}) {
-        s.sSet(k, k);
-    }
-    s.DeleteSettingByName("b");
-    s.DeleteSettingByName("nothing");
-    s.DeleteSettingByName("A");
-    ASSERT_EQ(s.SettingsCount(), 2);
-    EXPECT_EQ(s.SettingNameByIndex(1), QStringLiteral("C"));
-    EXPECT_EQ(s.SettingNameByIndex(2), QStringLiteral("D"));
-    EXPECT_EQ(s.sGet("D").toText(), QStringLiteral("D"));
-    s.sSet("B", "again");
-    EXPECT_EQ(s.SettingNameByIndex(3), QStringLiteral("B"));
-    s.DeleteAllSettings();
-    EXPECT_EQ(s.SettingsCount(), 0);
-    EXPECT_FALSE(s.IsSettingPresent("C"));
-}
-
-} // namespace
-
-namespace {
-
-const QString kDiskFullTail =
-    QStringLiteral(":\rPlease clear some space and then click Retry, else click Cancel to abort.");
-
 // Real file operations, except for failures the test asks for.
 class ScriptedFileAccess : public SettingsFileAccess {
 public:
-    // Results handed out by the next writes before the real write takes over.
-    QList<AtomicFile::Status> failures;
+    QList<AtomicFile::Status> failures; // handed out by the next writes
     bool canMakeWritable = true;
     int writes = 0;
     int makeWritableCalls = 0;
@@ -192,9 +144,10 @@ public:
         ++writes;
         if (!failures.isEmpty()) {
             const AtomicFile::Status st = failures.takeFirst();
-            return {st, st == AtomicFile::Status::DiskFull ? 61 : 57,
-                    st == AtomicFile::Status::DiskFull ? QStringLiteral("No space left on device")
-                                                       : QStringLiteral("Device I/O error")};
+            const bool full = st == AtomicFile::Status::DiskFull;
+            return {st, full ? 61 : 57,
+                    full ? QStringLiteral("No space left on device")
+                         : QStringLiteral("Device I/O error")};
         }
         return SettingsFileAccess::Write(path, bytes);
     }
@@ -212,10 +165,6 @@ protected:
         settings.sSet("Timer", 9000);
     }
     QString ini() const { return home.file(QStringLiteral("Tvo.ini")); }
-    void makeReadOnly() {
-        ASSERT_TRUE(QFile::setPermissions(ini(), QFile::ReadOwner | QFile::ReadGroup));
-        ASSERT_TRUE(AtomicFile::IsReadOnly(ini()));
-    }
 
     const QByteArray kOld = "OLD,contents\r\n";
     const QByteArray kNew = "TIMER, 9000 \r\n";
@@ -226,17 +175,9 @@ protected:
     cSHAREDSettings settings{&dialogs};
 };
 
-TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCanBeMadeWritableSavesWithoutAMessage) {
-    makeReadOnly();
-    EXPECT_TRUE(settings.SaveSettings(ini()));
-    EXPECT_EQ(ReadFileBytes(ini()), kNew);
-    EXPECT_FALSE(AtomicFile::IsReadOnly(ini()));
-    EXPECT_EQ(dialogs.count(), 0);
-    EXPECT_TRUE(reports.texts().isEmpty());
-}
-
-TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCannotBeChangedIsLeftAloneAndToldOnce) {
-    makeReadOnly();
+TEST_F(SettingsSaveFailureTest, ReadOnlyFileIsMadeWritableOrLeftAloneAndToldOnce) {
+    ASSERT_TRUE(QFile::setPermissions(ini(), QFile::ReadOwner | QFile::ReadGroup));
+    ASSERT_TRUE(AtomicFile::IsReadOnly(ini()));
     access.canMakeWritable = false;
     EXPECT_FALSE(settings.SaveSettings(ini()));
     EXPECT_FALSE(settings.SaveSettings(ini()));
@@ -245,10 +186,12 @@ TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCannotBeChangedIsLeftAloneAndTol
               QStringList{QStringLiteral("Unable to save ") + ini() +
                           QStringLiteral(": the file is read-only and cannot be made writable.")});
     EXPECT_EQ(reports.secondTexts(), QStringList{SaveFailures::AdviceText()});
-    EXPECT_EQ(dialogs.count(), 0);
-    access.canMakeWritable = true; // the user fixed it: the next save writes
+    access.canMakeWritable = true; // the user fixed it: the next save writes, without a word
     EXPECT_TRUE(settings.SaveSettings(ini()));
     EXPECT_EQ(ReadFileBytes(ini()), kNew);
+    EXPECT_FALSE(AtomicFile::IsReadOnly(ini()));
+    EXPECT_EQ(reports.texts().size(), 1);
+    EXPECT_EQ(dialogs.count(), 0);
 }
 
 TEST_F(SettingsSaveFailureTest, RefusedAgainAfterMakingWritableGivesUpWithTheMessage) {
@@ -260,26 +203,31 @@ TEST_F(SettingsSaveFailureTest, RefusedAgainAfterMakingWritableGivesUpWithTheMes
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
 }
 
-TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancelAndRetrySavesAgain) {
+TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancel) {
     access.failures = {AtomicFile::Status::DiskFull, AtomicFile::Status::DiskFull};
     dialogs.answerRetry().answerRetry();
     EXPECT_TRUE(settings.SaveSettings(ini()));
     EXPECT_EQ(access.writes, 3);
-    ASSERT_EQ(dialogs.count(), 2);
-    const ScriptedDialogs::Shown& asked = dialogs.shown().first();
-    EXPECT_EQ(asked.kind, ScriptedDialogs::Kind::RetryCancel);
-    EXPECT_TRUE(asked.text.startsWith(QStringLiteral("You've run out of disk space on drive ")));
-    EXPECT_TRUE(asked.text.endsWith(kDiskFullTail));
     EXPECT_EQ(ReadFileBytes(ini()), kNew);
-}
+    ASSERT_EQ(dialogs.count(), 2);
+    EXPECT_EQ(dialogs.shown().first().kind, ScriptedDialogs::Kind::RetryCancel);
+    EXPECT_TRUE(dialogs.shown().first().text.startsWith(
+        QStringLiteral("You've run out of disk space on drive ")));
+    EXPECT_TRUE(dialogs.shown().first().text.endsWith(QStringLiteral(
+        ":\rPlease clear some space and then click Retry, else click Cancel to abort.")));
 
-TEST_F(SettingsSaveFailureTest, FullDiskCancelKeepsTheOldFile) {
+    ASSERT_TRUE(WriteFileBytes(ini(), kOld));
     access.failures = {AtomicFile::Status::DiskFull};
     dialogs.answerCancel();
     EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(access.writes, 1);
+    EXPECT_EQ(access.writes, 4);
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
     EXPECT_TRUE(dialogs.allAnswersUsed());
+
+    EXPECT_EQ(DriveOfPath(QStringLiteral("C:\\Program Files\\Tarvo\\Tvo.ini")),
+              QStringLiteral("C"));
+    EXPECT_EQ(DriveOfPath(QStringLiteral("d:/data/Tvo.ini")), QStringLiteral("d"));
+    EXPECT_FALSE(DriveOfPath(QDir::tempPath() + QStringLiteral("/Tvo.ini")).isEmpty());
 }
 
 TEST_F(SettingsSaveFailureTest, OtherErrorGoesToTheErrorReport) {
@@ -289,6 +237,16 @@ TEST_F(SettingsSaveFailureTest, OtherErrorGoesToTheErrorReport) {
                                            QStringLiteral(": 57 - Device I/O error.")});
     EXPECT_EQ(dialogs.count(), 0);
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
+}
+
+TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {
+    TempHome home;
+    ScriptedFileAccess access;
+    access.failures = {AtomicFile::Status::DiskFull};
+    cSHAREDSettings s;
+    s.setFileAccess(&access);
+    EXPECT_FALSE(s.SaveSettings(home.file(QStringLiteral("Tvo.ini"))));
+    EXPECT_EQ(access.writes, 1);
 }
 
 TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
@@ -320,23 +278,6 @@ TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
     // No half-written temporary is left beside it.
     EXPECT_EQ(QDir(home.path()).entryList({QStringLiteral("Tvo.ini*")}, QDir::Files | QDir::Hidden),
               QStringList{QStringLiteral("Tvo.ini")});
-}
-
-TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {
-    TempHome home;
-    ScriptedFileAccess access;
-    access.failures = {AtomicFile::Status::DiskFull};
-    cSHAREDSettings s;
-    s.setFileAccess(&access);
-    EXPECT_FALSE(s.SaveSettings(home.file(QStringLiteral("Tvo.ini"))));
-    EXPECT_EQ(access.writes, 1);
-}
-
-TEST(SettingsSave, DriveOfAPath) {
-    EXPECT_EQ(DriveOfPath(QStringLiteral("C:\\Program Files\\Tarvo\\Tvo.ini")),
-              QStringLiteral("C"));
-    EXPECT_EQ(DriveOfPath(QStringLiteral("d:/data/Tvo.ini")), QStringLiteral("d"));
-    EXPECT_FALSE(DriveOfPath(QDir::tempPath() + QStringLiteral("/Tvo.ini")).isEmpty());
 }
 
 } // namespace

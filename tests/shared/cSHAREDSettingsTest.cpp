@@ -62,14 +62,23 @@ TEST_F(SettingsFileTest, LinesKeysAndDuplicates) {
     EXPECT_TRUE(reports.texts().isEmpty());
 }
 
-TEST_F(SettingsFileTest, TrueAndFalseTextsBecomeIntegersOnLoad) {
+// True and false words (English or the locale's, any case, blanks around) become
+// -1 and 0 when the file is loaded, and read as booleans when set as text.
+TEST_F(SettingsFileTest, TrueAndFalseWords) {
     settings.setLocaleBooleanWords(QStringLiteral("Wahr"), QStringLiteral("Falsch"));
     load("A, true \r\nB,FALSE\r\nC,wahr\r\nD, falsch\r\nE,truely\r\n");
-    EXPECT_EQ(settings.sGet("A"), SettingValue(-1));
-    EXPECT_EQ(settings.sGet("B"), SettingValue(0));
-    EXPECT_EQ(settings.sGet("C"), SettingValue(-1));
-    EXPECT_EQ(settings.sGet("D"), SettingValue(0));
     EXPECT_EQ(saved(), QByteArray("A,-1 \r\nB, 0 \r\nC,-1 \r\nD, 0 \r\nE,truely\r\n"));
+    EXPECT_EQ(settings.sGet("A"), SettingValue(-1));
+    EXPECT_EQ(settings.sGet("D"), SettingValue(0));
+
+    const QList<QPair<const char*, SettingValue>> set = {
+        {" true ", true},          {"TRUE", true},     {"False", false},
+        {" WAHR", true},           {"falsch ", false}, {"truth", SettingValue("truth")},
+        {"-1", SettingValue("-1")}};
+    for (const auto& [stored, expected] : set) {
+        settings.sSet("K", stored);
+        EXPECT_EQ(settings.sGet("K"), expected) << stored;
+    }
 }
 
 TEST_F(SettingsFileTest, LoadReplacesEverythingAndMissingOrUnreadableFilesLeaveItEmpty) {
@@ -115,21 +124,6 @@ TEST(Settings, KeysIgnoreCaseAndCommasAndDeletingKeepsTheOrder) {
     EXPECT_EQ(s.SettingNameByIndex(3), QStringLiteral("B"));
     s.DeleteAllSettings();
     EXPECT_FALSE(s.IsSettingPresent("C"));
-}
-
-TEST(Settings, TextTrueAndFalseComeBackAsBooleans) {
-    cSHAREDSettings s;
-    s.setLocaleBooleanWords(QStringLiteral("Wahr"), QStringLiteral("Falsch"));
-    const struct {
-        const char* stored;
-        SettingValue expected;
-    } cases[] = {{" true ", true},          {"TRUE", true},     {"False", false},
-                 {" WAHR", true},           {"falsch ", false}, {"truth", SettingValue("truth")},
-                 {"-1", SettingValue("-1")}};
-    for (const auto& c : cases) {
-        s.sSet("K", c.stored);
-        EXPECT_EQ(s.sGet("K"), c.expected) << c.stored;
-    }
 }
 
 // Real file operations, except for failures the test asks for.
@@ -194,15 +188,6 @@ TEST_F(SettingsSaveFailureTest, ReadOnlyFileIsMadeWritableOrLeftAloneAndToldOnce
     EXPECT_EQ(dialogs.count(), 0);
 }
 
-TEST_F(SettingsSaveFailureTest, RefusedAgainAfterMakingWritableGivesUpWithTheMessage) {
-    access.failures = {AtomicFile::Status::AccessDenied, AtomicFile::Status::AccessDenied};
-    EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(access.writes, 2);
-    EXPECT_EQ(access.makeWritableCalls, 1);
-    EXPECT_EQ(reports.texts().size(), 1);
-    EXPECT_EQ(ReadFileBytes(ini()), kOld);
-}
-
 TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancel) {
     access.failures = {AtomicFile::Status::DiskFull, AtomicFile::Status::DiskFull};
     dialogs.answerRetry().answerRetry();
@@ -223,6 +208,11 @@ TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancel) {
     EXPECT_EQ(access.writes, 4);
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
     EXPECT_TRUE(dialogs.allAnswersUsed());
+    cSHAREDSettings withoutDialogs; // answers Cancel itself
+    withoutDialogs.setFileAccess(&access);
+    access.failures = {AtomicFile::Status::DiskFull};
+    EXPECT_FALSE(withoutDialogs.SaveSettings(ini()));
+    EXPECT_EQ(access.writes, 5);
 
     EXPECT_EQ(DriveOfPath(QStringLiteral("C:\\Program Files\\Tarvo\\Tvo.ini")),
               QStringLiteral("C"));
@@ -230,23 +220,21 @@ TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancel) {
     EXPECT_FALSE(DriveOfPath(QDir::tempPath() + QStringLiteral("/Tvo.ini")).isEmpty());
 }
 
-TEST_F(SettingsSaveFailureTest, OtherErrorGoesToTheErrorReport) {
+// Other errors, and a refusal that remains after making the file writable, go
+// to the error report without a question (once until a save succeeds).
+TEST_F(SettingsSaveFailureTest, OtherErrorsGoToTheErrorReport) {
     access.failures = {AtomicFile::Status::OtherError};
     EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_EQ(ReadFileBytes(ini()), kOld);
     EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("Unable to save ") + ini() +
                                            QStringLiteral(": 57 - Device I/O error.")});
+    EXPECT_TRUE(settings.SaveSettings(ini()));
+    access.failures = {AtomicFile::Status::AccessDenied, AtomicFile::Status::AccessDenied};
+    EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_EQ(access.writes, 4);
+    EXPECT_EQ(access.makeWritableCalls, 1);
+    EXPECT_EQ(reports.texts().size(), 2);
     EXPECT_EQ(dialogs.count(), 0);
-    EXPECT_EQ(ReadFileBytes(ini()), kOld);
-}
-
-TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {
-    TempHome home;
-    ScriptedFileAccess access;
-    access.failures = {AtomicFile::Status::DiskFull};
-    cSHAREDSettings s;
-    s.setFileAccess(&access);
-    EXPECT_FALSE(s.SaveSettings(home.file(QStringLiteral("Tvo.ini"))));
-    EXPECT_EQ(access.writes, 1);
 }
 
 TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {

@@ -35,7 +35,6 @@ TEST(DateSubs, ProbeGivesFormatsFieldsAndSeparator) {
         cSharedDateSubs subs(QString::fromUtf8(p.probe),
                              QLocale(QLocale::English, QLocale::UnitedStates));
         EXPECT_EQ(subs.DateFormatString, QString::fromUtf8(p.format));
-        EXPECT_EQ(subs.LocalDateFormat(), QString::fromUtf8(p.format));
         EXPECT_EQ(subs.FullDateFormatString, QString::fromUtf8(p.fullFormat));
         EXPECT_EQ(subs.FullDateFormatPlusTimeString, QString::fromUtf8(p.fullFormat) + " HH:MM");
         EXPECT_EQ(subs.DateSeparator, QString::fromUtf8(p.separator));

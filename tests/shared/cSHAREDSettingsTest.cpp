@@ -151,22 +151,17 @@ public:
     }
 };
 
-class SettingsSaveFailureTest : public ::testing::Test {
+class SettingsSaveFailureTest : public SettingsFileTest {
 protected:
     void SetUp() override {
         ASSERT_TRUE(WriteFileBytes(ini(), kOld));
         settings.setFileAccess(&access);
         settings.sSet("Timer", 9000);
     }
-    QString ini() const { return home.file(QStringLiteral("Tvo.ini")); }
 
     const QByteArray kOld = "OLD,contents\r\n";
     const QByteArray kNew = "TIMER, 9000 \r\n";
-    TempHome home;
-    ScriptedDialogs dialogs;
-    RecordedErrorReports reports;
     ScriptedFileAccess access;
-    cSHAREDSettings settings{&dialogs};
 };
 
 TEST_F(SettingsSaveFailureTest, ReadOnlyFileIsMadeWritableOrLeftAloneAndToldOnce) {
@@ -237,32 +232,28 @@ TEST_F(SettingsSaveFailureTest, OtherErrorsGoToTheErrorReport) {
     EXPECT_EQ(dialogs.count(), 0);
 }
 
-TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
-    TempHome home;
-    const QString ini = home.file(QStringLiteral("Tvo.ini"));
+TEST_F(SettingsFileTest, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
     const QByteArray old = "OLD,contents\r\n";
-    ASSERT_TRUE(WriteFileBytes(ini, old));
-    cSHAREDSettings s;
+    ASSERT_TRUE(WriteFileBytes(ini(), old));
     for (int i = 0; i < 200; ++i) {
-        s.sSet(QStringLiteral("Key%1").arg(i), QString(40, QLatin1Char('x')));
+        settings.sSet(QStringLiteral("Key%1").arg(i), QString(40, QLatin1Char('x')));
     }
-    RecordedErrorReports reports;
 
     // A file size limit makes the real write fail part of the way through.
-    rlimit saved{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
     const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit small = saved;
+    rlimit small = limit;
     small.rlim_cur = 1024;
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool ok = s.SaveSettings(ini);
-    setrlimit(RLIMIT_FSIZE, &saved);
+    const bool ok = settings.SaveSettings(ini());
+    setrlimit(RLIMIT_FSIZE, &limit);
     std::signal(SIGXFSZ, oldHandler);
 
     EXPECT_FALSE(ok);
-    EXPECT_EQ(ReadFileBytes(ini), old);
+    EXPECT_EQ(ReadFileBytes(ini()), old);
     ASSERT_EQ(reports.texts().size(), 1);
-    EXPECT_TRUE(reports.texts().first().startsWith(QStringLiteral("Unable to save ") + ini));
+    EXPECT_TRUE(reports.texts().first().startsWith(QStringLiteral("Unable to save ") + ini()));
     // No half-written temporary is left beside it.
     EXPECT_EQ(QDir(home.path()).entryList({QStringLiteral("Tvo.ini*")}, QDir::Files | QDir::Hidden),
               QStringList{QStringLiteral("Tvo.ini")});

@@ -106,11 +106,11 @@ TEST(Recurrence, WorkedExamples) {
         FixedClock clock(QString::fromLatin1(c.clock));
         clsEvent e = makeEvent(c.rule);
         e.MailSent = true;
-        if (c.from == nullptr) {
-            e.CalcNextDueDate();
-        } else {
-            e.CalcNextAfterDate(D(QString::fromLatin1(c.from)));
-        }
+        auto calc = [&] {
+            c.from == nullptr ? e.CalcNextDueDate()
+                              : e.CalcNextAfterDate(D(QString::fromLatin1(c.from)));
+        };
+        calc();
         EXPECT_EQ(FormatYMD(e.DueDate()), QString::fromLatin1(c.due)) << c.what;
         EXPECT_FALSE(e.MailSent) << c.what << ": every recomputation re-arms the mail alert";
         if (c.rule.type == 2 || c.rule.type == 3 || c.rule.type == 5) {
@@ -118,8 +118,7 @@ TEST(Recurrence, WorkedExamples) {
         }
         // Recomputing with the same argument gives the same answer.
         const DateValue first = e.DueDate();
-        c.from == nullptr ? e.CalcNextDueDate()
-                          : e.CalcNextAfterDate(D(QString::fromLatin1(c.from)));
+        calc();
         EXPECT_EQ(e.DueDate(), first) << c.what << " (second time)";
     }
 }

@@ -90,15 +90,6 @@ TEST(DateValue, ParseRefusesWhatIsNoDate) {
     }
 }
 
-TEST(DateValue, IsBeforeDateComparesWholeDays) {
-    FixedClock clock(QStringLiteral("2009-03-05 15:00"));
-    EXPECT_EQ(TodayDate(), DateSerial(2009, 3, 5));
-    EXPECT_TRUE(IsBeforeDate(DateSerial(2009, 3, 4) + 0.99));
-    EXPECT_FALSE(IsBeforeDate(DateSerial(2009, 3, 5)));
-    EXPECT_FALSE(IsBeforeDate(DateSerial(2009, 3, 5) + 0.1)); // earlier today is not before
-    EXPECT_TRUE(IsBeforeDate(DateSerial(2009, 3, 5), DateSerial(2009, 3, 6)));
-}
-
 TEST(Clock, FixedAdvancedAndReset) {
     {
         FixedClock clock(QStringLiteral("2009-12-31 23:59"));
@@ -106,6 +97,12 @@ TEST(Clock, FixedAdvancedAndReset) {
         Clock::advance(60);
         EXPECT_EQ(FormatYMDHM(Now()), QStringLiteral("2010-01-01 00:00"));
         EXPECT_EQ(TodayDate(), DateSerial(2010, 1, 1));
+        // Before today compares whole days: earlier today is not before.
+        Clock::advance(15 * 3600);
+        EXPECT_TRUE(IsBeforeDate(DateSerial(2009, 12, 31) + 0.99));
+        EXPECT_FALSE(IsBeforeDate(DateSerial(2010, 1, 1)));
+        EXPECT_FALSE(IsBeforeDate(DateSerial(2010, 1, 1) + 0.1));
+        EXPECT_TRUE(IsBeforeDate(DateSerial(2009, 3, 5), DateSerial(2009, 3, 6)));
     }
     EXPECT_TRUE(Clock::isSystem());
     const double drift = std::abs(Now() - FromQDateTime(QDateTime::currentDateTime()));

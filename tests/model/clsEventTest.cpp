@@ -17,20 +17,16 @@ TEST(clsEvent, DateSettersKeepTheDateOnly) {
 }
 
 TEST(clsEvent, NameInSharedMatchesEntryEndsIgnoringCase) {
+    // The end of an entry is anchored, its start is not (a tail matches); an entry
+    // without its CR LF is not listed.
+    // clang-format off
     struct Case {
-        const char* list;
-        const char* name;
+        const char *list, *name;
         bool expected;
-    } cases[] = {
-        {"Ann\r\n", "ann", true},
-        {"Anne\r\n", "Ann", false}, // the end of the entry is anchored
-        {"JoAnn\r\n", "Ann", true}, // its start is not: a tail matches
-        {"JimBob\r\nAnn\r\n", "Bob", true},
-        {"Ann\r\nBob\r\n", "BOB", true},
-        {"Ann", "Ann", false}, // an entry without its CR LF is not listed
-        {"", "Ann", false},
-        {"Ann\nBob\n", "Ann", false},
-    };
+    } cases[] = {{"Ann\r\n", "ann", true}, {"Anne\r\n", "Ann", false}, {"JoAnn\r\n", "Ann", true},
+                 {"JimBob\r\nAnn\r\n", "Bob", true}, {"Ann\r\nBob\r\n", "BOB", true},
+                 {"Ann", "Ann", false}, {"", "Ann", false}, {"Ann\nBob\n", "Ann", false}};
+    // clang-format on
     for (const Case& c : cases) {
         clsEvent e;
         e.ShareNames = QString::fromLatin1(c.list);
@@ -42,14 +38,12 @@ TEST(clsEvent, NameInSharedMatchesEntryEndsIgnoringCase) {
 TEST(clsEvent, DaysLeftCountsWholeDaysFromToday) {
     FixedClock clock(QStringLiteral("2009-03-05 23:30"));
     clsEvent e;
+    // clang-format off
     const struct {
         const char* due;
         int32_t days;
-    } cases[] = {{"2009-03-05", 0},
-                 {"2009-03-06", 1},
-                 {"2009-03-04", -1},
-                 {"2010-03-05", 365},
-                 {"2008-03-05", -365}};
+    } cases[] = {{"2009-03-05", 0}, {"2009-03-06", 1}, {"2009-03-04", -1}, {"2010-03-05", 365},
+                 {"2008-03-05", -365}}; // clang-format on
     for (const auto& c : cases) {
         e.setDueDate(D(QString::fromLatin1(c.due)));
         e.CalcDaysLeft();

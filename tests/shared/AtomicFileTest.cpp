@@ -21,26 +21,21 @@ TEST(AtomicFile, ReplacesTheWholeFileAndLeavesNoTemporaryBehind) {
         QStringList{QStringLiteral("data.xml")});
 }
 
-TEST(AtomicFile, RefusesAReadOnlyFileUntilMadeWritable) {
+TEST(AtomicFile, RefusesAReadOnlyFileUntilMadeWritableAndAMissingFolder) {
     TempHome home;
     const QString f = home.file(QStringLiteral("data.xml"));
     ASSERT_TRUE(WriteFileBytes(f, "old"));
     ASSERT_TRUE(QFile::setPermissions(f, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
     EXPECT_TRUE(AtomicFile::IsReadOnly(f));
-
     const AtomicFile::Result refused = AtomicFile::Write(f, "new");
     EXPECT_EQ(refused.status, AtomicFile::Status::AccessDenied);
     EXPECT_EQ(refused.errorNumber, 75);
     EXPECT_EQ(ReadFileBytes(f), QByteArray("old"));
-
     EXPECT_TRUE(AtomicFile::MakeWritable(f));
     EXPECT_FALSE(AtomicFile::IsReadOnly(f));
     EXPECT_TRUE(AtomicFile::Write(f, "new").ok());
     EXPECT_EQ(ReadFileBytes(f), QByteArray("new"));
-}
 
-TEST(AtomicFile, MissingFolderIsAnError) {
-    TempHome home;
     const AtomicFile::Result r =
         AtomicFile::Write(home.file(QStringLiteral("no/such/folder/x.ini")), "x");
     EXPECT_EQ(r.status, AtomicFile::Status::OtherError);

@@ -19,13 +19,10 @@ namespace {
 class SettingsFileTest : public ::testing::Test {
 protected:
     QString ini() const { return home.file(QStringLiteral("Tvo.ini")); }
-
-    // Writes the bytes as the settings file and loads it.
     void load(const QByteArray& bytes) {
         ASSERT_TRUE(WriteFileBytes(ini(), bytes));
         settings.LoadSettings(ini());
     }
-
     QByteArray saved() {
         EXPECT_TRUE(settings.SaveSettings(ini()));
         return ReadFileBytes(ini());
@@ -41,75 +38,56 @@ TEST_F(SettingsFileTest, SavesUpperCasedKeysIntegersInPrintLayoutWindows1252AndC
     settings.sSet("Timer", 9000);
     settings.sSet("NoSounds", true);
     settings.sSet("networked", false);
-    settings.sSet("DataPath", "C:\\Tarvo Data");
+    settings.sSet("DataPath", "C:\\Tarvo, Data");
     settings.sSet("Empty", SettingValue());
     settings.sSet("Owner", QStringLiteral("J\u00FCrgen \u20AC"));
-    EXPECT_EQ(saved(), QByteArray("TIMER, 9000 \r\n"
-                                  "NOSOUNDS,-1 \r\n"
-                                  "NETWORKED, 0 \r\n"
-                                  "DATAPATH,C:\\Tarvo Data\r\n"
-                                  "EMPTY,\r\n"
-                                  "OWNER,J\xFCrgen \x80\r\n"));
+    EXPECT_EQ(saved(),
+              QByteArray("TIMER, 9000 \r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n"
+                         "DATAPATH,C:\\Tarvo, Data\r\nEMPTY,\r\nOWNER,J\xFCrgen \x80\r\n"));
 }
 
-TEST_F(SettingsFileTest, SavedFileLoadsBackToTheSameReadings) {
-    settings.sSet("Timer", 9000);
-    settings.sSet("Flag", true);
-    settings.sSet("Owner", "Fred,Smith");
-    ASSERT_TRUE(settings.SaveSettings(ini()));
-
-    cSHAREDSettings again;
-    again.LoadSettings(ini());
-    EXPECT_EQ(again.SettingsCount(), 3);
-    EXPECT_EQ(again.sGet("timer").toInt(), 9000);
-    EXPECT_TRUE(again.sGet("flag").toBool());
-    EXPECT_EQ(again.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
-    EXPECT_EQ(again.FileBytes(), settings.FileBytes());
-}
-
-TEST_F(SettingsFileTest, FileValuesStayTextWithTheirBlanks) {
-    load("NOSOUNDS,-1 \r\nNETWORKED, 0 \r\n");
-    const SettingValue noSounds = settings.sGet("NoSounds");
-    EXPECT_TRUE(noSounds.isText());
-    EXPECT_EQ(noSounds.toText(), QStringLiteral("-1 "));
-    EXPECT_TRUE(noSounds.toBool());
-    EXPECT_FALSE(settings.sGet("Networked").toBool());
-    EXPECT_EQ(settings.sGet("Networked").toInt16(), 0);
-}
-
-// Lines split at their first comma; lines without a key are skipped; a later
-// duplicate replaces the value in the first one's place; bare LF ends a line.
+// Lines split at their first comma and keep their blanks as text; lines without
+// a key are skipped; a later duplicate replaces the value in the first one's
+// place; bare LF ends a line.
 TEST_F(SettingsFileTest, LinesKeysAndDuplicates) {
     load("OWNER,Fred,Smith\r\nno comma here\r\n,starts with comma\r\n  ,blank key\r\n"
-         "GOOD,1\nB,2\r\n\r\ngood,3\r\n");
-    ASSERT_EQ(settings.SettingsCount(), 3);
+         "GOOD,1\nB,2\r\n\r\ngood,3\r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n");
+    ASSERT_EQ(settings.SettingsCount(), 5);
     EXPECT_EQ(settings.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
     EXPECT_EQ(settings.SettingNameByIndex(2), QStringLiteral("GOOD"));
     EXPECT_EQ(settings.sGet("Good").toText(), QStringLiteral("3"));
+    EXPECT_EQ(settings.sGet("NoSounds"), SettingValue("-1 "));
+    EXPECT_TRUE(settings.sGet("NoSounds").toBool());
+    EXPECT_FALSE(settings.sGet("Networked").toBool());
     EXPECT_TRUE(reports.texts().isEmpty());
 }
-TEST_F(SettingsFileTest, TrueAndFalseTextsBecomeIntegersOnLoad) {
+
+// True and false words (English or the locale's, any case, blanks around) become
+// -1 and 0 when the file is loaded, and read as booleans when set as text.
+TEST_F(SettingsFileTest, TrueAndFalseWords) {
     settings.setLocaleBooleanWords(QStringLiteral("Wahr"), QStringLiteral("Falsch"));
     load("A, true \r\nB,FALSE\r\nC,wahr\r\nD, falsch\r\nE,truely\r\n");
-    EXPECT_EQ(settings.sGet("A"), SettingValue(-1));
-    EXPECT_EQ(settings.sGet("B"), SettingValue(0));
-    EXPECT_EQ(settings.sGet("C"), SettingValue(-1));
-    EXPECT_EQ(settings.sGet("D"), SettingValue(0));
-    EXPECT_EQ(settings.sGet("E"), SettingValue("truely"));
     EXPECT_EQ(saved(), QByteArray("A,-1 \r\nB, 0 \r\nC,-1 \r\nD, 0 \r\nE,truely\r\n"));
+    EXPECT_EQ(settings.sGet("A"), SettingValue(-1));
+    EXPECT_EQ(settings.sGet("D"), SettingValue(0));
+
+    const QList<QPair<const char*, SettingValue>> set = {
+        {" true ", true},          {"TRUE", true},     {"False", false},
+        {" WAHR", true},           {"falsch ", false}, {"truth", SettingValue("truth")},
+        {"-1", SettingValue("-1")}};
+    for (const auto& [stored, expected] : set) {
+        settings.sSet("K", stored);
+        EXPECT_EQ(settings.sGet("K"), expected) << stored;
+    }
 }
 
-TEST_F(SettingsFileTest, LoadReplacesEverythingAndMissingFileLeavesStoreEmpty) {
+TEST_F(SettingsFileTest, LoadReplacesEverythingAndMissingOrUnreadableFilesLeaveItEmpty) {
     settings.sSet("Old", 1);
     settings.LoadSettings(home.file(QStringLiteral("missing.ini")));
     EXPECT_EQ(settings.SettingsCount(), 0);
     EXPECT_EQ(settings.sGet("Old", 7).toInt(), 7);
+    EXPECT_TRUE(reports.texts().isEmpty());
 
-    load("");
-    EXPECT_EQ(settings.SettingsCount(), 0);
-}
-
-TEST_F(SettingsFileTest, UnreadableFileGoesToTheErrorReport) {
     // A folder under the file's name cannot be read as a file.
     ASSERT_TRUE(QDir(home.path()).mkdir(QStringLiteral("Tvo.ini")));
     settings.LoadSettings(ini());
@@ -120,47 +98,24 @@ TEST_F(SettingsFileTest, UnreadableFileGoesToTheErrorReport) {
     EXPECT_TRUE(reports.texts().first().endsWith(QStringLiteral(" of ") + ini()));
 }
 
-TEST(Settings, KeysIgnoreCaseAndCommas) {
+TEST(Settings, KeysIgnoreCaseAndCommasAndDeletingKeepsTheOrder) {
     cSHAREDSettings s;
     s.sSet("My,Key", "v");
     EXPECT_EQ(s.SettingNameByIndex(1), QStringLiteral("MyKey"));
-    EXPECT_TRUE(s.IsSettingPresent("MYKEY"));
     EXPECT_TRUE(s.IsSettingPresent("my,key"));
-    EXPECT_EQ(s.sGet("mykey").toText(), QStringLiteral("v"));
-
+    EXPECT_EQ(s.sGet("MYKEY").toText(), QStringLiteral("v"));
     s.sSet("Datapath", "a");
     s.sSet("DataPath", "b");
-    EXPECT_EQ(s.SettingsCount(), 2);
+    ASSERT_EQ(s.SettingsCount(), 2);
     EXPECT_EQ(s.SettingNameByIndex(2), QStringLiteral("Datapath"));
     EXPECT_EQ(s.sGet("DATAPATH").toText(), QStringLiteral("b"));
-}
 
-TEST(Settings, TextTrueAndFalseComeBackAsBooleans) {
-    cSHAREDSettings s;
-    s.setLocaleBooleanWords(QStringLiteral("Wahr"), QStringLiteral("Falsch"));
-    const struct {
-        const char* stored;
-        SettingValue expected;
-    } cases[] = {
-        {" true ", SettingValue(true)},   {"TRUE", SettingValue(true)},
-        {"False", SettingValue(false)},   {" WAHR", SettingValue(true)},
-        {"falsch ", SettingValue(false)}, {"truth", SettingValue("truth")},
-        {"-1", SettingValue("-1")},
-    };
-    for (const auto& c : cases) {
-        s.sSet("K", c.stored);
-        EXPECT_EQ(s.sGet("K"), c.expected) << c.stored;
-    }
-}
-
-TEST(Settings, DeletingKeepsTheOrderOfTheRest) {
-    cSHAREDSettings s;
-    for (const char* k : {"A", "B", "C", "D"}) {
+    for (const char* k : {"C", "D"}) {
         s.sSet(k, k);
     }
-    s.DeleteSettingByName("b");
+    s.DeleteSettingByName("datapath");
     s.DeleteSettingByName("nothing");
-    s.DeleteSettingByName("A");
+    s.DeleteSettingByName("MYKEY");
     ASSERT_EQ(s.SettingsCount(), 2);
     EXPECT_EQ(s.SettingNameByIndex(1), QStringLiteral("C"));
     EXPECT_EQ(s.SettingNameByIndex(2), QStringLiteral("D"));
@@ -168,22 +123,13 @@ TEST(Settings, DeletingKeepsTheOrderOfTheRest) {
     s.sSet("B", "again");
     EXPECT_EQ(s.SettingNameByIndex(3), QStringLiteral("B"));
     s.DeleteAllSettings();
-    EXPECT_EQ(s.SettingsCount(), 0);
     EXPECT_FALSE(s.IsSettingPresent("C"));
 }
-
-} // namespace
-
-namespace {
-
-const QString kDiskFullTail =
-    QStringLiteral(":\rPlease clear some space and then click Retry, else click Cancel to abort.");
 
 // Real file operations, except for failures the test asks for.
 class ScriptedFileAccess : public SettingsFileAccess {
 public:
-    // Results handed out by the next writes before the real write takes over.
-    QList<AtomicFile::Status> failures;
+    QList<AtomicFile::Status> failures; // handed out by the next writes
     bool canMakeWritable = true;
     int writes = 0;
     int makeWritableCalls = 0;
@@ -192,9 +138,10 @@ public:
         ++writes;
         if (!failures.isEmpty()) {
             const AtomicFile::Status st = failures.takeFirst();
-            return {st, st == AtomicFile::Status::DiskFull ? 61 : 57,
-                    st == AtomicFile::Status::DiskFull ? QStringLiteral("No space left on device")
-                                                       : QStringLiteral("Device I/O error")};
+            const bool full = st == AtomicFile::Status::DiskFull;
+            return {st, full ? 61 : 57,
+                    full ? QStringLiteral("No space left on device")
+                         : QStringLiteral("Device I/O error")};
         }
         return SettingsFileAccess::Write(path, bytes);
     }
@@ -204,39 +151,22 @@ public:
     }
 };
 
-class SettingsSaveFailureTest : public ::testing::Test {
+class SettingsSaveFailureTest : public SettingsFileTest {
 protected:
     void SetUp() override {
         ASSERT_TRUE(WriteFileBytes(ini(), kOld));
         settings.setFileAccess(&access);
         settings.sSet("Timer", 9000);
     }
-    QString ini() const { return home.file(QStringLiteral("Tvo.ini")); }
-    void makeReadOnly() {
-        ASSERT_TRUE(QFile::setPermissions(ini(), QFile::ReadOwner | QFile::ReadGroup));
-        ASSERT_TRUE(AtomicFile::IsReadOnly(ini()));
-    }
 
     const QByteArray kOld = "OLD,contents\r\n";
     const QByteArray kNew = "TIMER, 9000 \r\n";
-    TempHome home;
-    ScriptedDialogs dialogs;
-    RecordedErrorReports reports;
     ScriptedFileAccess access;
-    cSHAREDSettings settings{&dialogs};
 };
 
-TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCanBeMadeWritableSavesWithoutAMessage) {
-    makeReadOnly();
-    EXPECT_TRUE(settings.SaveSettings(ini()));
-    EXPECT_EQ(ReadFileBytes(ini()), kNew);
-    EXPECT_FALSE(AtomicFile::IsReadOnly(ini()));
-    EXPECT_EQ(dialogs.count(), 0);
-    EXPECT_TRUE(reports.texts().isEmpty());
-}
-
-TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCannotBeChangedIsLeftAloneAndToldOnce) {
-    makeReadOnly();
+TEST_F(SettingsSaveFailureTest, ReadOnlyFileIsMadeWritableOrLeftAloneAndToldOnce) {
+    ASSERT_TRUE(QFile::setPermissions(ini(), QFile::ReadOwner | QFile::ReadGroup));
+    ASSERT_TRUE(AtomicFile::IsReadOnly(ini()));
     access.canMakeWritable = false;
     EXPECT_FALSE(settings.SaveSettings(ini()));
     EXPECT_FALSE(settings.SaveSettings(ini()));
@@ -245,98 +175,88 @@ TEST_F(SettingsSaveFailureTest, ReadOnlyFileThatCannotBeChangedIsLeftAloneAndTol
               QStringList{QStringLiteral("Unable to save ") + ini() +
                           QStringLiteral(": the file is read-only and cannot be made writable.")});
     EXPECT_EQ(reports.secondTexts(), QStringList{SaveFailures::AdviceText()});
-    EXPECT_EQ(dialogs.count(), 0);
-    access.canMakeWritable = true; // the user fixed it: the next save writes
+    access.canMakeWritable = true; // the user fixed it: the next save writes, without a word
     EXPECT_TRUE(settings.SaveSettings(ini()));
     EXPECT_EQ(ReadFileBytes(ini()), kNew);
-}
-
-TEST_F(SettingsSaveFailureTest, RefusedAgainAfterMakingWritableGivesUpWithTheMessage) {
-    access.failures = {AtomicFile::Status::AccessDenied, AtomicFile::Status::AccessDenied};
-    EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(access.writes, 2);
-    EXPECT_EQ(access.makeWritableCalls, 1);
+    EXPECT_FALSE(AtomicFile::IsReadOnly(ini()));
     EXPECT_EQ(reports.texts().size(), 1);
-    EXPECT_EQ(ReadFileBytes(ini()), kOld);
+    EXPECT_EQ(dialogs.count(), 0);
 }
 
-TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancelAndRetrySavesAgain) {
+TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancel) {
     access.failures = {AtomicFile::Status::DiskFull, AtomicFile::Status::DiskFull};
     dialogs.answerRetry().answerRetry();
     EXPECT_TRUE(settings.SaveSettings(ini()));
     EXPECT_EQ(access.writes, 3);
-    ASSERT_EQ(dialogs.count(), 2);
-    const ScriptedDialogs::Shown& asked = dialogs.shown().first();
-    EXPECT_EQ(asked.kind, ScriptedDialogs::Kind::RetryCancel);
-    EXPECT_TRUE(asked.text.startsWith(QStringLiteral("You've run out of disk space on drive ")));
-    EXPECT_TRUE(asked.text.endsWith(kDiskFullTail));
     EXPECT_EQ(ReadFileBytes(ini()), kNew);
-}
+    ASSERT_EQ(dialogs.count(), 2);
+    EXPECT_EQ(dialogs.shown().first().kind, ScriptedDialogs::Kind::RetryCancel);
+    EXPECT_TRUE(dialogs.shown().first().text.startsWith(
+        QStringLiteral("You've run out of disk space on drive ")));
+    EXPECT_TRUE(dialogs.shown().first().text.endsWith(QStringLiteral(
+        ":\rPlease clear some space and then click Retry, else click Cancel to abort.")));
 
-TEST_F(SettingsSaveFailureTest, FullDiskCancelKeepsTheOldFile) {
+    ASSERT_TRUE(WriteFileBytes(ini(), kOld));
     access.failures = {AtomicFile::Status::DiskFull};
     dialogs.answerCancel();
     EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(access.writes, 1);
+    EXPECT_EQ(access.writes, 4);
     EXPECT_EQ(ReadFileBytes(ini()), kOld);
     EXPECT_TRUE(dialogs.allAnswersUsed());
-}
-
-TEST_F(SettingsSaveFailureTest, OtherErrorGoesToTheErrorReport) {
-    access.failures = {AtomicFile::Status::OtherError};
-    EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("Unable to save ") + ini() +
-                                           QStringLiteral(": 57 - Device I/O error.")});
-    EXPECT_EQ(dialogs.count(), 0);
-    EXPECT_EQ(ReadFileBytes(ini()), kOld);
-}
-
-TEST(SettingsSave, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
-    TempHome home;
-    const QString ini = home.file(QStringLiteral("Tvo.ini"));
-    const QByteArray old = "OLD,contents\r\n";
-    ASSERT_TRUE(WriteFileBytes(ini, old));
-    cSHAREDSettings s;
-    for (int i = 0; i < 200; ++i) {
-        s.sSet(QStringLiteral("Key%1").arg(i), QString(40, QLatin1Char('x')));
-    }
-    RecordedErrorReports reports;
-
-    // A file size limit makes the real write fail part of the way through.
-    rlimit saved{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &saved), 0);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit small = saved;
-    small.rlim_cur = 1024;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool ok = s.SaveSettings(ini);
-    setrlimit(RLIMIT_FSIZE, &saved);
-    std::signal(SIGXFSZ, oldHandler);
-
-    EXPECT_FALSE(ok);
-    EXPECT_EQ(ReadFileBytes(ini), old);
-    ASSERT_EQ(reports.texts().size(), 1);
-    EXPECT_TRUE(reports.texts().first().startsWith(QStringLiteral("Unable to save ") + ini));
-    // No half-written temporary is left beside it.
-    EXPECT_EQ(QDir(home.path()).entryList({QStringLiteral("Tvo.ini*")}, QDir::Files | QDir::Hidden),
-              QStringList{QStringLiteral("Tvo.ini")});
-}
-
-TEST(SettingsSave, WithoutDialogsFailuresAreAnsweredCancel) {
-    TempHome home;
-    ScriptedFileAccess access;
+    cSHAREDSettings withoutDialogs; // answers Cancel itself
+    withoutDialogs.setFileAccess(&access);
     access.failures = {AtomicFile::Status::DiskFull};
-    cSHAREDSettings s;
-    s.setFileAccess(&access);
-    EXPECT_FALSE(s.SaveSettings(home.file(QStringLiteral("Tvo.ini"))));
-    EXPECT_EQ(access.writes, 1);
-}
+    EXPECT_FALSE(withoutDialogs.SaveSettings(ini()));
+    EXPECT_EQ(access.writes, 5);
 
-TEST(SettingsSave, DriveOfAPath) {
     EXPECT_EQ(DriveOfPath(QStringLiteral("C:\\Program Files\\Tarvo\\Tvo.ini")),
               QStringLiteral("C"));
     EXPECT_EQ(DriveOfPath(QStringLiteral("d:/data/Tvo.ini")), QStringLiteral("d"));
     EXPECT_FALSE(DriveOfPath(QDir::tempPath() + QStringLiteral("/Tvo.ini")).isEmpty());
+}
+
+// Other errors, and a refusal that remains after making the file writable, go
+// to the error report without a question (once until a save succeeds).
+TEST_F(SettingsSaveFailureTest, OtherErrorsGoToTheErrorReport) {
+    access.failures = {AtomicFile::Status::OtherError};
+    EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_EQ(ReadFileBytes(ini()), kOld);
+    EXPECT_EQ(reports.texts(), QStringList{QStringLiteral("Unable to save ") + ini() +
+                                           QStringLiteral(": 57 - Device I/O error.")});
+    EXPECT_TRUE(settings.SaveSettings(ini()));
+    access.failures = {AtomicFile::Status::AccessDenied, AtomicFile::Status::AccessDenied};
+    EXPECT_FALSE(settings.SaveSettings(ini()));
+    EXPECT_EQ(access.writes, 4);
+    EXPECT_EQ(access.makeWritableCalls, 1);
+    EXPECT_EQ(reports.texts().size(), 2);
+    EXPECT_EQ(dialogs.count(), 0);
+}
+
+TEST_F(SettingsFileTest, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
+    const QByteArray old = "OLD,contents\r\n";
+    ASSERT_TRUE(WriteFileBytes(ini(), old));
+    for (int i = 0; i < 200; ++i) {
+        settings.sSet(QStringLiteral("Key%1").arg(i), QString(40, QLatin1Char('x')));
+    }
+
+    // A file size limit makes the real write fail part of the way through.
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit small = limit;
+    small.rlim_cur = 1024;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool ok = settings.SaveSettings(ini());
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, oldHandler);
+
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(ReadFileBytes(ini()), old);
+    ASSERT_EQ(reports.texts().size(), 1);
+    EXPECT_TRUE(reports.texts().first().startsWith(QStringLiteral("Unable to save ") + ini()));
+    // No half-written temporary is left beside it.
+    EXPECT_EQ(QDir(home.path()).entryList({QStringLiteral("Tvo.ini*")}, QDir::Files | QDir::Hidden),
+              QStringList{QStringLiteral("Tvo.ini")});
 }
 
 } // namespace

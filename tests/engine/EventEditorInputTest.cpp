@@ -72,61 +72,47 @@ TEST_F(EditorRules, RefusalsNameTheFaultAndTheBoxToCorrect) {
         return QStringLiteral("The %1 cannot contain \"<\": please remove it.")
             .arg(QLatin1String(field));
     };
+    using In = EventEditorInput;
     const struct {
-        void (*fill)(EventEditorInput&);
+        QString In::*box;
+        const char* typed;
         QString message;
         const char* focus;
         const char* title = ""; // "" = the program's own
+        int type = clsEvent::EveryXDays;
     } cases[] = {
-        {[](EventEditorInput& in) { in.desc.clear(); }, R::kNoDescription, "txtDesc"},
-        {[](EventEditorInput& in) { in.desc = "   "; }, R::kNoDescription, "txtDesc"},
-        {[](EventEditorInput& in) { in.desc = "\r\n\t "; }, R::kNoDescription, "txtDesc"},
-        // Passes the range check but is no time.
-        {[](EventEditorInput& in) { in.time = "+9:30"; },
-         QStringLiteral("Time field +9:30 is not valid, please correct"), "txtTime", "Error"},
-        {[](EventEditorInput& in) { in.minutesWarning = "61"; }, R::kMaxWarning,
-         "txtMinutesWarning"},
-        {[](EventEditorInput& in) { in.minutesWarning = "ten"; }, R::kDataError, "", "Error"},
-        {[](EventEditorInput& in) { in.dailyStart = "DD/MM/YYYY"; }, R::kBadStartDate,
-         "lblDailyStartDate"},
-        {[](EventEditorInput& in) { in.dailyStart = "31/02/2009"; }, R::kBadStartDate,
-         "lblDailyStartDate"},
-        {[](EventEditorInput& in) {
-             in.recurrenceType = clsEvent::EveryXMonths, in.monthlyStart = "05/03/2009";
-         },
-         R::kBadPeriod, "txtMonthlyPeriod"},
-        {[](EventEditorInput& in) {
-             in.recurrenceType = clsEvent::EveryXMonths, in.monthlyStart = "05/03/2009";
-             in.monthlyPeriod = "x";
-         },
-         R::kBadPeriod, "txtMonthlyPeriod"},
-        {[](EventEditorInput& in) {
-             in.recurrenceType = clsEvent::Weekly, in.weeklyStart = "DD/MM/YYYY";
-             in.weeklyPeriod = "x";
-         },
-         R::kBadStartDate, "lblWeeklyStartDate"},
-        {[](EventEditorInput& in) { in.recurrenceType = clsEvent::DaysOfWeek; }, R::kNoWeekday,
-         "chkDay1"},
-        {[](EventEditorInput& in) {
-             in.recurrenceType = clsEvent::DayOfMonthType, in.dayOfMonth = "first";
-         },
-         R::kBadDayOfMonth, "txtDayOfMonth"},
+        {&In::desc, "", R::kNoDescription, "txtDesc"},
+        {&In::desc, "   ", R::kNoDescription, "txtDesc"},
+        {&In::desc, "\r\n\t ", R::kNoDescription, "txtDesc"},
+        {&In::time, "+9:30", "Time field +9:30 is not valid, please correct", "txtTime", "Error"},
+        {&In::minutesWarning, "61", R::kMaxWarning, "txtMinutesWarning"},
+        {&In::minutesWarning, "ten", R::kDataError, "", "Error"},
+        {&In::dailyStart, "DD/MM/YYYY", R::kBadStartDate, "lblDailyStartDate"},
+        {&In::dailyStart, "31/02/2009", R::kBadStartDate, "lblDailyStartDate"},
+        {&In::monthlyPeriod, "", R::kBadPeriod, "txtMonthlyPeriod", "", clsEvent::EveryXMonths},
+        {&In::monthlyPeriod, "x", R::kBadPeriod, "txtMonthlyPeriod", "", clsEvent::EveryXMonths},
+        {&In::weeklyStart, "DD/MM/YYYY", R::kBadStartDate, "lblWeeklyStartDate", "",
+         clsEvent::Weekly},
+        {&In::desc, "no day ticked", R::kNoWeekday, "chkDay1", "", clsEvent::DaysOfWeek},
+        {&In::dayOfMonth, "first", R::kBadDayOfMonth, "txtDayOfMonth", "",
+         clsEvent::DayOfMonthType},
         // Fields the events file keeps as they are would read back cut at a "<".
-        {[](EventEditorInput& in) { in.makeNoise = true, in.wavFile = "/tmp/a<b.wav"; },
-         lessThan("sound file"), "cmdPickWav", "Error"},
-        {[](EventEditorInput& in) { in.runFile = true, in.execFile = "/tmp/a<b"; },
-         lessThan("file to run"), "cmdPickFile", "Error"},
-        {[](EventEditorInput& in) { in.emailTo = true, in.email = "<a@b.c>"; },
-         lessThan("e-mail address"), "txtEmailAlert", "Error"},
+        {&In::wavFile, "/tmp/a<b.wav", lessThan("sound file"), "cmdPickWav", "Error"},
+        {&In::execFile, "/tmp/a<b", lessThan("file to run"), "cmdPickFile", "Error"},
+        {&In::email, "<a@b.c>", lessThan("e-mail address"), "txtEmailAlert", "Error"},
     };
     for (const auto& c : cases) {
         EventEditorInput in = valid();
-        c.fill(in);
+        in.makeNoise = in.runFile = in.emailTo = true;
+        in.monthlyStart = QStringLiteral("05/03/2009");
+        in.weeklyPeriod = QStringLiteral("x"); // the start date is checked first
+        in.recurrenceType = c.type;
+        in.*c.box = QString::fromLatin1(c.typed);
         const EventEditorOutcome out = save(in);
-        EXPECT_FALSE(out.saved) << c.message.toStdString();
+        EXPECT_FALSE(out.saved) << c.typed;
         EXPECT_EQ(out.message, c.message);
-        EXPECT_EQ(out.focus, QLatin1String(c.focus)) << c.message.toStdString();
-        EXPECT_EQ(out.title, QLatin1String(c.title)) << c.message.toStdString();
+        EXPECT_EQ(out.focus, QLatin1String(c.focus)) << c.typed;
+        EXPECT_EQ(out.title, QLatin1String(c.title)) << c.typed;
         if (c.message == R::kNoDescription) { // the first rows: the event is still new
             EXPECT_TRUE(event.Desc().isEmpty()) << "a refused description writes nothing";
         }
@@ -236,7 +222,7 @@ TEST_F(EditorRules, OneOffUntimedEventTakesTodayOwnerAndEmptyBoxesAsZero) {
     EXPECT_EQ(event.Owner(), QStringLiteral("Not Set"));
 }
 
-TEST_F(EditorRules, SharingFields) {
+TEST_F(EditorRules, SharingAndEmail) {
     event.ShareNames = QStringLiteral("Old\r\n");
     const struct {
         bool shared, specific;
@@ -247,24 +233,17 @@ TEST_F(EditorRules, SharingFields) {
         in.shared = c.shared;
         in.specificShare = c.specific;
         in.selectedUsers = {QStringLiteral("Bob"), QStringLiteral("Jim")};
+        in.emailTo = c.specific;
+        in.email = QStringLiteral("fred@home.test");
         ASSERT_TRUE(save(in).saved);
         EXPECT_EQ(event.SharedEvent, c.shared);
         EXPECT_EQ(event.ShareWithSpecific, c.shared && c.specific);
         EXPECT_EQ(event.ShareNames, QString::fromLatin1(c.names));
+        EXPECT_EQ(event.Email, c.specific ? in.email : QString());
     }
-}
-
-TEST_F(EditorRules, EmailIsRememberedAsTheDefault) {
-    EventEditorInput in = valid();
-    in.emailTo = true;
-    in.email = QStringLiteral("fred@home.test");
-    ASSERT_TRUE(save(in).saved);
-    EXPECT_EQ(event.Email, QStringLiteral("fred@home.test"));
     EXPECT_EQ(settings.sGet(QStringLiteral("DefaultEmail")).toText(),
-              QStringLiteral("fred@home.test"));
-    in.emailTo = false;
-    ASSERT_TRUE(save(in).saved);
-    EXPECT_TRUE(event.Email.isEmpty());
+              QStringLiteral("fred@home.test"))
+        << "remembered as the default";
 }
 
 TEST_F(EditorRules, SoundAndFileToRun) {

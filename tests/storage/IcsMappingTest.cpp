@@ -185,11 +185,9 @@ TEST(IcsMapping, TarvoFieldsGiveBackTheSameRecord) {
     for (const EventPtr& e : {timed, shifting}) {
         const IcalComponent v = ToVEvent(*e, QStringLiteral("Work, home"), {true});
         // Through the file's text and back.
-        const Calendar parsed = ParseCalendar(WriteCalendar([&] {
-            std::vector<IcalComponent> list;
-            list.emplace_back(icalcomponent_new_clone(v.get()));
-            return list;
-        }()));
+        std::vector<IcalComponent> list;
+        list.emplace_back(icalcomponent_new_clone(v.get()));
+        const Calendar parsed = ParseCalendar(WriteCalendar(std::move(list)));
         ASSERT_EQ(parsed.error, QString());
         ASSERT_EQ(parsed.events.size(), 1);
         const ReadEvent read = FromVEvent(parsed.events.first(), TodayDate(), {true});

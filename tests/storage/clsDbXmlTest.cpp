@@ -82,19 +82,13 @@ TEST_F(DbXml, CodesAreUniqueSixDigitsAndAnEditedRecordMovesToTheEnd) {
     small.StoreRecord(copy, true);
     EXPECT_NE(copy->IDCode, b->IDCode);
     EXPECT_EQ(small.RecordCount(), 4);
-}
-
-// One event object in two lists: a new code given by one list is found by the other.
-TEST_F(DbXml, ACodeGivenByAnotherListIsFound) {
-    const auto e = MakeEvent(QStringLiteral("both"));
-    db.StoreRecord(e);
-    ASSERT_TRUE(db.ReadEvent(e->IDCode));
+    // One event object in two lists: a new code given by one list is found by the other.
     clsDbXml other(settings);
-    other.StoreRecord(e, true);
-    EXPECT_EQ(db.ReadEvent(e->IDCode), e);
+    other.StoreRecord(edited, true);
+    EXPECT_EQ(small.ReadEvent(edited->IDCode), edited);
 }
 
-TEST_F(DbXml, DeleteRecordMarksSavesAndKeepsTheObjectUntilTheNextLoad) {
+TEST_F(DbXml, DeletingSavingReadOnlyAndWiping) {
     const auto a = MakeEvent(QStringLiteral("A"));
     db.StoreRecord(a);
     db.StoreRecord(MakeEvent(QStringLiteral("B")));
@@ -106,6 +100,12 @@ TEST_F(DbXml, DeleteRecordMarksSavesAndKeepsTheObjectUntilTheNextLoad) {
     db.LoadDB(path());
     EXPECT_EQ(db.RecordCount(), 1);
     EXPECT_FALSE(db.ReadEvent(a->IDCode));
+    // A read-only file is made writable and saved.
+    ASSERT_TRUE(QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::ReadUser));
+    db.StoreRecord(MakeEvent(QStringLiteral("new")));
+    db.SaveDB();
+    EXPECT_EQ(DescsInFile(), (QStringList{"B", "new"}));
+    EXPECT_FALSE(db.HasUnsavedChanges());
     db.WipeDiskFile();
     EXPECT_FALSE(QFile::exists(path()));
     db.WipeDiskFile(); // no file: nothing happens
@@ -137,16 +137,6 @@ TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
     db.LoadDBIfChanged(path());
     EXPECT_FALSE(db.DatabaseChanged());
     EXPECT_EQ(db.RecordCount(), 1);
-}
-
-TEST_F(DbXml, AReadOnlyFileIsMadeWritableAndSaved) {
-    db.StoreRecord(MakeEvent(QStringLiteral("old")));
-    db.SaveDB();
-    ASSERT_TRUE(QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::ReadUser));
-    db.StoreRecord(MakeEvent(QStringLiteral("new")));
-    db.SaveDB();
-    EXPECT_EQ(DescsInFile(), (QStringList{"old", "new"}));
-    EXPECT_FALSE(db.HasUnsavedChanges());
 }
 
 // A file that cannot be written (here: its folder is gone) is told once; the

@@ -2,6 +2,8 @@
 // and the "expected.xml" that loading it and saving it again must give.
 #include "StorageFixture.h"
 
+#include "storage/EventFileSnapshot.h"
+#include "storage/EventXmlCodec.h"
 #include "storage/clsDbXml.h"
 
 #include <QDir>
@@ -33,6 +35,33 @@ TEST_F(StorageCases, LoadingAndSavingGivesTheExpectedFile) {
             WriteFileBytes(expectedPath, saved); // to start a new case; review it by hand
         }
         EXPECT_EQ(saved, ReadFileBytes(expectedPath)) << "case " << name.toStdString();
+    }
+}
+
+// The agenda's mapped read of an event file gives, for the events due in
+// time, exactly what the database's own networked load gives.
+TEST_F(StorageCases, TheSnapshotReadsWhatLoadingReadsForEventsDueInTime) {
+    const DateValue last = D(QStringLiteral("2030-06-08"));
+    const auto blocks = [&](const QList<EventPtr>& events) {
+        QStringList out;
+        for (const EventPtr& e : events) {
+            QByteArray bytes;
+            EventXmlCodec::AppendBlock(bytes, *e);
+            out << QString::fromLatin1(bytes);
+        }
+        return out;
+    };
+    for (const QString& name : QDir(CasesFolder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QString input = QDir(CasesFolder()).filePath(name + QStringLiteral("/input.xml"));
+        clsDbXml db(settings);
+        db.setNetworked(true);
+        db.LoadDB(input);
+        QList<EventPtr> due = db.Events();
+        due.removeIf([&](const EventPtr& e) { return e->DueDate() > last; });
+        const QList<EventPtr> got =
+            EventFileSnapshot::Read(input, QStringLiteral("Ann"), true, last);
+        EXPECT_FALSE(got.isEmpty()) << name.toStdString();
+        EXPECT_EQ(blocks(got), blocks(due)) << name.toStdString();
     }
 }
 

@@ -9,8 +9,11 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 // A home folder, a settings store with an owner, and a layer table.
 class StorageTest : public ::testing::Test {
@@ -30,12 +33,9 @@ protected:
     // The log lines written since the test began.
     QStringList NewLogLines() const { return LoggedTexts().mid(m_logStart); }
     bool Logged(const QString& start) const {
-        for (const QString& line : NewLogLines()) {
-            if (line.startsWith(start)) {
-                return true;
-            }
-        }
-        return false;
+        const QStringList lines = NewLogLines();
+        return std::any_of(lines.begin(), lines.end(),
+                           [&](const QString& line) { return line.startsWith(start); });
     }
 
     static QByteArray Header() {

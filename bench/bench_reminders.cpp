@@ -1,11 +1,9 @@
 // One new-day refresh pass over 10,000 events: roll recurring events that
 // fell due, move out passed one-off events, list today's and coming-up
 // reminders, check the minute's alarms, with the saves of both databases.
-#include "engine/IReminderWindow.h"
+#include "BenchSeams.h"
 #include "engine/clsReminder.h"
 #include "shared/Clock.h"
-#include "shared/IFileOpener.h"
-#include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/clsDbXml.h"
@@ -21,49 +19,9 @@
 
 namespace {
 
-struct CountingWindow : IReminderWindow {
-    int lines = 0;
-    void ClearList() override { lines = 0; }
-    void AddToList(const QString&) override { ++lines; }
-    void Heading(const QString&) override {}
-    void Caption(const QString&) override {}
-    void setSoundFlag(bool) override {}
-    void setSoundFile(const QString&) override {}
-    void setSoundOnce(bool) override {}
-    void MakeTopmost() override {}
-    void Unload() override {}
-};
-
-struct Windows : IReminderWindowFactory {
-    std::vector<std::unique_ptr<CountingWindow>> made;
-    IReminderWindow* CreateReminderWindow() override {
-        made.push_back(std::make_unique<CountingWindow>());
-        return made.back().get();
-    }
-};
-
-struct NoOpener : IFileOpener {
-    bool OpenDocument(const QString&) override { return true; }
-};
-
-struct SilentDialogs : UserDialogs {
-    void Message(const QString&, const QString&, Icon) override {}
-    bool AskYesNo(const QString&, const QString&, bool) override { return false; }
-    bool AskRetryCancel(const QString&, const QString&) override { return false; }
-    std::optional<QString> InputBox(const QString&, const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<QString> ChooseOpenFile(const QString&, const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<QString> ChooseSaveFile(const QString&, const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<QString> ChooseFolder(const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<DateValue> PickDate(const QString&, DateValue) override { return std::nullopt; }
-};
+using BenchSeams::NoOpener;
+using BenchSeams::SilentDialogs;
+using BenchSeams::Windows;
 
 // A day's realistic database: mostly future events of all six rules, about
 // 2% recurring events that fell due yesterday, five passed one-off events,

@@ -3,12 +3,10 @@
 // passed one-off events, save) and the first alarm check, over 10,000 events.
 // Run once with no passed one-off events and once with 100 of them: the pass
 // should cost about the same however many events lie in the past.
-#include "engine/IReminderWindow.h"
+#include "BenchSeams.h"
 #include "engine/clsReminder.h"
 #include "shared/AtomicFile.h"
 #include "shared/Clock.h"
-#include "shared/IFileOpener.h"
-#include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
@@ -27,48 +25,9 @@
 
 namespace {
 
-struct QuietWindow : IReminderWindow {
-    void ClearList() override {}
-    void AddToList(const QString&) override {}
-    void Heading(const QString&) override {}
-    void Caption(const QString&) override {}
-    void setSoundFlag(bool) override {}
-    void setSoundFile(const QString&) override {}
-    void setSoundOnce(bool) override {}
-    void MakeTopmost() override {}
-    void Unload() override {}
-};
-
-struct Windows : IReminderWindowFactory {
-    std::vector<std::unique_ptr<QuietWindow>> made;
-    IReminderWindow* CreateReminderWindow() override {
-        made.push_back(std::make_unique<QuietWindow>());
-        return made.back().get();
-    }
-};
-
-struct NoOpener : IFileOpener {
-    bool OpenDocument(const QString&) override { return true; }
-};
-
-struct SilentDialogs : UserDialogs {
-    void Message(const QString&, const QString&, Icon) override {}
-    bool AskYesNo(const QString&, const QString&, bool) override { return false; }
-    bool AskRetryCancel(const QString&, const QString&) override { return false; }
-    std::optional<QString> InputBox(const QString&, const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<QString> ChooseOpenFile(const QString&, const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<QString> ChooseSaveFile(const QString&, const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<QString> ChooseFolder(const QString&, const QString&) override {
-        return std::nullopt;
-    }
-    std::optional<DateValue> PickDate(const QString&, DateValue) override { return std::nullopt; }
-};
+using BenchSeams::NoOpener;
+using BenchSeams::SilentDialogs;
+using BenchSeams::Windows;
 
 const DateValue kToday = DateSerial(2026, 11, 21);
 

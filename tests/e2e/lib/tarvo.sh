@@ -56,7 +56,7 @@ e2e_fail() {
   local home
   for home in "${E2E_HOMES[@]}"; do
     echo "--- $home/log.txt"
-    tr -d '\r' < "$home/log.txt" 2>/dev/null | tail -n 60
+    tr -d "\r" < "$home/log.txt" 2>/dev/null | grep -v "^1 [0-9:]*, Type mismatch" | tail -n 60
     [ -s "$home/out.txt" ] && { echo "--- $home/out.txt"; tail -n 20 "$home/out.txt"; }
   done
   e2e_screenshot failure
@@ -78,6 +78,9 @@ e2e_display() {
     openbox > "$E2E_DIR/openbox.log" 2>&1 &
     E2E_WM_PID=$!
     for _ in $(seq 1 100); do xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q window && break; sleep 0.05; done
+    # openbox announces itself before it manages windows: a window mapped in
+    # that moment stays unframed and out of reach, so give it time to settle.
+    sleep 1
   fi
 }
 

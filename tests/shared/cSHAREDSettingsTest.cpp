@@ -11,8 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -240,15 +238,10 @@ TEST_F(SettingsFileTest, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
     }
 
     // A file size limit makes the real write fail part of the way through.
-    rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit small = limit;
-    small.rlim_cur = 1024;
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool ok = settings.SaveSettings(ini());
-    setrlimit(RLIMIT_FSIZE, &limit);
-    std::signal(SIGXFSZ, oldHandler);
+    const bool ok = [&] {
+        const FileSizeLimit limit(1024);
+        return settings.SaveSettings(ini());
+    }();
 
     EXPECT_FALSE(ok);
     EXPECT_EQ(ReadFileBytes(ini()), old);

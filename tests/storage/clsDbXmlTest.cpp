@@ -14,12 +14,6 @@
 #include <QRegularExpression>
 #include <QSet>
 
-#ifdef Q_OS_UNIX
-#include <sys/resource.h>
-
-#include <csignal>
-#endif
-
 namespace {
 
 class DbXml : public StorageTest {
@@ -174,27 +168,6 @@ TEST_F(DbXml, AFailedSaveIsToldOnceAndTheEventsWaitForTheNextSave) {
 }
 
 #ifdef Q_OS_UNIX
-// The process may write no file beyond a size for the life of the object, so
-// a save is cut off part-way as by a crash or a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &m_old);
-        m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-        rlimit limit = m_old;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &m_old);
-        std::signal(SIGXFSZ, m_oldHandler);
-    }
-
-private:
-    rlimit m_old{};
-    void (*m_oldHandler)(int) = nullptr;
-};
-
 TEST_F(DbXml, ASaveCutOffPartWayLeavesThePreviousFileWhole) {
     for (int i = 0; i < 200; ++i) {
         db.StoreRecord(MakeEvent(QStringLiteral("event %1").arg(i)));
@@ -207,7 +180,7 @@ TEST_F(DbXml, ASaveCutOffPartWayLeavesThePreviousFileWhole) {
         db.StoreRecord(MakeEvent(QStringLiteral("more %1").arg(i)));
     }
     {
-        const FileSizeLimit limit(static_cast<rlim_t>(before.size() / 2));
+        const FileSizeLimit limit(before.size() / 2);
         db.SaveDB();
     }
     EXPECT_EQ(ReadFileBytes(path()), before);

@@ -7,6 +7,10 @@
 #include <QFile>
 #include <QProcess>
 
+#include <sys/resource.h>
+
+#include <csignal>
+
 TempHome::TempHome() {
     const std::pair<const char*, QString> vars[] = {
         {AppPaths::kHomeVariable, m_dir.path()},
@@ -70,4 +74,21 @@ QString PdfText(const QString& pdf) {
         return {};
     }
     return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+FileSizeLimit::FileSizeLimit(unsigned long long bytes) {
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    m_old = limit.rlim_cur;
+    m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    limit.rlim_cur = static_cast<rlim_t>(bytes);
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+FileSizeLimit::~FileSizeLimit() {
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = static_cast<rlim_t>(m_old);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, m_oldHandler);
 }

@@ -55,3 +55,17 @@ bool WriteFileBytes(const QString& path, const QByteArray& bytes);
 
 // Lets gtest print QStrings readably in failure messages.
 void PrintTo(const QString& s, std::ostream* os);
+
+// While the object lives, the process may write no file beyond `bytes`, so a
+// save is cut off part-way as by a crash or a full disk (Unix only).
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(unsigned long long bytes);
+    ~FileSizeLimit();
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    unsigned long long m_old = 0;
+    void (*m_oldHandler)(int) = nullptr;
+};

@@ -80,10 +80,12 @@ TEST_F(SizeLimits, AMillionTinyEventsAreReadUpToTheLimitAndTheFileIsKept) {
 TEST_F(SizeLimits, AnEndlessSettingsLineIsSkippedWithoutHoldingIt) {
     const QString path = home.file("Tvo.ini");
     WriteSparse(path, "Owner,Ann\r\nJunk,", 100LL * 1024 * 1024, "\r\nDataPath,Tarvo data\r\n");
-    const long before = PeakMiB();
+    [[maybe_unused]] const long before = PeakMiB();
     cSHAREDSettings loaded;
     loaded.LoadSettings(path);
+#ifndef __SANITIZE_ADDRESS__ // its quarantine holds freed blocks, so the peak says nothing
     EXPECT_LT(PeakMiB() - before, 64);
+#endif
     EXPECT_EQ(loaded.sGet("Owner").toText(), "Ann");
     EXPECT_EQ(loaded.sGet("DataPath").toText(), "Tarvo data");
     EXPECT_EQ(loaded.sGet("Junk", "none").toText(), "none");

@@ -8,11 +8,11 @@ set -euo pipefail
 packages=(
   build-essential cmake pkg-config
   qt6-base-dev qt6-multimedia-dev libqt6opengl6-dev
-  libzip-dev libical-dev
+  libzip-dev libical-dev qtkeychain-qt6-dev
   libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev
   xvfb xauth x11-utils imagemagick poppler-utils fonts-dejavu-core
   openbox xdotool dbus-daemon dbus-bin desktop-file-utils appstream
-  remind
+  remind radicale
 )
 if [ "${1:-}" = "--fuzz" ]; then
   packages+=(clang libclang-rt-dev)

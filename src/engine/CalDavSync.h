@@ -1,0 +1,68 @@
+#pragma once
+
+#include "engine/CalDavAccount.h"
+#include "model/clsEvent.h"
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+class cSHAREDSettings;
+
+// What one sync did.
+struct CalDavSyncResult {
+    bool ok = false;          // every request the sync needed was answered as asked
+    bool unreachable = false; // the server gave no answer at all (working offline)
+    QString error;            // one line for the user, with the server's answer; "" when ok
+    int published = 0;        // resources written (new or changed)
+    int removed = 0;          // resources deleted
+    int usersRead = 0;        // collections read (other users', and this user's own)
+    int eventsRead = 0;       // events in the merged set written to the cache
+
+    // "Published 2, removed 1; read 2 users, 14 events"
+    QString Summary() const;
+};
+
+// Networked mode through a calendar server. One sync publishes this user's
+// shared events as <CalDAVUrl><CalDAVUser>/tarvo/<IDCode>.ics (only what
+// changed since the last sync, as kept in the state file; resources that
+// another program put there are never touched), then reads every listed
+// user's collection and this user's own (for events that other programs put
+// there), and writes the merged set to the cache file, which the shared
+// databases load like the merged shared files. All network work is
+// asynchronous: Start returns at once and finished follows.
+class CalDavSync : public QObject {
+    Q_OBJECT
+public:
+    CalDavSync(cSHAREDSettings& settings, QObject* parent = nullptr);
+    ~CalDavSync() override;
+
+    // Starts a sync of the given events (this user's events database; its
+    // shared events are picked as the shared folder mode picks them, and
+    // copied, so the list may change while the sync runs). A call while a
+    // sync runs makes one more sync after it, with the events of the latest call.
+    void Start(const QList<EventPtr>& localEvents, const QString& password);
+    bool Running() const;
+
+    // Checks the account: "Connected as Ann; 3 of 3 users' calendars
+    // readable", or what went wrong. done(ok, line) follows later.
+    void TestConnection(const CalDavAccount& account, const QString& password,
+                        std::function<void(bool ok, const QString& line)> done);
+
+    // Data folder + "CalDAVShared.xml": the merged set, in the event-file format.
+    static QString CacheFile(const cSHAREDSettings& settings);
+    // Data folder + "CalDAVState.json": names and ETags of what this user
+    // published, and each collection's sync token and resources.
+    static QString StateFile(const cSHAREDSettings& settings);
+
+signals:
+    void started();
+    void finished(const CalDavSyncResult& result);
+
+private:
+    struct Impl;
+    cSHAREDSettings& m_settings;
+    Impl* m_impl = nullptr;
+};

@@ -2,6 +2,7 @@
 
 #include "shared/OwnerId.h"
 #include "shared/cSHAREDSettings.h"
+#include "storage/DataFiles.h"
 
 #include <QHostAddress>
 
@@ -14,8 +15,7 @@ QString setting(const cSHAREDSettings& settings, const char* key) {
 } // namespace
 
 bool CalDavAccount::CalDavMode(const cSHAREDSettings& settings) {
-    return settings.sGet(QStringLiteral("Networked"), false).toBool() &&
-           setting(settings, kModeKey).compare(QLatin1String("caldav"), Qt::CaseInsensitive) == 0;
+    return DataFiles::CalDavMode(settings);
 }
 
 CalDavAccount CalDavAccount::FromSettings(const cSHAREDSettings& settings) {

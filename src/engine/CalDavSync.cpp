@@ -1,6 +1,5 @@
 #include "engine/CalDavSync.h"
 
-#include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
 #include "storage/DataFiles.h"
 
@@ -40,9 +39,9 @@ void CalDavSync::TestConnection(const CalDavAccount& /*account*/, const QString&
 }
 
 QString CalDavSync::CacheFile(const cSHAREDSettings& settings) {
-    return AppPaths::JoinPath(DataFiles::DataFolder(settings), QStringLiteral("CalDAVShared.xml"));
+    return DataFiles::CalDavCacheFile(settings);
 }
 
 QString CalDavSync::StateFile(const cSHAREDSettings& settings) {
-    return AppPaths::JoinPath(DataFiles::DataFolder(settings), QStringLiteral("CalDAVState.json"));
+    return DataFiles::CalDavStateFile(settings);
 }

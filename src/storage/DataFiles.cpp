@@ -115,6 +115,21 @@ bool Networked(const cSHAREDSettings& settings) {
     return settings.sGet(QStringLiteral("Networked"), false).toBool();
 }
 
+bool CalDavMode(const cSHAREDSettings& settings) {
+    return Networked(settings) && settings.sGet(QStringLiteral("NetworkMode"), QString())
+                                          .toText()
+                                          .trimmed()
+                                          .compare(QLatin1String("caldav"), Qt::CaseInsensitive) == 0;
+}
+
+QString CalDavCacheFile(const cSHAREDSettings& settings) {
+    return AppPaths::JoinPath(DataFolder(settings), QStringLiteral("CalDAVShared.xml"));
+}
+
+QString CalDavStateFile(const cSHAREDSettings& settings) {
+    return AppPaths::JoinPath(DataFolder(settings), QStringLiteral("CalDAVState.json"));
+}
+
 namespace {
 
 // Loads db from path, unless db holds changes to that very file that could

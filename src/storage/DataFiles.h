@@ -28,6 +28,17 @@ QString EventsFile(const cSHAREDSettings& settings);  // data folder + "Events.x
 QString ExpiredFile(const cSHAREDSettings& settings); // data folder + "Expired.xml"
 // The setting "Networked".
 bool Networked(const cSHAREDSettings& settings);
+// Networked and the setting "NetworkMode" is "caldav": the other users'
+// events come from a calendar server (through the cache file) instead of
+// the shared folder.
+bool CalDavMode(const cSHAREDSettings& settings);
+// Data folder + "CalDAVShared.xml": the merged set read from the calendar
+// server, in the event-file format (written by the sync, read like the
+// merged shared files).
+QString CalDavCacheFile(const cSHAREDSettings& settings);
+// Data folder + "CalDAVState.json": what this user published to the server
+// (names and ETags) and each collection's sync token and resources.
+QString CalDavStateFile(const cSHAREDSettings& settings);
 
 // Binds and loads the events and expired databases (as in single-user mode,
 // and keeping a list whose changes could not be saved yet); in networked mode

@@ -24,14 +24,9 @@ protected:
     }
     void open() { view = std::make_unique<frmMonthView>(context); }
 
-    EventPtr add(const QString& desc, const QString& due, int16_t layer = 1) {
-        auto e = std::make_shared<clsEvent>();
-        e->setDesc(desc);
-        e->setDueDate(D(due));
-        e->setStartDate(D(due));
-        e->setLayer(layer);
-        e->setOwner(QStringLiteral("Ann"));
-        events.StoreRecord(e);
+    // Stored and saved: the view reads the file.
+    EventPtr add(const QString& desc, const QString& due, int layer = 1) {
+        EventPtr e = DialogsFixture::add(events, desc, due, QStringLiteral("Ann"), layer);
         events.SaveDB();
         return e;
     }
@@ -77,8 +72,7 @@ TEST_F(MonthView, LayerComboFiltersAndNamesTheWindow) {
     FixedClock clock(QStringLiteral("2009-03-10 09:00"));
     add(QStringLiteral("work"), QStringLiteral("2009-03-05"), 2);
     add(QStringLiteral("home"), QStringLiteral("2009-03-05"), 3);
-    auto flagged = add(QStringLiteral("flagged"), QStringLiteral("2009-03-05"), 3);
-    flagged->SharedEvent = true;
+    add(QStringLiteral("flagged"), QStringLiteral("2009-03-05"), 3)->SharedEvent = true;
     events.SaveDB();
     const QByteArray before = ReadFileBytes(events.DBFilename());
     open();
@@ -124,6 +118,7 @@ TEST_F(MonthView, PrintoutsGoToPdfWithTheirHeadings) {
     gym->setRecurring(true);
     gym->setRecurrenceType(clsEvent::Weekly);
     gym->setPeriod(1);
+    gym->setStartDate(D("2009-03-02"));
     events.SaveDB();
     open();
 

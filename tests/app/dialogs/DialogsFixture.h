@@ -16,6 +16,17 @@
 #include <QLineEdit>
 #include <QWidget>
 
+// A one-off event due on `due` ("YYYY-MM-DD").
+inline EventPtr TestEvent(const QString& desc, const QString& due,
+                          const QString& owner = QStringLiteral("Ann"), int layer = 1) {
+    auto e = std::make_shared<clsEvent>();
+    e->setDesc(desc);
+    e->setDueDate(D(due));
+    e->setOwner(owner);
+    e->setLayer(static_cast<int16_t>(layer));
+    return e;
+}
+
 struct DialogsFixture {
     DialogsFixture() {
         events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
@@ -36,6 +47,14 @@ struct DialogsFixture {
                        expired,  shared,
                        dialogs,  opener,
                        player};
+
+    // A one-off event of owner's in a category, stored in db (not saved).
+    EventPtr add(clsDbXml& db, const QString& desc, const QString& due,
+                 const QString& owner = QStringLiteral("Ann"), int layer = 1) {
+        EventPtr e = TestEvent(desc, due, owner, layer);
+        db.StoreRecord(e);
+        return e;
+    }
 };
 
 // A child control by its name; fails the test when it is missing.

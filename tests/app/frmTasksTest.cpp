@@ -1,6 +1,6 @@
-// The task list window offscreen, with scripted input boxes.
+// The task list window offscreen, with scripted input boxes. Its printout is
+// read back by the date-style test.
 #include "app/dialogs/frmTasks.h"
-#include "app/dialogs/PrintSetup.h"
 #include "shared/cSHAREDSettings.h"
 #include "storage/TaskListFile.h"
 #include "support/ScriptedDialogs.h"
@@ -76,18 +76,6 @@ TEST_F(TaskList, EachChangeIsSavedAndRefusalsKeepTheFile) {
     EXPECT_TRUE(frmTasks(settings, dialogs).Tasks().isEmpty());
 }
 
-// The printout itself is read back by the date-style test.
-TEST_F(TaskList, PrinterNotReadyIsSaid) {
-    const QString nowhere = home.file(QStringLiteral("missing/tasks.pdf"));
-    PdfPrintSetup broken(nowhere);
-    window->setPrintSetup(&broken);
-    click("cmd_print");
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("Unable to print. ") + nowhere + QStringLiteral(" not ready"));
-}
-
-} // namespace
-
 // A task marker would change the file's structure: refused, and the text
 // offered again for correction.
 TEST_F(TaskList, ATaskMarkerIsRefusedAndTheTextOfferedAgain) {
@@ -100,3 +88,5 @@ TEST_F(TaskList, ATaskMarkerIsRefusedAndTheTextOfferedAgain) {
               QStringLiteral("A task cannot contain \"</DETAILS>\": please remove it."));
     EXPECT_EQ(dialogs.shown().at(2).extra, QStringLiteral("see </DETAILS> here"));
 }
+
+} // namespace

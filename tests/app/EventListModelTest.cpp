@@ -1,18 +1,12 @@
 // The main window's event list: cell texts, markers and colours, the layer
-// filter, the three groups of rows, sorting, and the view's selection helpers.
+// filter, the three groups of rows, sorting, and the view's selection.
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
-#include "shared/cSHAREDSettings.h"
-#include "storage/SharedDatabases.h"
-#include "storage/clsDbXml.h"
-#include "storage/clsLayers.h"
-#include "support/LogLines.h"
-#include "support/TestSupport.h"
+#include "app/dialogs/DialogsFixture.h"
 
 #include <QAbstractItemModelTester>
 #include <QHeaderView>
 #include <QTest>
-#include <QToolTip>
 
 namespace {
 
@@ -28,22 +22,16 @@ struct NewEvent {
     QString names;
 };
 
-class EventList : public ::testing::Test {
+class EventList : public ::testing::Test, protected DialogsFixture {
 protected:
     EventList() {
         settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
         layers.setLayer(3, QStringLiteral("Work"));
-        events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
-        expired.SetDBFilename(home.file(QStringLiteral("Expired.xml")));
     }
 
     static EventPtr Make(const NewEvent& s) {
-        auto e = std::make_shared<clsEvent>();
-        e->setDesc(s.desc);
-        e->setDueDate(D(s.due));
+        EventPtr e = TestEvent(s.desc, s.due, s.owner, s.layer);
         e->CalcDaysLeft();
-        e->setOwner(s.owner);
-        e->setLayer(s.layer);
         e->SharedEvent = s.shared;
         e->ShareWithSpecific = s.specific;
         e->ShareNames = s.names;
@@ -63,14 +51,8 @@ protected:
         return out;
     }
 
-    TempHome home;
     FixedClock clock{QStringLiteral("2009-03-05 10:00")}; // a Thursday
-    cSHAREDSettings settings;
-    clsLayers layers{settings};
-    clsDbXml events{settings, &layers};
-    clsDbXml expired{settings, &layers};
-    SharedDatabases shared{settings, layers};
-    EventListModel model{settings, layers, events, expired, shared};
+    EventListModel model{context};
 };
 
 // One row per event: the cells (Left, Day, Date, Year, Event, Layer, Owner,
@@ -252,21 +234,6 @@ TEST_F(EventListWindow, SelectionByIndexSurvivesRefills) {
     events.DeleteRecord(ids[4]);
     view.FillEvents(EventListModel::kAllLayers, false);
     EXPECT_EQ(view.selectedRow(), 0) << "a position past the end falls back to the first row";
-}
-
-TEST_F(EventListWindow, ColourLegendShowsOverRowsAndEmptySpace) {
-    Add(events, {"a", "2009-03-06"});
-    view.FillEvents(EventListModel::kAllLayers, false);
-    view.resize(800, 300);
-    view.show();
-    for (const QPoint& at :
-         {view.visualRect(model.index(0, Col::ColEvent)).center(), QPoint(400, 250)}) {
-        QToolTip::hideText();
-        QHelpEvent help(QEvent::ToolTip, at, view.viewport()->mapToGlobal(at));
-        QCoreApplication::sendEvent(view.viewport(), &help);
-        EXPECT_EQ(QToolTip::text(), EventListView::ColourToolTip());
-    }
-    QToolTip::hideText();
 }
 
 } // namespace

@@ -1,7 +1,10 @@
-// The event editor offscreen, driven by its controls' names.
+// The event editor offscreen, driven by its controls' names, and the edit
+// command around it.
 #include "app/dialogs/frmEvent.h"
+#include "app/dialogs/EventEditFlow.h"
 #include "model/clsEvent.h"
 #include "storage/EventXmlCodec.h"
+#include "support/ModalHelper.h"
 #include <QDir>
 
 #include "DialogsFixture.h"
@@ -245,6 +248,46 @@ TEST_F(EventEditor, DependentControlsFollowTheirBoxesAndPickersFillTheirLabels) 
     EXPECT_FALSE(check("chkSpecificShare")->isEnabled());
     check("chkShared")->click();
     EXPECT_TRUE(check("chkSpecificShare")->isEnabled());
+}
+
+// The edit command around the editor: a failed save and Abort leave the
+// listed event and the file alone; a save updates the listed object itself,
+// with its new due date and days left, and writes it. (Adding and
+// publishing through the real program: tests/e2e/networked_shared_category.sh.)
+TEST_F(EventEditor, EditCommandStoresTheListedEventInPlace) {
+    auto listed = std::make_shared<clsEvent>();
+    listed->setDesc(QStringLiteral("Dentist"));
+    listed->setRecurrenceType(clsEvent::EveryXDays);
+    listed->setPeriod(7);
+    listed->setStartDate(D("2009-03-01"));
+    listed->setRecurring(true);
+    listed->setDaysLeft(-5); // as an expired copy left it
+    events.StoreRecord(listed);
+    auto whenEditorOpens = [](const char* desc, QStringList clicks, const char* period = "7") {
+        WhenModalAppears([=](QWidget* editor) {
+            editor->findChild<QPlainTextEdit*>(QStringLiteral("txtDesc"))
+                ->setPlainText(QString::fromLatin1(desc));
+            editor->findChild<QLineEdit*>(QStringLiteral("txtDailyPeriod"))
+                ->setText(QString::fromLatin1(period));
+            for (const QString& name : clicks) {
+                editor->findChild<QPushButton*>(name)->click();
+            }
+        });
+    };
+
+    whenEditorOpens("half typed", {"cmdSave", "cmdAbort"}, "often");
+    EXPECT_FALSE(EventEditFlow::EditEvent(context, events, listed));
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral("Please enter a number in the repeat box")});
+    EXPECT_EQ(listed->Desc(), QStringLiteral("Dentist"));
+    EXPECT_FALSE(QFileInfo::exists(events.DBFilename()));
+
+    whenEditorOpens("Dentist, new time", {"cmdSave"});
+    EXPECT_TRUE(EventEditFlow::EditEvent(context, events, listed));
+    EXPECT_EQ(events.Events(), QList<EventPtr>{listed}) << "the listed object itself is updated";
+    EXPECT_DOUBLE_EQ(listed->DueDate(), D("2009-03-08"));
+    EXPECT_EQ(listed->DaysLeft(), 3) << "the list shows the new days left, not the old ones";
+    EXPECT_TRUE(ReadFileBytes(events.DBFilename()).contains("<Desc>Dentist,%20new%20time<"));
 }
 
 } // namespace

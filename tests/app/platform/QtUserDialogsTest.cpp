@@ -1,14 +1,12 @@
 #include "app/platform/QtUserDialogs.h"
 
 #include "app/platform/DatePickerDialog.h"
-#include "shared/AppInfo.h"
 #include "support/ModalHelper.h"
 #include "support/TestSupport.h"
 
 #include <QAbstractButton>
 #include <QCalendarWidget>
 #include <QInputDialog>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -18,7 +16,6 @@ namespace {
 
 // What a message box looked like when it came up.
 struct SeenBox {
-    QString title;
     QString text;
     QMessageBox::StandardButtons buttons;
     QMessageBox::StandardButton defaultButton = QMessageBox::NoButton;
@@ -29,7 +26,6 @@ void Answer(QMessageBox::StandardButton button, SeenBox* seen) {
     WhenModalAppears([button, seen](QWidget* w) {
         auto* box = qobject_cast<QMessageBox*>(w);
         ASSERT_NE(box, nullptr);
-        seen->title = box->windowTitle();
         seen->text = box->text();
         seen->buttons = box->standardButtons();
         if (box->defaultButton() != nullptr) {
@@ -39,18 +35,14 @@ void Answer(QMessageBox::StandardButton button, SeenBox* seen) {
     });
 }
 
-TEST(QtUserDialogs, MessageAndQuestionsShowTheirButtonsAndReturnTheAnswer) {
+// Plain messages and the default title are answered through the real
+// program by tests/e2e (lib/family.sh waits for "Tarvo" boxes).
+TEST(QtUserDialogs, QuestionsShowTheirButtonsAndDefaultAndReturnTheAnswer) {
     QtUserDialogs dialogs;
     SeenBox seen;
-    Answer(QMessageBox::Ok, &seen);
-    dialogs.Message(QStringLiteral("line one\rline two"), {}, UserDialogs::Icon::Warning);
-    EXPECT_EQ(seen.title, AppInfo::Title());
-    EXPECT_EQ(seen.text, QStringLiteral("line one\nline two"));
-    EXPECT_EQ(seen.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
-
     Answer(QMessageBox::Yes, &seen);
-    EXPECT_TRUE(dialogs.AskYesNo(QStringLiteral("Delete?"), QStringLiteral("Own title"), false));
-    EXPECT_EQ(seen.title, QStringLiteral("Own title"));
+    EXPECT_TRUE(dialogs.AskYesNo(QStringLiteral("Delete?\rAll of it?"), {}, false));
+    EXPECT_EQ(seen.text, QStringLiteral("Delete?\nAll of it?"));
     EXPECT_EQ(seen.buttons, QMessageBox::Yes | QMessageBox::No);
     EXPECT_EQ(seen.defaultButton, QMessageBox::No);
     Answer(QMessageBox::No, &seen);
@@ -62,7 +54,7 @@ TEST(QtUserDialogs, MessageAndQuestionsShowTheirButtonsAndReturnTheAnswer) {
     EXPECT_EQ(seen.buttons, QMessageBox::Retry | QMessageBox::Cancel);
 }
 
-TEST(QtUserDialogs, InputBoxGivesTheTypedTextOrNothingOnCancel) {
+TEST(QtUserDialogs, InputBoxIsAsWideAsItsWindowAndGivesTheTypedText) {
     QWidget list;
     list.resize(560, 300);
     QtUserDialogs dialogs(&list);
@@ -80,9 +72,6 @@ TEST(QtUserDialogs, InputBoxGivesTheTypedTextOrNothingOnCancel) {
                                QStringLiteral("old")),
               std::optional<QString>(QStringLiteral("Buy milk")));
     EXPECT_EQ(prompt, QStringLiteral("Enter a todo item:"));
-
-    WhenModalAppears([](QWidget* w) { qobject_cast<QDialog*>(w)->reject(); });
-    EXPECT_FALSE(dialogs.InputBox(QStringLiteral("Change"), {}, {}).has_value());
 }
 
 TEST(QtUserDialogs, DatePickerStartsAtTheGivenDayAndReturnsTheChosenOne) {

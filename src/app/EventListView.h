@@ -21,8 +21,6 @@ public:
     // The model is not owned (frmMain keeps it beside the view).
     explicit EventListView(EventListModel* model, QWidget* parent = nullptr);
 
-    EventListModel* eventModel() const { return m_model; }
-
     // The list's whole refill: remembers the selected position, rebuilds the
     // rows with drawing switched off, and selects the row now at that position
     // (the first row when the list got shorter or nothing was selected),

@@ -73,9 +73,7 @@ public:
 
     EventListModel& model() { return *m_model; }
     EventListView& list() { return *m_list; }
-    RefreshTick& refreshTick() { return *m_tick; }
     QTimer& refreshTimer() { return m_refreshTimer; }
-    ReminderServices& services() { return m_services; }
     // Undo and redo of the changes made from this window (frmMainHistory.cpp).
     QUndoStack& history() { return *m_history; }
     // The rows selected, in list order.

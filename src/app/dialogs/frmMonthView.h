@@ -45,8 +45,6 @@ public:
 
     // Shows another month with the chosen layer filter.
     void ShowMonth(int year, int month);
-    int Year() const { return m_year; }
-    int Month() const { return m_month; }
 
     // Day box 0..41, and its text ("day\nline\nline...", "" when empty).
     QPlainTextEdit* Calbox(int index) const;

@@ -36,9 +36,6 @@ public:
     void MakeTopmost() override;
     void Unload() override;
 
-    bool soundFlag() const { return m_soundFlag; }
-    QString soundFile() const { return m_soundFile; }
-    bool sleeping() const { return m_sleeping; }
     QTimer& timer() { return m_timer; }
     // The lines in their shown order.
     QStringList lines() const;

@@ -6,8 +6,7 @@
 #include "shared/cSHAREDShowError.h"
 #include "shared/cSharedLogging.h"
 
-#include "support/ScriptedDialogs.h"
-#include "support/TestSupport.h"
+#include "DialogsFixture.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -40,11 +39,7 @@ protected:
         }
     }
 
-    template <typename T> T* child(const char* name) {
-        T* w = window.findChild<T*>(QLatin1String(name));
-        EXPECT_NE(w, nullptr) << name;
-        return w;
-    }
+    template <typename T> T* child(const char* name) { return Control<T>(&window, name); }
     void click(const char* name) { QTest::mouseClick(child<QPushButton>(name), Qt::LeftButton); }
 
     QString viewerText(const char* name) {
@@ -84,7 +79,7 @@ TEST_F(ErrorReportWindowTest, ShowsTheErrorAndTheLogAndHelp) {
     EXPECT_TRUE(viewerText("frmHelp").contains(QStringLiteral("About Tarvo")));
 }
 
-TEST_F(ErrorReportWindowTest, ViewReportWritesFullLogAndShowsIt) {
+TEST_F(ErrorReportWindowTest, TheReportIsViewedAndSubmitted) {
     window.ShowError(QStringLiteral("Bad thing"));
     click("cmdShowComments");
     EXPECT_TRUE(child<QGroupBox>("fraComments")->isVisibleTo(&window));
@@ -96,10 +91,8 @@ TEST_F(ErrorReportWindowTest, ViewReportWritesFullLogAndShowsIt) {
     EXPECT_EQ(TextCodec::FromWindows1252(ReadFileBytes(fSHAREDErrorRpt::FullLogPath())), expected);
     EXPECT_EQ(viewerText("frmReport"),
               QString(expected).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
-}
 
-TEST_F(ErrorReportWindowTest, SubmitSavesWhereTheUserSaysAndCopiesToTheClipboard) {
-    window.ShowError(QStringLiteral("Bad thing"));
+    // Submit saves where the user says and copies to the clipboard.
     const QString file = home.file(QStringLiteral("report.txt"));
     dialogs.answerCancel();
     click("cmdEmail");
@@ -110,7 +103,8 @@ TEST_F(ErrorReportWindowTest, SubmitSavesWhereTheUserSaysAndCopiesToTheClipboard
     click("cmdEmail");
     const QString report = TextCodec::FromWindows1252(ReadFileBytes(file));
     EXPECT_TRUE(report.startsWith(QStringLiteral("Error Report: ")));
-    EXPECT_TRUE(report.contains(QStringLiteral("Bad thing")));
+    EXPECT_TRUE(report.contains(QStringLiteral("Bad thing")) &&
+                report.contains(QStringLiteral("my words")));
     EXPECT_EQ(QGuiApplication::clipboard()->text(), report);
     EXPECT_EQ(dialogs.lastText(),
               QStringLiteral("The error report was saved to ") + file +

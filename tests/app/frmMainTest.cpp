@@ -1,11 +1,13 @@
 // The main window offscreen with a temporary home folder and scripted
 // dialogs: the commands it offers, what they refuse, undo, search, the
-// filter, the calendar files, and closing. Opening the other windows, help
-// and the first start are driven through the real program by tests/e2e.
+// filter, the calendar files, closing, and the first start. Opening the other
+// windows and help are driven through the real program by tests/e2e.
 #include "app/frmMain.h"
 #include "app/EventListModel.h"
 #include "app/EventListView.h"
+#include "app/StartUp.h"
 #include "app/dialogs/DialogsFixture.h"
+#include "app/dialogs/frmOptions.h"
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDZipFiles.h"
 #include "storage/BackupArchive.h"
@@ -332,6 +334,21 @@ TEST_F(MainWindow, FileMenuExportsAndImportsTheList) {
     window->findChild<QAction*>(QStringLiteral("mnuImportCalendar"))->trigger();
     EXPECT_EQ(dialogs.lastText(), QStringLiteral("Imported 1 event from ") + file + '.');
     EXPECT_EQ(window->model().rowCount(), 2);
+}
+
+// The first start says why the options come up, before any database is
+// opened. (Cancel and save through the real program: tests/e2e/first_start.sh.)
+TEST_F(MainWindow, FirstStartSaysWhyTheOptionsComeUp) {
+    events.SetDBFilename(QString());
+    WhenModalAppears([](QWidget* options) {
+        options->findChild<QPushButton*>(QStringLiteral("cmdAbort"))->click();
+    });
+    EXPECT_FALSE(
+        StartUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); }).Run());
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral(
+                  "Reminder options not set. Please type in requested information.")});
+    EXPECT_EQ(events.DBFilename(), QString());
 }
 
 } // namespace

@@ -10,11 +10,13 @@
 #include "DialogsFixture.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTabWidget>
 #include <QTest>
 
@@ -58,9 +60,11 @@ protected:
 };
 
 // The line under the tabs shows the dates the rule gives (the engine's, with
-// their cases) as it is edited, or the rule's fault, and never touches the
-// event being edited. The clock says Thursday 5 March 2009.
+// their cases) in the user's date style as it is edited, or the rule's
+// fault, and never touches the event being edited. The clock says Thursday
+// 5 March 2009.
 TEST_F(EventEditor, NextDatesFollowTheRuleAsItIsEdited) {
+    settings.sSet(QStringLiteral("DateStyle"), 2);
     event.setDesc(QStringLiteral("Untouched"));
     event.setRecurring(true);
     const clsEvent before = event;
@@ -69,7 +73,9 @@ TEST_F(EventEditor, NextDatesFollowTheRuleAsItIsEdited) {
     check("chkDay5")->click();
     EXPECT_EQ(
         label("lblNextDates")->text(),
-        "Next: Fri 06/03/2009, Mon 09/03/2009, Fri 13/03/2009, Mon 16/03/2009, Fri 20/03/2009");
+        "Next: Fri 03/06/2009, Mon 03/09/2009, Fri 03/13/2009, Mon 03/16/2009, Fri 03/20/2009");
+    Control<QRadioButton>(window.get(), "optShowOnce")->click();
+    EXPECT_EQ(label("lblNextDates")->text(), QStringLiteral("Once: Fri 03/06/2009"));
     tab(clsEvent::EveryXDays);
     EXPECT_EQ(label("lblNextDates")->text(), "\u26A0 Please enter a valid starting date");
     EXPECT_TRUE(event == before);
@@ -192,6 +198,8 @@ TEST_F(EventEditor, DependentControlsFollowTheirBoxesAndPickersFillTheirLabels) 
     EXPECT_EQ(list("lstMonthNames")->currentRow(), 2) << "the current month";
     EXPECT_EQ(box("txtDayOfMonth")->text(), QStringLiteral("5")) << "today's day";
     EXPECT_TRUE(Control<QGroupBox>(window.get(), "FrameShared")->isHidden()) << "single-user";
+    EXPECT_EQ(Control<QComboBox>(window.get(), "cmbLayers")->count(), 20)
+        << "\"All Categories\" is no category for an event";
     check("chkEmailTo")->click();
     EXPECT_EQ(box("txtEmailAlert")->text(), QStringLiteral("me@home.test")) << "the last address";
     for (const bool ticked : {false, true}) {

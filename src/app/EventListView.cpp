@@ -82,14 +82,6 @@ QList<int> EventListView::selectedRows() const {
     return rows;
 }
 
-QStringList EventListView::selectedIDCodes() const {
-    QStringList codes;
-    for (int row : selectedRows()) {
-        codes.append(m_model->IDCode(row));
-    }
-    return codes;
-}
-
 void EventListView::selectRow(int row) {
     if (row < 0 || row >= m_model->rowCount()) {
         return;

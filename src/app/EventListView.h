@@ -32,8 +32,6 @@ public:
     int selectedRow() const;
     // Every selected row, in list order.
     QList<int> selectedRows() const;
-    // The ID codes of the selected rows, in list order.
-    QStringList selectedIDCodes() const;
     // Selects just this row, makes it current and scrolls it into view.
     void selectRow(int row);
     // After a refill: the row at that position again, or the first row when

@@ -37,14 +37,14 @@ public:
     };
 
     // Queue answers, consumed first in first out.
-    ScriptedDialogs& answerYes();
-    ScriptedDialogs& answerNo();
-    ScriptedDialogs& answerRetry();
+    ScriptedDialogs& answerYes() { return queue({AnswerKind::Yes, {}}); }
+    ScriptedDialogs& answerNo() { return queue({AnswerKind::No, {}}); }
+    ScriptedDialogs& answerRetry() { return queue({AnswerKind::Retry, {}}); }
     // Cancel for Retry/Cancel, an input box, a chooser or the date picker.
-    ScriptedDialogs& answerCancel();
+    ScriptedDialogs& answerCancel() { return queue({AnswerKind::Cancel, {}}); }
     // A typed text (input box), a chosen file or folder.
-    ScriptedDialogs& answerText(const QString& text);
-    ScriptedDialogs& answerDate(DateValue day);
+    ScriptedDialogs& answerText(const QString& text) { return queue({AnswerKind::Text, text}); }
+    ScriptedDialogs& answerDate(DateValue day) { return queue({AnswerKind::Date, {}, day}); }
 
     // Every box shown so far, oldest first.
     const QList<Shown>& shown() const { return m_shown; }
@@ -77,9 +77,15 @@ private:
         DateValue date = 0;
     };
 
+    ScriptedDialogs& queue(Answer answer) {
+        m_answers.push_back(std::move(answer));
+        return *this;
+    }
     // The next queued answer, if any; a wrong kind fails the test and is
     // treated as no answer.
     std::optional<Answer> take(Kind box, std::initializer_list<AnswerKind> fitting);
+    // Records a box that is answered with a text or cancelled, and answers it.
+    std::optional<QString> textAnswer(const Shown& box);
 
     QList<Shown> m_shown;
     std::deque<Answer> m_answers;

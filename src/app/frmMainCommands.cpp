@@ -206,6 +206,7 @@ void frmMain::ReloadDatabases() {
     DataFiles::LoadDatabases(m_app.settings, m_app.events, m_app.expired, m_app.shared);
     m_services.shared = DataFiles::Networked(m_app.settings) ? &m_app.shared.SharedSet() : nullptr;
     m_history->clear(); // its objects belong to the lists just replaced
+    StartCalDav();
     FillCategories();
     FillEvents();
     emit optionsReloaded();

@@ -5,6 +5,8 @@
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
 
+#include <QPointer>
+
 CalDavAutoSync::CalDavAutoSync(cSHAREDSettings& settings, clsDbXml& events, SharedDatabases& shared,
                                QObject* parent)
     : QObject(parent), m_events(events), m_shared(shared),
@@ -29,15 +31,16 @@ CalDavAutoSync::CalDavAutoSync(cSHAREDSettings& settings, clsDbXml& events, Shar
     });
 }
 
-CalDavAutoSync::~CalDavAutoSync() {
-    // The events database outlives this object: its saves stop calling here.
-    if (m_events.Publishing()) {
-        m_events.setPublisher({});
-    }
-}
+CalDavAutoSync::~CalDavAutoSync() = default;
 
 void CalDavAutoSync::AttachToEvents() {
-    m_events.setPublisher([this](clsDbXml&) { m_settle.start(); });
+    // The events database outlives this object, and may have been given
+    // another publisher by then (the options changed the mode).
+    m_events.setPublisher([self = QPointer<CalDavAutoSync>(this)](clsDbXml&) {
+        if (self) {
+            self->m_settle.start();
+        }
+    });
 }
 
 void CalDavAutoSync::Begin() {

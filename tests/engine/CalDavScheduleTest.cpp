@@ -1,8 +1,17 @@
 // When the desktop syncs with the calendar server and what its status line
-// and log say, along one morning of ticks and answers.
+// and log say, along one morning of ticks and answers; and the saves that
+// start syncs.
 #include "engine/CalDavSchedule.h"
+#include "engine/CalDavAutoSync.h"
+#include "engine/CalDavPassword.h"
 #include "engine/CalDavSync.h"
+#include "shared/cSHAREDSettings.h"
+#include "storage/SharedDatabases.h"
+#include "storage/clsLayers.h"
 #include "support/TestSupport.h"
+
+#include <QSignalSpy>
+#include <QTest>
 
 namespace {
 
@@ -72,6 +81,32 @@ TEST(CalDavSchedule, TicksAnswersStatusAndLog) {
               QStringLiteral("No password is stored for ann at http://127.0.0.1/"));
     schedule.Reset();
     EXPECT_TRUE(schedule.TickWantsSync(D(QStringLiteral("2009-03-05 11:00"))));
+}
+
+// Saves of the events database start syncs, a burst of them only one.
+TEST(CalDavAutoSync, OneSyncAfterStartUpAndOneAfterABurstOfSaves) {
+    TempHome home;
+    cSHAREDSettings settings;
+    settings.sSet(QStringLiteral("Networked"), true);
+    settings.sSet(QStringLiteral("NetworkMode"), QStringLiteral("caldav"));
+    settings.sSet(QStringLiteral("CalDAVUrl"), QStringLiteral("http://127.0.0.1:9/"));
+    settings.sSet(QStringLiteral("CalDAVUser"), QStringLiteral("ann"));
+    clsLayers layers{settings};
+    clsDbXml events{settings, &layers};
+    events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
+    SharedDatabases shared{settings, layers};
+    qputenv(CalDavPassword::kEnvironmentVariable, "pw");
+    CalDavAutoSync sync(settings, events, shared);
+    QSignalSpy started(&sync.Sync(), &CalDavSync::started);
+    sync.AttachToEvents();
+    sync.Begin();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return started.count() == 1; }, 2000));
+    for (int i = 0; i < 3; ++i) {
+        events.SaveDB();
+    }
+    QTest::qWait(CalDavAutoSync::kSettleMs + 500);
+    EXPECT_EQ(started.count(), 2);
+    qunsetenv(CalDavPassword::kEnvironmentVariable);
 }
 
 } // namespace

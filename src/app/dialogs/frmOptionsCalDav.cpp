@@ -70,7 +70,7 @@ QWidget* frmOptions::buildCalDavControls(QWidget* parent) {
     grid->addWidget(txtCalDavPassword, 1, 3);
     label("Show events &of:", txtCalDavUsers, 2, 0);
     grid->addWidget(txtCalDavUsers, 2, 1, 1, 3);
-    grid->addWidget(cmdTestCalDav, 3, 0, 1, 2, Qt::AlignLeft);
+    grid->addWidget(cmdTestCalDav, 3, 0);
     grid->addWidget(lblCalDavTest, 3, 1, 1, 3);
     grid->setColumnStretch(1, 1);
     grid->setColumnStretch(3, 1);

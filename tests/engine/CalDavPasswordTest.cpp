@@ -19,9 +19,6 @@ namespace {
 // Both daemons stay up until this test program ends (and end with it): the
 // secret store library keeps its bus connection for the life of the process
 // and ends the process when the bus goes away.
-QProcess* g_bus = nullptr;
-QProcess* g_keyring = nullptr;
-
 QProcess* daemonForLife() {
     auto* process = new QProcess;
     process->setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
@@ -38,8 +35,8 @@ QString readNow(const char* user) {
 
 TEST(CalDavPassword, FromTheSecretStoreUnlessTheEnvironmentHasOne) {
     TempHome home;
-    g_bus = daemonForLife();
-    const QString address = StartSessionBus(*g_bus, home.path());
+    static QProcess* const bus = daemonForLife();
+    const QString address = StartSessionBus(*bus, home.path());
     if (address.isEmpty()) {
         GTEST_SKIP() << "a private D-Bus session bus cannot start here (dbus-daemon)";
     }
@@ -59,21 +56,23 @@ TEST(CalDavPassword, FromTheSecretStoreUnlessTheEnvironmentHasOne) {
     EXPECT_EQ(readNow("ann"), QStringLiteral("password: from-env"));
     qunsetenv(CalDavPassword::kEnvironmentVariable);
 
-    g_keyring = daemonForLife();
+    static QProcess* const keyring = daemonForLife();
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
     env.insert(QStringLiteral("XDG_DATA_HOME"), home.path());
     env.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
-    g_keyring->setProcessEnvironment(env);
-    g_keyring->start(QStringLiteral("gnome-keyring-daemon"),
-                     {QStringLiteral("--foreground"), QStringLiteral("--components=secrets"),
-                      QStringLiteral("--unlock")});
-    g_keyring->write("test-keyring\n"); // the new keyring's password
-    g_keyring->closeWriteChannel();
-    QDBusConnectionInterface* bus =
+    keyring->setProcessEnvironment(env);
+    keyring->start(QStringLiteral("gnome-keyring-daemon"),
+                   {QStringLiteral("--foreground"), QStringLiteral("--components=secrets"),
+                    QStringLiteral("--unlock")});
+    keyring->write("test-keyring\n"); // the new keyring's password
+    keyring->closeWriteChannel();
+    QDBusConnectionInterface* probe =
         QDBusConnection::connectToBus(address, QStringLiteral("probe")).interface();
     const bool serving = QTest::qWaitFor(
-        [&] { return bus->isServiceRegistered(QStringLiteral("org.freedesktop.secrets")).value(); },
+        [&] {
+            return probe->isServiceRegistered(QStringLiteral("org.freedesktop.secrets")).value();
+        },
         10000);
     if (serving) {
         EXPECT_EQ(readNow("ann"), QStringLiteral("No password is stored for ann at "
@@ -89,7 +88,7 @@ TEST(CalDavPassword, FromTheSecretStoreUnlessTheEnvironmentHasOne) {
     qputenv("DBUS_SESSION_BUS_ADDRESS", oldBus);
     if (!serving) {
         GTEST_SKIP() << "the keyring daemon (gnome-keyring-daemon) cannot start on a private bus: "
-                     << g_keyring->readAllStandardError().toStdString();
+                     << keyring->readAllStandardError().toStdString();
     }
 }
 

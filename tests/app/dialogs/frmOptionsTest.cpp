@@ -231,9 +231,7 @@ TEST_F(OptionsWindow, CalDavServerChoiceAndItsRefusals) {
     box("txtOwner")->setText(QStringLiteral("Ann"));
     box("txtCalDavUrl")->setText(QStringLiteral("http://example.com"));
     button("cmdTestCalDav")->click();
-    const QString plainHttp = QStringLiteral("Plain http:// would send the password readable over "
-                                             "the network; use https:// for example.com");
-    EXPECT_EQ(Control<QLabel>(window.get(), "lblCalDavTest")->text(), plainHttp);
+    EXPECT_TRUE(Control<QLabel>(window.get(), "lblCalDavTest")->text().endsWith("for example.com"));
     const struct {
         const char* url;
         const char* user;
@@ -241,7 +239,8 @@ TEST_F(OptionsWindow, CalDavServerChoiceAndItsRefusals) {
         const char* says;
         const char* focus;
     } cases[] = {
-        {"http://example.com", "ann", "", "Plain http://", "txtCalDavUrl"},
+        {"http://example.com", "ann", "", "Plain http:// would send the password readable",
+         "txtCalDavUrl"},
         {"http://127.0.0.1:5232", " ", "", "needs your user name there", "txtCalDavUser"},
         {"http://127.0.0.1:5232", "ann", "s3cret",
          "The password for ann at http://127.0.0.1:5232/ cannot be stored in the secret store: ",

@@ -13,6 +13,7 @@
 #include "app/dialogs/frmShareWith.h"
 #include "app/dialogs/frmTasks.h"
 #include "app/frmMain.h"
+#include "engine/ShareableUsers.h"
 #include "engine/clsReminder.h"
 #include "shared/AppInfo.h"
 #include "shared/AppPaths.h"
@@ -302,7 +303,7 @@ void frmMain::ShareWith() {
     if (!e) {
         return;
     }
-    frmShareWith dialog(*e, SharedDatabases::ReadUserList(m_app.shared.UserListFile()), this);
+    frmShareWith dialog(*e, ShareableUsers::For(m_app.settings), this);
     if (dialog.exec() != QDialog::Accepted) {
         return;
     }

@@ -296,6 +296,13 @@ TEST_F(EventEditor, SharingFrameInNetworkedMode) {
     save();
     ASSERT_TRUE(window->Saved());
     EXPECT_EQ(event.ShareNames, QStringLiteral("Bob\r\nAnn\r\n")) << "in list order";
+
+    // Through a calendar server: the users whose events are shown.
+    settings.sSet(QStringLiteral("NetworkMode"), QStringLiteral("caldav"));
+    settings.sSet(QStringLiteral("CalDAVUsers"), QStringLiteral("Carol, Dave"));
+    open();
+    ASSERT_EQ(list("lstUsers")->count(), 2);
+    EXPECT_EQ(list("lstUsers")->item(1)->text(), QStringLiteral("Dave"));
 }
 
 } // namespace

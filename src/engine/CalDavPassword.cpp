@@ -59,27 +59,29 @@ void Read(const CalDavAccount& account, QObject* context,
     if (qEnvironmentVariableIsSet(kEnvironmentVariable)) {
         const QString password = qEnvironmentVariable(kEnvironmentVariable);
         QMetaObject::invokeMethod(
-            context, [done, password] { done(password, QString()); }, Qt::QueuedConnection);
+            context, [done = std::move(done), password] { done(password, QString()); },
+            Qt::QueuedConnection);
         return;
     }
     auto* job = newJob<QKeychain::ReadPasswordJob>(account);
     const QString who = whose(account);
-    QObject::connect(job, &QKeychain::Job::finished, context, [done, who](QKeychain::Job* j) {
-        const auto* read = static_cast<QKeychain::ReadPasswordJob*>(j);
-        switch (j->error()) {
-        case QKeychain::NoError:
-            done(read->textData(), QString());
-            break;
-        case QKeychain::EntryNotFound:
-            done(QString(), QStringLiteral("No password is stored for ") + who +
-                                QStringLiteral("; enter it in Options"));
-            break;
-        default:
-            done(QString(), QStringLiteral("The password for ") + who +
-                                QStringLiteral(" cannot be read from the secret store: ") +
-                                j->errorString());
-        }
-    });
+    QObject::connect(
+        job, &QKeychain::Job::finished, context, [done = std::move(done), who](QKeychain::Job* j) {
+            const auto* read = static_cast<QKeychain::ReadPasswordJob*>(j);
+            switch (j->error()) {
+            case QKeychain::NoError:
+                done(read->textData(), QString());
+                break;
+            case QKeychain::EntryNotFound:
+                done(QString(), QStringLiteral("No password is stored for ") + who +
+                                    QStringLiteral("; enter it in Options"));
+                break;
+            default:
+                done(QString(), QStringLiteral("The password for ") + who +
+                                    QStringLiteral(" cannot be read from the secret store: ") +
+                                    j->errorString());
+            }
+        });
     job->start();
 }
 
@@ -101,13 +103,14 @@ void Write(const CalDavAccount& account, const QString& password, QObject* conte
     auto* job = newJob<QKeychain::WritePasswordJob>(account);
     job->setTextData(password);
     const QString who = whose(account);
-    QObject::connect(job, &QKeychain::Job::finished, context, [done, who](QKeychain::Job* j) {
-        done(j->error() == QKeychain::NoError
-                 ? QString()
-                 : QStringLiteral("The password for ") + who +
-                       QStringLiteral(" cannot be stored in the secret store: ") +
-                       j->errorString());
-    });
+    QObject::connect(job, &QKeychain::Job::finished, context,
+                     [done = std::move(done), who](QKeychain::Job* j) {
+                         done(j->error() == QKeychain::NoError
+                                  ? QString()
+                                  : QStringLiteral("The password for ") + who +
+                                        QStringLiteral(" cannot be stored in the secret store: ") +
+                                        j->errorString());
+                     });
     job->start();
 }
 

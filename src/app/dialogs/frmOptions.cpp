@@ -390,7 +390,8 @@ void frmOptions::cmdSave_Click() {
         m_context.dialogs.Message(S("You must specify a user ID"), {}, UserDialogs::Icon::Warning);
         return;
     }
-    // The ID names this user's file in the shared folder.
+    // The ID names this user's file in the shared folder, and is the owner
+    // the other users see on this user's events either way.
     if (networked) {
         if (const QString problem = OwnerId::Problem(id); !problem.isEmpty()) {
             m_context.dialogs.Message(problem, {}, UserDialogs::Icon::Warning);

@@ -418,9 +418,11 @@ void frmOptions::cmdSave_Click() {
         if (!AcceptId(id, keptId)) {
             return;
         }
-    } else if (wasFolderMode) {
-        // Leaving networked mode: the published copy would otherwise stay
-        // visible to the others, alarms and all, for good.
+    }
+    if (wasFolderMode && (!networked || calDav)) {
+        // Leaving the shared folder (for single use or a calendar server):
+        // the published copy would otherwise stay visible to the others,
+        // alarms and all, for good.
         const QString ownId = OwnID();
         if (m_context.dialogs.AskYesNo(S("Stop sharing your events with the other users?"))) {
             if (const QString error = m_context.shared.StopSharing(ownId); !error.isEmpty()) {

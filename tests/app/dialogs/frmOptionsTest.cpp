@@ -218,17 +218,20 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
 // in its mode; an address or user name that cannot be used, or a password
 // the secret store does not take (the tests have no secret store), is
 // refused with its box in focus and nothing stored; the choice is stored,
-// the password never.
+// the password never, and the shared folder is left as when leaving it.
 TEST_F(OptionsWindow, CalDavServerChoiceAndItsRefusals) {
     existingWav();
+    const QString folder = sharedFolder("Bob\r\nAnn\r\n");
+    settings.sSet(QStringLiteral("SharedDataPath"), folder);
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
+    settings.sSet(QStringLiteral("Networked"), true);
+    const QByteArray stored = settings.FileBytes();
     open();
-    button("optNetworked")->click();
     for (const bool calDav : {true, false, true}) {
         button(calDav ? "optCalDav" : "optFolder")->click();
         EXPECT_EQ(box("txtSharedDBPath")->isEnabled(), !calDav);
         EXPECT_EQ(box("txtCalDavUrl")->isEnabled(), calDav);
     }
-    box("txtOwner")->setText(QStringLiteral("Ann"));
     box("txtCalDavUrl")->setText(QStringLiteral("http://example.com"));
     button("cmdTestCalDav")->click();
     EXPECT_TRUE(Control<QLabel>(window.get(), "lblCalDavTest")->text().endsWith("for example.com"));
@@ -256,22 +259,23 @@ TEST_F(OptionsWindow, CalDavServerChoiceAndItsRefusals) {
         EXPECT_TRUE(dialogs.lastText().contains(QString::fromLatin1(c.says)))
             << dialogs.lastText().toStdString();
         EXPECT_EQ(window->focusWidget(), box(c.focus));
-        EXPECT_EQ(settings.SettingsCount(), 0);
+        EXPECT_EQ(settings.FileBytes(), stored);
     }
 
     dialogs.clear();
+    dialogs.answerYes();
     box("txtCalDavPassword")->clear(); // emptied: the stored one stays
     box("txtCalDavUsers")->setText(QStringLiteral(" bob, carol "));
     button("cmdSave")->click();
-    EXPECT_EQ(dialogs.count(), 0) << dialogs.lastText().toStdString();
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral("Stop sharing your events with the other users?")});
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Bob\r\n"));
     const QByteArray ini = ReadFileBytes(context.settingsFile);
     for (const char* line : {"NETWORKMODE,caldav\r\n", "CALDAVURL,http://127.0.0.1:5232\r\n",
                              "CALDAVUSER,ann\r\n", "CALDAVUSERS,bob, carol\r\n", "OWNER,Ann\r\n"}) {
         EXPECT_TRUE(ini.contains(line)) << line << " in " << ini.toStdString();
     }
     EXPECT_FALSE(ini.contains("s3cret"));
-    EXPECT_FALSE(QFileInfo::exists(home.file(QStringLiteral("TVOShared.ini"))))
-        << "nothing of the shared folder's";
 }
 
 TEST_F(OptionsWindow, MissingSoundFileTurnsSoundsOffUnlessAlreadyOff) {

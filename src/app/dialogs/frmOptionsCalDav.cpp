@@ -143,8 +143,12 @@ bool frmOptions::CalDavAccepted() {
                       txtCalDavUser);
     }
     if (m_passwordEdited && !txtCalDavPassword->text().isEmpty()) {
+        // The store may ask the user to unlock it; the window stays live
+        // meanwhile, but is not saved twice.
+        cmdSave->setEnabled(false);
         const QString error =
             CalDavPassword::WriteNow(TypedCalDavAccount(), txtCalDavPassword->text());
+        cmdSave->setEnabled(true);
         if (!error.isEmpty()) {
             return refuse(error, txtCalDavPassword);
         }

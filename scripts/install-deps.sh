@@ -12,7 +12,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev libpugixml-dev
   xvfb xauth x11-utils imagemagick poppler-utils fonts-dejavu-core
   openbox xdotool dbus-daemon dbus-bin desktop-file-utils appstream
-  remind radicale
+  remind radicale gnome-keyring
 )
 if [ "${1:-}" = "--fuzz" ]; then
   packages+=(clang libclang-rt-dev)

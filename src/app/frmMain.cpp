@@ -8,6 +8,7 @@
 #include "app/frmRunner.h"
 #include "app/platform/DBusNotifier.h"
 #include "app/reminders/ReminderWindowFactory.h"
+#include "engine/CalDavAutoSync.h"
 #include "engine/clsReminder.h"
 #include "shared/StatusNotices.h"
 #include "shared/cSHAREDSettings.h"
@@ -105,10 +106,7 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
                            [this] { FillEvents(); },
                            [this] { return m_app.settings.SaveSettings(m_app.settingsFile); }});
     m_refreshTimer.setObjectName(QStringLiteral("TimerRefresh"));
-    connect(&m_refreshTimer, &QTimer::timeout, this, [this] {
-        m_tick->TimerRefresh_Timer();
-        showNotices();
-    });
+    connect(&m_refreshTimer, &QTimer::timeout, this, [this] { onRefreshTimer(); });
 
     // A change in the shared folder refills the list, unless a command has
     // the refresh stopped (the editor is open): its tick catches up later.
@@ -120,6 +118,11 @@ frmMain::frmMain(AppContext& app, QWidget* parent)
             }
         },
         this);
+    // The calendar server's state stays at the right, beside passing messages.
+    m_calDavStatus = new QLabel(statusBar());
+    m_calDavStatus->setObjectName(QStringLiteral("lblCalDav"));
+    m_calDavStatus->hide();
+    statusBar()->addPermanentWidget(m_calDavStatus);
     buildList();
     buildToolbar();
     buildMenus();
@@ -314,6 +317,9 @@ void frmMain::FormLoad(bool silentStart, std::unique_ptr<QLocalServer> channel) 
     Log().LogEvent(QStringLiteral("Filling events"));
     FillEvents();
     showNotices();
+    // The other users' events are on the list from the cache already; the
+    // first sync brings them up to date.
+    StartCalDav();
 
     Log().LogEvent(QStringLiteral("Setting main window width and height"));
     const bool maximise = RestoreWindowSize();
@@ -329,10 +335,15 @@ void frmMain::FormLoad(bool silentStart, std::unique_ptr<QLocalServer> channel) 
     if (!silentStart || !trayAvailable()) {
         maximise ? showMaximized() : show();
     }
-    QTimer::singleShot(kFirstTickMs, this, [this] {
-        m_tick->TimerRefresh_Timer();
-        showNotices();
-    });
+    QTimer::singleShot(kFirstTickMs, this, [this] { onRefreshTimer(); });
+}
+
+void frmMain::onRefreshTimer() {
+    m_tick->TimerRefresh_Timer();
+    if (m_calDav != nullptr) {
+        m_calDav->Tick();
+    }
+    showNotices();
 }
 
 void frmMain::showNotices() {
@@ -392,7 +403,30 @@ int frmMain::currentLayer() const {
 void frmMain::FillEvents() {
     // Keeps the selected position, as the list always has.
     m_list->FillEvents(currentLayer(), m_showExpired->isChecked());
-    m_folderWatch->Update(DataFiles::Networked(m_app.settings));
+    m_folderWatch->Update(DataFiles::Networked(m_app.settings) &&
+                          !DataFiles::CalDavMode(m_app.settings));
+}
+
+void frmMain::StartCalDav() {
+    delete m_calDav;
+    m_calDav = nullptr;
+    const bool on = DataFiles::CalDavMode(m_app.settings);
+    m_calDavStatus->clear();
+    m_calDavStatus->setVisible(on);
+    if (!on) {
+        return;
+    }
+    m_calDav = new CalDavAutoSync(m_app.settings, m_app.events, m_app.shared, this);
+    connect(m_calDav, &CalDavAutoSync::statusChanged, m_calDavStatus, &QLabel::setText);
+    // As a change in the shared folder does: not while a command has the
+    // refresh stopped (the editor is open); its tick catches up later.
+    connect(m_calDav, &CalDavAutoSync::sharedSetReloaded, this, [this] {
+        if (m_refreshTimer.isActive()) {
+            FillEvents();
+        }
+    });
+    m_calDav->AttachToEvents();
+    m_calDav->Begin();
 }
 
 QList<EventCommands::ListRow> frmMain::SelectedRows() const {

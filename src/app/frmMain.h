@@ -63,6 +63,9 @@ public:
     void ViewBackups();
     void CheckForUpdate();
     void ShowHelp();
+    // Networked mode through a calendar server: (re)starts the syncing for
+    // the settings now stored, or stops it in any other mode.
+    void StartCalDav();
     void ShowAbout();
     void ViewLog();
     // index 0 = Find, 1 = Find Next.
@@ -103,6 +106,8 @@ private:
     void SaveWindowSize();
     int currentLayer() const;
     void ReloadDatabases();
+    // The refresh timer's work: the tick, the calendar server's, notices.
+    void onRefreshTimer();
     void showForward();
     bool guard(const QString& refusal);
     QAction* action(const QString& key) const;
@@ -134,6 +139,8 @@ private:
     QSystemTrayIcon* m_tray = nullptr;
     QUndoStack* m_history = nullptr;
     class SharedFolderWatch* m_folderWatch = nullptr;
+    class CalDavAutoSync* m_calDav = nullptr;
+    class QLabel* m_calDavStatus = nullptr;
     QString m_searchTerm;
     bool m_quitting = false;
 };

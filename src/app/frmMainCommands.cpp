@@ -13,6 +13,7 @@
 #include "app/dialogs/frmShareWith.h"
 #include "app/dialogs/frmTasks.h"
 #include "app/frmMain.h"
+#include "engine/ShareableUsers.h"
 #include "engine/clsReminder.h"
 #include "shared/AppInfo.h"
 #include "shared/AppPaths.h"
@@ -206,6 +207,7 @@ void frmMain::ReloadDatabases() {
     DataFiles::LoadDatabases(m_app.settings, m_app.events, m_app.expired, m_app.shared);
     m_services.shared = DataFiles::Networked(m_app.settings) ? &m_app.shared.SharedSet() : nullptr;
     m_history->clear(); // its objects belong to the lists just replaced
+    StartCalDav();
     FillCategories();
     FillEvents();
     emit optionsReloaded();
@@ -301,7 +303,7 @@ void frmMain::ShareWith() {
     if (!e) {
         return;
     }
-    frmShareWith dialog(*e, SharedDatabases::ReadUserList(m_app.shared.UserListFile()), this);
+    frmShareWith dialog(*e, ShareableUsers::For(m_app.settings), this);
     if (dialog.exec() != QDialog::Accepted) {
         return;
     }

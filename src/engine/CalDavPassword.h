@@ -9,7 +9,9 @@ struct CalDavAccount;
 
 // The CalDAV password lives in the desktop's secret store, never in a file
 // of ours. The environment variable TARVO_CALDAV_PASSWORD, when set, takes
-// precedence (scripts and tests).
+// precedence (scripts and tests). Reading and writing are asynchronous (the
+// store may ask the user to unlock it); the ...Now forms wait with a local
+// event loop, so windows keep painting meanwhile.
 namespace CalDavPassword {
 
 constexpr const char* kEnvironmentVariable = "TARVO_CALDAV_PASSWORD";
@@ -23,5 +25,7 @@ QString ReadNow(const CalDavAccount& account, QString* error);
 // Stores password for the account; done(error) with "" on success.
 void Write(const CalDavAccount& account, const QString& password, QObject* context,
            std::function<void(const QString& error)> done);
+// The same, waiting for the answer: "" on success, otherwise one line.
+QString WriteNow(const CalDavAccount& account, const QString& password);
 
 } // namespace CalDavPassword

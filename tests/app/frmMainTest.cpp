@@ -18,11 +18,15 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDir>
+#include <QLabel>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalSpy>
 #include <QStatusBar>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTest>
 #include <QUndoStack>
 
@@ -334,6 +338,44 @@ TEST_F(MainWindow, FileMenuExportsAndImportsTheList) {
     window->findChild<QAction*>(QStringLiteral("mnuImportCalendar"))->trigger();
     EXPECT_EQ(dialogs.lastText(), QStringLiteral("Imported 1 event from ") + file + '.');
     EXPECT_EQ(window->model().rowCount(), 2);
+}
+
+// A calendar server that takes the connection and never answers: the
+// refresh timer keeps ticking while the sync waits, and the status bar says
+// a sync is running. (The sync's requests make this meaningful; a sync that
+// sends none leaves only the ticking to check, and the test says so.)
+TEST_F(MainWindow, AServerThatNeverAnswersDoesNotHoldTheWindow) {
+    QTcpServer server;
+    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+    QList<QTcpSocket*> held;
+    QObject::connect(&server, &QTcpServer::newConnection, [&] {
+        while (server.hasPendingConnections()) {
+            held << server.nextPendingConnection();
+        }
+    });
+    settings.sSet(QStringLiteral("Networked"), true);
+    settings.sSet(QStringLiteral("NetworkMode"), QStringLiteral("caldav"));
+    settings.sSet(QStringLiteral("CalDAVUrl"),
+                  QStringLiteral("http://127.0.0.1:%1/").arg(server.serverPort()));
+    settings.sSet(QStringLiteral("CalDAVUser"), QStringLiteral("ann"));
+    settings.sSet(QStringLiteral("CalDAVUsers"), QStringLiteral("bob"));
+    qputenv("TARVO_CALDAV_PASSWORD", "pw");
+    qputenv("TARVO_REFRESH_MS", "100");
+    open();
+    window->StartCalDav();
+    window->refreshTimer().start(100);
+    QSignalSpy ticks(&window->refreshTimer(), &QTimer::timeout);
+    const bool asked = QTest::qWaitFor([&] { return !held.isEmpty(); }, 5000);
+    ticks.clear();
+    QTest::qWait(1000);
+    qunsetenv("TARVO_CALDAV_PASSWORD");
+    qunsetenv("TARVO_REFRESH_MS");
+    EXPECT_GE(ticks.count(), 5);
+    if (!asked) {
+        GTEST_SKIP() << "the sync sent no request to the server, so only the ticking was checked";
+    }
+    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblCalDav"))->text(),
+              QStringLiteral("Syncing with the CalDAV server\u2026"));
 }
 
 // The first start says why the options come up, before any database is

@@ -3,6 +3,7 @@
 #include "app/AppContext.h"
 #include "app/dialogs/frmEvent.h"
 #include "shared/cSHAREDSettings.h"
+#include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
 
@@ -13,8 +14,10 @@ void StoreSavedEvent(AppContext& context, clsDbXml& db, const EventPtr& event) {
     event->CalcDaysLeft(); // the list's "Left" column and expired marker read it
     db.StoreRecord(event);
     db.SaveDB();
-    if (&db == &context.events && !db.Publishing() &&
-        context.settings.sGet(QStringLiteral("Networked"), false).toBool()) {
+    // The shared folder's publishing; a calendar server's sync is started
+    // by the database's publisher only.
+    if (&db == &context.events && !db.Publishing() && DataFiles::Networked(context.settings) &&
+        !DataFiles::CalDavMode(context.settings)) {
         context.shared.PublishSharedEvents(db);
     }
 }

@@ -5,12 +5,11 @@
 
 #include "app/AppContext.h"
 #include "app/dialogs/StartDateLabel.h"
+#include "engine/ShareableUsers.h"
 #include "model/clsEvent.h"
-#include "shared/AppPaths.h"
 #include "shared/UserDialogs.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedDateSubs.h"
-#include "storage/SharedDatabases.h"
 #include "storage/clsLayers.h"
 
 #include <QCheckBox>
@@ -81,9 +80,7 @@ void frmEvent::Form_Load() {
     chkMakeNoise->setChecked(false);
 
     if (settings.sGet(QStringLiteral("Networked"), false).toBool()) {
-        const QString folder = settings.sGet(QStringLiteral("SharedDatapath"), QString()).toText();
-        lstUsers->addItems(SharedDatabases::ReadUserList(
-            AppPaths::JoinPath(folder, QStringLiteral("TVOShared.ini"))));
+        lstUsers->addItems(ShareableUsers::For(settings));
     } else {
         FrameShared->hide();
     }

@@ -5,6 +5,7 @@
 #include "app/dialogs/TextViewer.h"
 #include "app/dialogs/clsOptions2.h"
 #include "app/platform/Autostart.h"
+#include "engine/CalDavAccount.h"
 #include "shared/AppPaths.h"
 #include "shared/OwnerId.h"
 #include "shared/UserDialogs.h"
@@ -95,57 +96,79 @@ void frmOptions::buildControls() {
     modeGroup->addButton(optSingle);
     modeGroup->addButton(optNetworked);
 
-    // Network settings.
+    // Network settings: the ID and the way events are shared, then the
+    // shared folder's fields and the calendar server's.
     FrameNetwork = new QGroupBox(
         S("Network Settings (Specify path first, click Reload, then add your ID)"), this);
     FrameNetwork->setObjectName(QStringLiteral("FrameNetwork"));
-    auto* lblShared = new QLabel(S("Path to shared data folder (all users must have write access)"),
-                                 FrameNetwork);
-    txtSharedDBPath = new QLineEdit(FrameNetwork);
-    txtSharedDBPath->setObjectName(QStringLiteral("txtSharedDBPath"));
-    txtSharedDBPath->setToolTip(
-        S("If you are running a networked version, you must specify the shared data path."));
-    lblShared->setBuddy(txtSharedDBPath);
     txtOwner = new QLineEdit(FrameNetwork);
     txtOwner->setObjectName(QStringLiteral("txtOwner"));
     txtOwner->setToolTip(
         S("A short name to identify the user on the network (e.g. Dad, Fred, etc)"));
     auto* lblOwner = new QLabel(S("&ID:"), FrameNetwork);
     lblOwner->setBuddy(txtOwner);
-    cmdAddUser = new QPushButton(S("&Add"), FrameNetwork);
+    optFolder = new QRadioButton(S("Shared &folder"), FrameNetwork);
+    optFolder->setObjectName(QStringLiteral("optFolder"));
+    optCalDav = new QRadioButton(S("Cal&DAV server"), FrameNetwork);
+    optCalDav->setObjectName(QStringLiteral("optCalDav"));
+    auto* wayGroup = new QButtonGroup(this);
+    wayGroup->addButton(optFolder);
+    wayGroup->addButton(optCalDav);
+    auto* idRow = new QHBoxLayout;
+    idRow->addWidget(lblOwner);
+    idRow->addWidget(txtOwner, 1);
+    idRow->addSpacing(16);
+    idRow->addWidget(new QLabel(S("Share through:"), FrameNetwork));
+    idRow->addWidget(optFolder);
+    idRow->addWidget(optCalDav);
+
+    FrameFolder = new QWidget(FrameNetwork);
+    FrameFolder->setObjectName(QStringLiteral("FrameFolder"));
+    auto* lblShared =
+        new QLabel(S("Path to shared data folder (all users must have write access)"), FrameFolder);
+    txtSharedDBPath = new QLineEdit(FrameFolder);
+    txtSharedDBPath->setObjectName(QStringLiteral("txtSharedDBPath"));
+    txtSharedDBPath->setToolTip(
+        S("If you are running a networked version, you must specify the shared data path."));
+    lblShared->setBuddy(txtSharedDBPath);
+    cmdAddUser = new QPushButton(S("&Add"), FrameFolder);
     cmdAddUser->setObjectName(QStringLiteral("cmdAddUser"));
-    lstUsers = new QListWidget(FrameNetwork);
+    lstUsers = new QListWidget(FrameFolder);
     lstUsers->setObjectName(QStringLiteral("lstUsers"));
     lstUsers->setSelectionMode(QAbstractItemView::MultiSelection);
     lstUsers->setFixedHeight(lstUsers->fontMetrics().lineSpacing() * 5 + 8);
-    cmdDel = new QPushButton(S("Delete"), FrameNetwork);
+    cmdDel = new QPushButton(S("Delete"), FrameFolder);
     cmdDel->setObjectName(QStringLiteral("cmdDel"));
-    cmdReload = new QPushButton(S("Reload"), FrameNetwork);
+    cmdReload = new QPushButton(S("Reload"), FrameFolder);
     cmdReload->setObjectName(QStringLiteral("cmdReload"));
     cmdReload->setToolTip(
         S("If you change the shared folder, you'll need to reload the user list."));
-    auto* lblAddHint = new QLabel(S("Click ADD once your ID is set."), FrameNetwork);
+    auto* lblAddHint = new QLabel(S("Click ADD once your ID is set."), FrameFolder);
     auto* lblUnique =
         new QLabel(S("The ID MUST be unique to each copy of TVO using the shared folder (above)"),
-                   FrameNetwork);
+                   FrameFolder);
     lblUnique->setWordWrap(true);
 
-    auto* net = new QGridLayout(FrameNetwork);
-    net->addWidget(lblShared, 0, 0, 1, 4);
-    net->addWidget(txtSharedDBPath, 1, 0, 1, 4);
-    net->addWidget(lblOwner, 2, 0);
-    net->addWidget(txtOwner, 2, 1);
-    net->addWidget(cmdAddUser, 2, 2);
-    net->addWidget(lblAddHint, 2, 3);
+    auto* folder = new QGridLayout(FrameFolder);
+    folder->setContentsMargins(0, 0, 0, 0);
+    folder->addWidget(lblShared, 0, 0, 1, 3);
+    folder->addWidget(txtSharedDBPath, 1, 0, 1, 3);
+    folder->addWidget(cmdAddUser, 2, 1);
+    folder->addWidget(lblAddHint, 2, 2);
     auto* userButtons = new QVBoxLayout;
     userButtons->addWidget(cmdDel);
     userButtons->addWidget(cmdReload);
     userButtons->addStretch(1);
-    net->addWidget(lstUsers, 3, 1);
-    net->addLayout(userButtons, 3, 2);
-    net->addWidget(lblUnique, 4, 0, 1, 4);
-    net->setColumnStretch(1, 1);
-    net->setColumnStretch(3, 1);
+    folder->addWidget(lstUsers, 3, 0);
+    folder->addLayout(userButtons, 3, 1);
+    folder->addWidget(lblUnique, 4, 0, 1, 3);
+    folder->setColumnStretch(0, 1);
+    folder->setColumnStretch(2, 1);
+
+    auto* net = new QVBoxLayout(FrameNetwork);
+    net->addLayout(idRow);
+    net->addWidget(FrameFolder);
+    net->addWidget(buildCalDavControls(FrameNetwork));
 
     // Date order.
     auto* dateBox = new QGroupBox(S("Date Format"), this);
@@ -198,7 +221,7 @@ void frmOptions::buildControls() {
     cmdAbort = new QPushButton(S("&Cancel"), this);
     cmdAbort->setObjectName(QStringLiteral("cmdAbort"));
     cmdAbort->setAutoDefault(false);
-    for (QPushButton* b : {cmdAddUser, cmdDel, cmdReload, cmdDatapath, cmdPickWav}) {
+    for (QPushButton* b : {cmdAddUser, cmdDel, cmdReload, cmdDatapath, cmdPickWav, cmdTestCalDav}) {
         b->setAutoDefault(false);
     }
 
@@ -235,27 +258,20 @@ void frmOptions::buildControls() {
         WindowFit::Apply(this, QSize(640, height()));
     }
 
-    const QList<QWidget*> order = {txtDatapath,
-                                   cmdDatapath,
-                                   txtAlarmWav,
-                                   cmdPickWav,
-                                   chkNoSound,
-                                   optSingle,
-                                   optNetworked,
-                                   txtSharedDBPath,
-                                   txtOwner,
-                                   cmdAddUser,
-                                   lstUsers,
-                                   cmdDel,
-                                   cmdReload,
-                                   optEuroDate,
-                                   optUSDate,
-                                   chkSilentStart,
-                                   chkNoAutoBackups,
-                                   chkPruneOld,
-                                   chkDisableAutoUpdate,
-                                   cmdHomePage,
-                                   cmdSave,
+    const QList<QWidget*> order = {txtDatapath,     cmdDatapath,
+                                   txtAlarmWav,     cmdPickWav,
+                                   chkNoSound,      optSingle,
+                                   optNetworked,    txtOwner,
+                                   optFolder,       optCalDav,
+                                   txtSharedDBPath, cmdAddUser,
+                                   lstUsers,        cmdDel,
+                                   cmdReload,       txtCalDavUrl,
+                                   txtCalDavUser,   txtCalDavPassword,
+                                   txtCalDavUsers,  cmdTestCalDav,
+                                   optEuroDate,     optUSDate,
+                                   chkSilentStart,  chkNoAutoBackups,
+                                   chkPruneOld,     chkDisableAutoUpdate,
+                                   cmdHomePage,     cmdSave,
                                    cmdAbort};
     for (qsizetype i = 1; i < order.size(); ++i) {
         setTabOrder(order[i - 1], order[i]);
@@ -273,6 +289,7 @@ void frmOptions::buildControls() {
     connect(cmdPickWav, &QPushButton::clicked, this, &frmOptions::cmdPickWav_Click);
     connect(cmdHomePage, &QPushButton::clicked, this, &frmOptions::cmdHomePage_Click);
     connect(optNetworked, &QRadioButton::toggled, this, &frmOptions::UpdateNetworkFrame);
+    connect(optCalDav, &QRadioButton::toggled, this, &frmOptions::UpdateNetworkFrame);
 }
 
 void frmOptions::Form_Load() {
@@ -287,12 +304,19 @@ void frmOptions::Form_Load() {
     txtOwner->setText(settings.sGet(QStringLiteral("Owner"), kNotSet).toText());
     (settings.sGet(QStringLiteral("DateStyle"), 1).toInt16() == 1 ? optEuroDate : optUSDate)
         ->setChecked(true);
+    const bool calDav = settings.sGet(QString::fromLatin1(CalDavAccount::kModeKey), QString())
+                            .toText()
+                            .compare(QLatin1String("caldav"), Qt::CaseInsensitive) == 0;
+    (calDav ? optCalDav : optFolder)->setChecked(true);
     if (settings.sGet(QStringLiteral("Networked"), false).toBool()) {
         optNetworked->setChecked(true);
-        ReadSharedIni();
+        if (!calDav) {
+            ReadSharedIni();
+        }
     } else {
         optSingle->setChecked(true);
     }
+    loadCalDav();
     txtDatapath->setText(dataPath);
     txtAlarmWav->setText(
         settings.sGet(QStringLiteral("WavFile"), clsOptions2::DefaultAlarmFile()).toText());
@@ -310,6 +334,8 @@ void frmOptions::Form_Load() {
 
 void frmOptions::UpdateNetworkFrame() {
     FrameNetwork->setEnabled(optNetworked->isChecked());
+    FrameFolder->setEnabled(optFolder->isChecked());
+    FrameCalDav->setEnabled(optCalDav->isChecked());
 }
 
 void frmOptions::cmdDatapath_Click() {
@@ -339,7 +365,8 @@ void frmOptions::cmdHomePage_Click() {
 void frmOptions::cmdSave_Click() {
     cSHAREDSettings& settings = m_context.settings;
     const bool networked = optNetworked->isChecked();
-    if (networked) {
+    const bool calDav = networked && optCalDav->isChecked();
+    if (networked && !calDav) {
         txtSharedDBPath->setText(clsOptions2::WithSeparator(txtSharedDBPath->text()));
     }
     // The alarm sound becomes new events' sound and the ID every event's
@@ -363,12 +390,21 @@ void frmOptions::cmdSave_Click() {
         m_context.dialogs.Message(S("You must specify a user ID"), {}, UserDialogs::Icon::Warning);
         return;
     }
-    // The ID names this user's file in the shared folder.
+    // The ID names this user's file in the shared folder, and is the owner
+    // the other users see on this user's events either way.
     if (networked) {
         if (const QString problem = OwnerId::Problem(id); !problem.isEmpty()) {
             m_context.dialogs.Message(problem, {}, UserDialogs::Icon::Warning);
             return;
         }
+    }
+    const bool wasFolderMode = DataFiles::Networked(settings) && !DataFiles::CalDavMode(settings);
+    if (calDav) {
+        // Last of the checks: it stores a typed password.
+        if (!CalDavAccepted()) {
+            return;
+        }
+    } else if (networked) {
         // Without a folder the shared file would land wherever the program
         // happens to run.
         if (txtSharedDBPath->text().trimmed().isEmpty()) {
@@ -378,14 +414,15 @@ void frmOptions::cmdSave_Click() {
         }
         // An ID kept as it was is not refused (the list may hold a clash
         // from before these checks): the user is told, and saves the rest.
-        const bool keptId =
-            id == OwnID().trimmed() && settings.sGet(QStringLiteral("Networked"), false).toBool();
+        const bool keptId = id == OwnID().trimmed() && wasFolderMode;
         if (!AcceptId(id, keptId)) {
             return;
         }
-    } else if (settings.sGet(QStringLiteral("Networked"), false).toBool()) {
-        // Leaving networked mode: the published copy would otherwise stay
-        // visible to the others, alarms and all, for good.
+    }
+    if (wasFolderMode && (!networked || calDav)) {
+        // Leaving the shared folder (for single use or a calendar server):
+        // the published copy would otherwise stay visible to the others,
+        // alarms and all, for good.
         const QString ownId = OwnID();
         if (m_context.dialogs.AskYesNo(S("Stop sharing your events with the other users?"))) {
             if (const QString error = m_context.shared.StopSharing(ownId); !error.isEmpty()) {
@@ -409,7 +446,8 @@ void frmOptions::cmdSave_Click() {
     }
     m_cancelled = false;
     settings.sSet(QStringLiteral("SharedDataPath"), txtSharedDBPath->text());
-    ApplyOwnerChange(id, networked);
+    ApplyOwnerChange(id, networked, calDav);
+    saveCalDav(networked);
     settings.sSet(QStringLiteral("DateStyle"),
                   static_cast<int32_t>(optEuroDate->isChecked() ? 1 : 2));
     settings.sSet(QStringLiteral("Networked"), networked);

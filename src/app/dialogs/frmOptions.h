@@ -11,13 +11,18 @@ class QGroupBox;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
+class QLabel;
 class QRadioButton;
+class CalDavSync;
 struct AppContext;
+struct CalDavAccount;
 
 // The options window: the user's choices (data folder, alarm sound,
-// single-user or networked use with an ID and a shared folder, date order,
-// start-up and backup switches), read from and written to the settings store
-// directly. Also the first-time setup shown before any database is loaded.
+// single-user or networked use with an ID, through a shared folder or a
+// CalDAV server, date order, start-up and backup switches), read from and
+// written to the settings store directly (the CalDAV password goes to the
+// desktop's secret store). Also the first-time setup shown before any
+// database is loaded.
 //
 // After exec(): Cancelled() is false when the user saved. The settings file
 // has then been written and the owner change applied to the databases; the
@@ -53,6 +58,9 @@ public:
     void cmdPickWav_Click();
     void cmdHomePage_Click();
     void UpdateNetworkFrame();
+    // Checks the typed CalDAV account with the server; the answer shows
+    // beside the button.
+    void cmdTestCalDav_Click();
 
 signals:
     // Emitted by a successful save, before the window hides.
@@ -65,7 +73,15 @@ private:
     void buildControls();
     void Form_Load();
     // The owner change of a save; see the .cpp for the order.
-    void ApplyOwnerChange(const QString& newOwner, bool networked);
+    void ApplyOwnerChange(const QString& newOwner, bool networked, bool calDav);
+    // The CalDAV part (frmOptionsCalDav.cpp): its controls, their values
+    // from the store, the checks of a save (the password is stored then),
+    // and the values written back.
+    QWidget* buildCalDavControls(QWidget* parent);
+    void loadCalDav();
+    CalDavAccount TypedCalDavAccount() const;
+    bool CalDavAccepted();
+    void saveCalDav(bool networked);
     // The ID stored now ("Not Set" before the first save).
     QString OwnID() const;
     // Whether id may be used beside the listed IDs of the other users: a clash
@@ -86,6 +102,18 @@ private:
     QRadioButton* optSingle = nullptr;
     QRadioButton* optNetworked = nullptr;
     QGroupBox* FrameNetwork = nullptr;
+    QRadioButton* optFolder = nullptr;
+    QRadioButton* optCalDav = nullptr;
+    QWidget* FrameFolder = nullptr;
+    QWidget* FrameCalDav = nullptr;
+    QLineEdit* txtCalDavUrl = nullptr;
+    QLineEdit* txtCalDavUser = nullptr;
+    QLineEdit* txtCalDavPassword = nullptr;
+    QLineEdit* txtCalDavUsers = nullptr;
+    QPushButton* cmdTestCalDav = nullptr;
+    QLabel* lblCalDavTest = nullptr;
+    CalDavSync* m_calDavTest = nullptr;
+    bool m_passwordEdited = false;
     QLineEdit* txtSharedDBPath = nullptr;
     QLineEdit* txtOwner = nullptr;
     QPushButton* cmdAddUser = nullptr;

@@ -154,9 +154,11 @@ void frmOptions::cmdDel_Click() {
 // new one in the local and expired databases; then the user list names the
 // new ID in place of the old, this user's shared events are published under
 // it and the old shared file is emptied (SharedDatabases::ChangeOwnId). The
-// local database publishes on every save from then on. Databases without a file name (first-time
-// setup, before anything is loaded) are left alone.
-void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked) {
+// local database publishes on every save from then on. Through a calendar
+// server only the ID changes here; the main window's next sync publishes
+// under it. Databases without a file name (first-time setup, before
+// anything is loaded) are left alone.
+void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked, bool calDav) {
     cSHAREDSettings& settings = m_context.settings;
     clsDbXml& events = m_context.events;
     const bool eventsLoaded = !events.DBFilename().isEmpty();
@@ -177,6 +179,12 @@ void frmOptions::ApplyOwnerChange(const QString& newOwner, bool networked) {
             db->RenameOwner(oldOwner, newOwner);
             db->RenameOwner(QStringLiteral("Single"), newOwner);
         }
+    }
+    // Through a calendar server nothing is in a shared folder: the next
+    // sync publishes under the new ID.
+    if (calDav) {
+        settings.sSet(QStringLiteral("Owner"), newOwner.trimmed());
+        return;
     }
     const QString error =
         m_context.shared.ChangeOwnId(oldOwner, newOwner, eventsLoaded ? &events : nullptr);

@@ -10,11 +10,13 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QGroupBox>
+#include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QTest>
 #include <QTextBrowser>
 
 #include <memory>
@@ -210,6 +212,70 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFile) {
     button("cmdSave")->click();
     EXPECT_FALSE(Autostart::IsEnabled());
     EXPECT_EQ(settings.sGet(QStringLiteral("DataPath")).toText(), QStringLiteral("C:\\Data"));
+}
+
+// Networked use through a CalDAV server: each way's fields are usable only
+// in its mode; an address or user name that cannot be used, or a password
+// the secret store does not take (the tests have no secret store), is
+// refused with its box in focus and nothing stored; the choice is stored,
+// the password never, and the shared folder is left as when leaving it.
+TEST_F(OptionsWindow, CalDavServerChoiceAndItsRefusals) {
+    existingWav();
+    const QString folder = sharedFolder("Bob\r\nAnn\r\n");
+    settings.sSet(QStringLiteral("SharedDataPath"), folder);
+    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
+    settings.sSet(QStringLiteral("Networked"), true);
+    const QByteArray stored = settings.FileBytes();
+    open();
+    for (const bool calDav : {true, false, true}) {
+        button(calDav ? "optCalDav" : "optFolder")->click();
+        EXPECT_EQ(box("txtSharedDBPath")->isEnabled(), !calDav);
+        EXPECT_EQ(box("txtCalDavUrl")->isEnabled(), calDav);
+    }
+    box("txtCalDavUrl")->setText(QStringLiteral("http://example.com"));
+    button("cmdTestCalDav")->click();
+    EXPECT_TRUE(Control<QLabel>(window.get(), "lblCalDavTest")->text().endsWith("for example.com"));
+    const struct {
+        const char* url;
+        const char* user;
+        const char* password;
+        const char* says;
+        const char* focus;
+    } cases[] = {
+        {"http://example.com", "ann", "", "Plain http:// would send the password readable",
+         "txtCalDavUrl"},
+        {"http://127.0.0.1:5232", " ", "", "needs your user name there", "txtCalDavUser"},
+        {"http://127.0.0.1:5232", "ann", "s3cret",
+         "The password for ann at http://127.0.0.1:5232/ cannot be stored in the secret store: ",
+         "txtCalDavPassword"},
+    };
+    for (const auto& c : cases) {
+        dialogs.clear();
+        box("txtCalDavUrl")->setText(QString::fromLatin1(c.url));
+        box("txtCalDavUser")->setText(QString::fromLatin1(c.user));
+        QTest::keyClicks(box("txtCalDavPassword"), QString::fromLatin1(c.password));
+        button("cmdSave")->click();
+        ASSERT_EQ(dialogs.count(), 1) << c.url;
+        EXPECT_TRUE(dialogs.lastText().contains(QString::fromLatin1(c.says)))
+            << dialogs.lastText().toStdString();
+        EXPECT_EQ(window->focusWidget(), box(c.focus));
+        EXPECT_EQ(settings.FileBytes(), stored);
+    }
+
+    dialogs.clear();
+    dialogs.answerYes();
+    box("txtCalDavPassword")->clear(); // emptied: the stored one stays
+    box("txtCalDavUsers")->setText(QStringLiteral(" bob, carol "));
+    button("cmdSave")->click();
+    EXPECT_EQ(dialogs.texts(),
+              QStringList{QStringLiteral("Stop sharing your events with the other users?")});
+    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Bob\r\n"));
+    const QByteArray ini = ReadFileBytes(context.settingsFile);
+    for (const char* line : {"NETWORKMODE,caldav\r\n", "CALDAVURL,http://127.0.0.1:5232\r\n",
+                             "CALDAVUSER,ann\r\n", "CALDAVUSERS,bob, carol\r\n", "OWNER,Ann\r\n"}) {
+        EXPECT_TRUE(ini.contains(line)) << line << " in " << ini.toStdString();
+    }
+    EXPECT_FALSE(ini.contains("s3cret"));
 }
 
 TEST_F(OptionsWindow, MissingSoundFileTurnsSoundsOffUnlessAlreadyOff) {

@@ -2,6 +2,7 @@
 // notification service of its own. (The real program without a service is
 // run by tests/e2e/missed_alarms.sh.)
 #include "app/platform/DBusNotifier.h"
+#include "support/SessionBus.h"
 #include "support/TestSupport.h"
 
 #include <QProcess>
@@ -31,20 +32,11 @@ signals:
 
 TEST(Notifications, TheServiceGetsAlarmsAndRemindersAndItsActionOpensTheWindow) {
     TempHome home;
-    WriteFileBytes(
-        home.file(QStringLiteral("bus.conf")),
-        "<busconfig><type>session</type><listen>unix:dir=" + QFile::encodeName(home.path()) +
-            "</listen><policy context=\"default\"><allow send_destination=\"*\" "
-            "eavesdrop=\"true\"/><allow eavesdrop=\"true\"/><allow own=\"*\"/>"
-            "</policy></busconfig>");
     QProcess daemon;
-    daemon.start(QStringLiteral("dbus-daemon"),
-                 {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
-                  QStringLiteral("--config-file=") + home.file(QStringLiteral("bus.conf"))});
-    if (!daemon.waitForStarted() || !daemon.waitForReadyRead(5000)) {
+    const QString address = StartSessionBus(daemon, home.path());
+    if (address.isEmpty()) {
         GTEST_SKIP() << "a private D-Bus session bus cannot start here (dbus-daemon)";
     }
-    const QString address = QString::fromUtf8(daemon.readLine().trimmed());
     {
         DBusNotifier notifier(QDBusConnection::connectToBus(address, QStringLiteral("client")));
         QSignalSpy open(&notifier, &DBusNotifier::openRequested);

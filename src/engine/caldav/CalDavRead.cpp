@@ -197,9 +197,12 @@ struct Reader : std::enable_shared_from_this<Reader> {
             done(CalDavProblem::From(reply));
             return;
         }
-        // The user has not published anything yet.
-        Log().AddAction(QStringLiteral("No shared calendar yet at ") + c.url.toString(),
-                        QStringLiteral("Run"), kModule);
+        // The user has not published anything yet (logged when a collection
+        // read before went away, not at every sync of a user still to start).
+        if (!kept.token.isEmpty() || !kept.entries.isEmpty()) {
+            Log().AddAction(QStringLiteral("No shared calendar any more at ") + c.url.toString(),
+                            QStringLiteral("Run"), kModule);
+        }
         entries.clear();
         events.clear();
         keep();

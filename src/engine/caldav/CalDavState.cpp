@@ -79,8 +79,12 @@ QString CalDavState::Save(const QString& path) const {
                                            {QLatin1String("entries"), entries}});
     }
     root.insert(QLatin1String("collections"), collectionArray);
-    const AtomicFile::Result r =
-        AtomicFile::Write(path, QJsonDocument(root).toJson(QJsonDocument::Compact));
+    const QByteArray bytes = QJsonDocument(root).toJson(QJsonDocument::Compact);
+    QFile old(path);
+    if (old.open(QIODevice::ReadOnly) && old.readAll() == bytes) {
+        return {}; // unchanged: not even its time stamp moves
+    }
+    const AtomicFile::Result r = AtomicFile::Write(path, bytes);
     return r.ok() ? QString() : r.description;
 }
 

@@ -23,12 +23,11 @@ int statusOf(const QString& line) {
     return parts.size() >= 2 ? parts.at(1).toInt() : 0;
 }
 
-QString pathOf(const QString& href) {
-    const QUrl url(href.trimmed());
-    return url.path(QUrl::FullyDecoded);
+QString pathOf(const QString& href, const QUrl& request) {
+    return request.resolved(QUrl(href.trimmed())).path(QUrl::FullyDecoded);
 }
 
-void readResponse(QXmlStreamReader& xml, Answer& out) {
+void readResponse(QXmlStreamReader& xml, const QUrl& request, Answer& out) {
     Resource r;
     int propStatus = 0;
     QString etag;
@@ -55,7 +54,7 @@ void readResponse(QXmlStreamReader& xml, Answer& out) {
             continue;
         }
         if (is(xml, kDav, "href") && r.href.isEmpty()) {
-            r.href = pathOf(xml.readElementText());
+            r.href = pathOf(xml.readElementText(), request);
         } else if (is(xml, kDav, "status")) {
             const int status = statusOf(xml.readElementText());
             if (depth == 1) {
@@ -78,7 +77,7 @@ void readResponse(QXmlStreamReader& xml, Answer& out) {
 
 } // namespace
 
-Answer Parse(const QByteArray& bytes) {
+Answer Parse(const QByteArray& bytes, const QUrl& request) {
     Answer out;
     QXmlStreamReader xml(bytes);
     bool root = false;
@@ -102,7 +101,7 @@ Answer Parse(const QByteArray& bytes) {
             continue;
         }
         if (is(xml, kDav, "response")) {
-            readResponse(xml, out);
+            readResponse(xml, request, out);
         } else if (is(xml, kDav, "sync-token")) {
             out.syncToken = xml.readElementText().trimmed();
         }

@@ -55,7 +55,7 @@ struct Reader : std::enable_shared_from_this<Reader> {
             missing(reply);
             return;
         }
-        const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(reply.body);
+        const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(reply.body, reply.url);
         if (!reply.Ok()) {
             // A token the server no longer knows: list everything again.
             if (!since.isEmpty() && answer.errors.contains(QLatin1String("valid-sync-token"))) {
@@ -145,7 +145,7 @@ struct Reader : std::enable_shared_from_this<Reader> {
         if (!reply.Ok()) {
             return CalDavProblem::From(reply);
         }
-        const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(reply.body);
+        const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(reply.body, reply.url);
         if (!answer.problem.isEmpty()) {
             return CalDavProblem::Text(answer.problem);
         }

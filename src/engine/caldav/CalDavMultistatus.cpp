@@ -23,8 +23,10 @@ int statusOf(const QString& line) {
     return parts.size() >= 2 ? parts.at(1).toInt() : 0;
 }
 
+// "" for an href that names no path on a server ("http:x", "mailto:a").
 QString pathOf(const QString& href, const QUrl& request) {
-    return request.resolved(QUrl(href.trimmed())).path(QUrl::FullyDecoded);
+    const QString path = request.resolved(QUrl(href.trimmed())).path(QUrl::FullyDecoded);
+    return path.startsWith(QLatin1Char('/')) ? path : QString();
 }
 
 void readResponse(QXmlStreamReader& xml, const QUrl& request, Answer& out) {

@@ -87,8 +87,8 @@ private:
     }
 
     void publish(std::function<void()> next) {
-        CalDavPublish::Run(m_http, m_account.CollectionUrl(m_account.user), m_wanted, m_state,
-                           m_counts,
+        CalDavPublish::Run(m_http, m_account.CollectionUrl(m_account.user), m_wanted, m_owner,
+                           m_state, m_counts,
                            [this, next](const CalDavProblem& p) { p.failed ? fail(p) : next(); });
     }
 

@@ -144,13 +144,15 @@ TEST_F(CalDavSyncTest, AnotherClientsEventSurvivesTheOwnersSyncAndReachesBothCac
                              "BEGIN:VEVENT\r\nUID:phone-1\r\nDTSTAMP:20260101T000000Z\r\n"
                              "DTSTART;TZID=Europe/Berlin:20310601T100000\r\nSUMMARY:Dentist\r\n"
                              "END:VEVENT\r\nEND:VCALENDAR\r\n";
-    ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/phone-1.ics", phone).status, 201);
-    const QByteArray stored = Get("/ann/tarvo/phone-1.ics");
+    // Named as a Tarvo event of ann's that is shared next.
+    ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/100002.ics", phone).status, 201);
+    const QByteArray stored = Get("/ann/tarvo/100002.ics");
     U("ann").events.clear(); // Tarvo unpublishes its own event, never the phone's
+    U("ann").Add("100002", "Not over the phone's");
     ASSERT_TRUE(Sync("ann").ok);
     ASSERT_TRUE(Sync("bob").ok);
-    EXPECT_EQ(server.Resources("ann"), QStringList({"phone-1.ics"}));
-    EXPECT_EQ(Get("/ann/tarvo/phone-1.ics"), stored);
+    EXPECT_EQ(server.Resources("ann"), QStringList({"100002.ics"}));
+    EXPECT_EQ(Get("/ann/tarvo/100002.ics"), stored);
     EXPECT_EQ(U("ann").Shown(), QStringList({"ann:Dentist"}));
     ASSERT_EQ(U("bob").Shown(), QStringList({"ann:Dentist"}));
     // In local time (the tests run in UTC), with an ID code of its own.

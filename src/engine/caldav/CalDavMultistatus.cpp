@@ -79,9 +79,9 @@ void readResponse(QXmlStreamReader& xml, const QUrl& request, Answer& out) {
 
 } // namespace
 
-Answer Parse(const QByteArray& bytes, const QUrl& request) {
+Answer Parse(const QByteArray& xmlBytes, const QUrl& request) {
     Answer out;
-    QXmlStreamReader xml(bytes);
+    QXmlStreamReader xml(xmlBytes);
     bool root = false;
     while (!xml.atEnd()) {
         xml.readNext();

@@ -28,7 +28,7 @@ struct Answer {
 // Reads a multistatus (or a DAV error body). Hrefs may be whole addresses,
 // paths or relative to the address asked (request); all come back as
 // decoded paths.
-Answer Parse(const QByteArray& xml, const QUrl& request);
+Answer Parse(const QByteArray& xmlBytes, const QUrl& request);
 
 // REPORT sync-collection asking for the ETags of what changed since token
 // (everything when token is "").

@@ -125,7 +125,7 @@ struct Reader : std::enable_shared_from_this<Reader> {
         QList<CalDavJobs::Job> jobs;
         for (qsizetype i = 0; i < fetch.size(); i += kBatch) {
             auto self = shared_from_this();
-            jobs.append([self, batch = fetch.mid(i, kBatch)](CalDavJobs::Finish finish) {
+            jobs.append([self, batch = fetch.mid(i, kBatch)](const CalDavJobs::Finish& finish) {
                 self->http.Send(
                     "REPORT", self->c.url, CalDavMultistatus::MultigetBody(batch),
                     {{"Depth", "1"}, {"Content-Type", "application/xml; charset=utf-8"}},

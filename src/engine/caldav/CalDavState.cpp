@@ -42,12 +42,12 @@ CalDavState CalDavState::Load(const QString& path, const QString& server, const 
         state.published.insert(it.key(), {o.value(QLatin1String("etag")).toString(),
                                           o.value(QLatin1String("hash")).toString()});
     }
-    for (const QJsonValue& v : root.value(QLatin1String("collections")).toArray()) {
+    for (const QJsonValue v : root.value(QLatin1String("collections")).toArray()) {
         const QJsonObject o = v.toObject();
         Collection c{o.value(QLatin1String("user")).toString(),
                      o.value(QLatin1String("token")).toString(),
                      {}};
-        for (const QJsonValue& e : o.value(QLatin1String("entries")).toArray()) {
+        for (const QJsonValue e : o.value(QLatin1String("entries")).toArray()) {
             const QJsonArray a = e.toArray();
             c.entries.append(
                 {a.at(0).toString(), a.at(1).toString(), a.at(2).toString(), a.at(3).toString()});

@@ -211,6 +211,7 @@ void CalDavSync::Start(const QList<EventPtr>& localEvents, const QString& passwo
         return;
     }
     clsLayers layers(m_settings);
+    layers.LoadLayers();
     auto* run = new SyncRun(m_settings, account, owner,
                             CalDavPublish::SharedResources(localEvents, owner, layers), password,
                             [this](const CalDavSyncResult& result) {

@@ -4,6 +4,7 @@
 #include "shared/cSHAREDSettings.h"
 #include "storage/DataFiles.h"
 #include "storage/clsDbXml.h"
+#include "storage/clsLayers.h"
 #include "support/RadicaleServer.h"
 #include "support/TestSupport.h"
 
@@ -49,11 +50,12 @@ struct User {
         db.LoadDB(DataFiles::CalDavCacheFile(settings));
         return db.Events();
     }
-    // The cache's events as "owner:desc", sorted.
+    // The cache's events as "owner:desc/layer name", sorted.
     QStringList Shown(bool networked = false) {
         QStringList out;
         for (const EventPtr& e : Cache(networked)) {
-            out << e->Owner() + QLatin1Char(':') + e->Desc();
+            out << e->Owner() + QLatin1Char(':') + e->Desc() + QLatin1Char('/') +
+                       e->SharedLayerName;
         }
         out.sort();
         return out;
@@ -100,6 +102,7 @@ protected:
 
 TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCaches) {
     User& ann = U("ann");
+    ann.settings.sSet(clsLayers::SettingKey(3), SettingValue(QStringLiteral("Work")));
     EventPtr a = ann.Add("100001", "Team lunch");
     EventPtr b = ann.Add("100002", "Flagged", 3);
     b->SharedEvent = true;
@@ -128,13 +131,13 @@ TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCa
         if (&step == &steps[1]) {
             EXPECT_TRUE(Get("/ann/tarvo/100001.ics").contains("SUMMARY:Moved"));
             ASSERT_TRUE(Sync("bob").ok);
-            EXPECT_EQ(U("bob").Shown(),
-                      QStringList({"ann:Flagged", "ann:Moved", "ann:Only for cy"}));
-            EXPECT_EQ(U("bob").Shown(true), QStringList({"ann:Flagged", "ann:Moved"}));
+            EXPECT_EQ(U("bob").Shown(), QStringList({"ann:Flagged/Work", "ann:Moved/Shared",
+                                                     "ann:Only for cy/Shared"}));
+            EXPECT_EQ(U("bob").Shown(true), QStringList({"ann:Flagged/Work", "ann:Moved/Shared"}));
         }
     }
     ASSERT_TRUE(Sync("bob").ok);
-    EXPECT_EQ(U("bob").Shown(), QStringList({"ann:Only for cy"}));
+    EXPECT_EQ(U("bob").Shown(), QStringList({"ann:Only for cy/Shared"}));
 }
 
 TEST_F(CalDavSyncTest, AnotherClientsEventSurvivesTheOwnersSyncAndReachesBothCaches) {
@@ -153,8 +156,8 @@ TEST_F(CalDavSyncTest, AnotherClientsEventSurvivesTheOwnersSyncAndReachesBothCac
     ASSERT_TRUE(Sync("bob").ok);
     EXPECT_EQ(server.Resources("ann"), QStringList({"100002.ics"}));
     EXPECT_EQ(Get("/ann/tarvo/100002.ics"), stored);
-    EXPECT_EQ(U("ann").Shown(), QStringList({"ann:Dentist"}));
-    ASSERT_EQ(U("bob").Shown(), QStringList({"ann:Dentist"}));
+    EXPECT_EQ(U("ann").Shown(), QStringList({"ann:Dentist/"}));
+    ASSERT_EQ(U("bob").Shown(), QStringList({"ann:Dentist/"}));
     // In local time (the tests run in UTC), with an ID code of its own.
     const EventPtr e = U("bob").Cache().at(0);
     EXPECT_EQ(FormatYMDHM(e->DueDate() + e->DueTime()), QStringLiteral("2031-06-01 08:00"));

@@ -247,7 +247,7 @@ TEST_F(CalDavSyncTest, ASilentServerDoesNotBlock) {
     EXPECT_LT(clock.elapsed(), 100);
     QTest::qWait(500);
     EXPECT_TRUE(sync.Running());
-    EXPECT_GE(ticks, 20);
+    EXPECT_GE(ticks, 10); // of about 50, leaving room for a busy machine
 }
 
 } // namespace

@@ -1,0 +1,253 @@
+// The calendar-server sync against a real server on loopback: what reaches
+// the server, what lands in each user's cache, and what a failure leaves.
+#include "engine/CalDavSync.h"
+#include "shared/cSHAREDSettings.h"
+#include "storage/DataFiles.h"
+#include "storage/clsDbXml.h"
+#include "storage/clsLayers.h"
+#include "support/RadicaleServer.h"
+#include "support/TestSupport.h"
+
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTest>
+#include <QTimer>
+
+#include <map>
+#include <memory>
+
+namespace {
+
+// One user's Tarvo: settings, data folder and local events.
+struct User {
+    QTemporaryDir data;
+    cSHAREDSettings settings;
+    QList<EventPtr> events;
+
+    User(const QString& name, const QString& url) {
+        const QString values[][2] = {{"Owner", name},           {"DataPath", data.path()},
+                                     {"NetworkMode", "caldav"}, {"CalDAVUrl", url},
+                                     {"CalDAVUser", name},      {"CalDAVUsers", "ann, bob, cy"}};
+        for (const auto& [key, value] : values) {
+            settings.sSet(key, SettingValue(value));
+        }
+        settings.sSet(QStringLiteral("Networked"), SettingValue(true));
+    }
+    EventPtr Add(const QString& id, const QString& desc, int layer = 0) {
+        auto e = std::make_shared<clsEvent>();
+        e->IDCode = id;
+        e->setOwner(settings.sGet(QStringLiteral("Owner")).toText());
+        e->setDesc(desc);
+        e->setLayer(static_cast<int16_t>(layer));
+        e->setDueDate(D(QStringLiteral("2031-05-04")));
+        events.append(e);
+        return e;
+    }
+    QList<EventPtr> Cache(bool networked = false) {
+        clsDbXml db(settings);
+        db.setNetworked(networked); // as storage loads it: the share-with filter applies
+        db.LoadDB(DataFiles::CalDavCacheFile(settings));
+        return db.Events();
+    }
+    // The cache's events as "owner:desc/layer name", sorted.
+    QStringList Shown(bool networked = false) {
+        QStringList out;
+        for (const EventPtr& e : Cache(networked)) {
+            out << e->Owner() + QLatin1Char(':') + e->Desc() + QLatin1Char('/') +
+                       e->SharedLayerName;
+        }
+        out.sort();
+        return out;
+    }
+    QByteArray File(bool state) {
+        return ReadFileBytes(state ? DataFiles::CalDavStateFile(settings)
+                                   : DataFiles::CalDavCacheFile(settings));
+    }
+    // TestConnection's answer: "ok: line" or "failed: line".
+    QString TestConnection(const QString& password) {
+        CalDavSync sync(settings);
+        QString answer;
+        sync.TestConnection(
+            CalDavAccount::FromSettings(settings), password,
+            [&](bool ok, const QString& line) { answer = (ok ? "ok: " : "failed: ") + line; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !answer.isEmpty(); }, 20000));
+        return answer;
+    }
+};
+
+class CalDavSyncTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        START_RADICALE_OR_SKIP(server);
+        for (const char* n : {"ann", "bob", "cy"}) {
+            users[n] = std::make_unique<User>(QLatin1String(n), server.Url());
+        }
+    }
+    User& U(const char* n) { return *users.at(n); }
+    CalDavSyncResult Sync(const char* name, const QString& password = {}) {
+        CalDavSync sync(U(name).settings);
+        QSignalSpy spy(&sync, &CalDavSync::finished);
+        sync.Start(U(name).events,
+                   password.isEmpty() ? server.Password(QLatin1String(name)) : password);
+        EXPECT_TRUE(spy.wait(60000));
+        return spy.isEmpty() ? CalDavSyncResult{} : spy.at(0).at(0).value<CalDavSyncResult>();
+    }
+    QByteArray Get(const QString& path) { return server.Request("GET", "ann", path).body; }
+
+    TempHome home;
+    RadicaleServer server;
+    std::map<std::string, std::unique_ptr<User>> users;
+};
+
+TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCaches) {
+    User& ann = U("ann");
+    ann.settings.sSet(clsLayers::SettingKey(3), SettingValue(QStringLiteral("Work")));
+    EventPtr a = ann.Add("100001", "Team lunch");
+    EventPtr b = ann.Add("100002", "Flagged", 3);
+    b->SharedEvent = true;
+    ann.Add("100003", "Private", 2);
+    EventPtr c = ann.Add("100004", "Only for cy");
+    c->ShareWithSpecific = true;
+    c->ShareNames = QStringLiteral("cy\r\n");
+    const struct {
+        std::function<void()> change;
+        QString resources; // ann's collection after the sync
+        QString summary;
+    } steps[] = {
+        {[] {}, "100001 100002 100004", "Published 3, removed 0; read 1 users, 0 events"},
+        {[&] { a->setDesc("Moved"); }, "100001 100002 100004",
+         "Published 1, removed 0; read 1 users, 0 events"},
+        {[&] { b->SharedEvent = false; }, "100001 100004",
+         "Published 0, removed 1; read 2 users, 0 events"},
+        {[&] { a->Deleted = true; }, "100004", "Published 0, removed 1; read 2 users, 0 events"},
+    };
+    for (const auto& step : steps) {
+        step.change();
+        const CalDavSyncResult r = Sync("ann");
+        ASSERT_TRUE(r.ok) << r.error.toStdString();
+        EXPECT_EQ(r.Summary(), step.summary);
+        EXPECT_EQ(server.Resources("ann").join(' ').remove(".ics"), step.resources);
+        if (&step == &steps[1]) {
+            EXPECT_TRUE(Get("/ann/tarvo/100001.ics").contains("SUMMARY:Moved"));
+            ASSERT_TRUE(Sync("bob").ok);
+            EXPECT_EQ(U("bob").Shown(), QStringList({"ann:Flagged/Work", "ann:Moved/Shared",
+                                                     "ann:Only for cy/Shared"}));
+            EXPECT_EQ(U("bob").Shown(true), QStringList({"ann:Flagged/Work", "ann:Moved/Shared"}));
+        }
+    }
+    ASSERT_TRUE(Sync("bob").ok);
+    EXPECT_EQ(U("bob").Shown(), QStringList({"ann:Only for cy/Shared"}));
+}
+
+TEST_F(CalDavSyncTest, AnotherClientsEventSurvivesTheOwnersSyncAndReachesBothCaches) {
+    U("ann").Add("100001", "Team lunch");
+    ASSERT_TRUE(Sync("ann").ok);
+    const QByteArray phone = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Phone//EN\r\n"
+                             "BEGIN:VEVENT\r\nUID:phone-1\r\nDTSTAMP:20260101T000000Z\r\n"
+                             "DTSTART;TZID=Europe/Berlin:20310601T100000\r\nSUMMARY:Dentist\r\n"
+                             "END:VEVENT\r\nEND:VCALENDAR\r\n";
+    // Named as a Tarvo event of ann's that is shared next.
+    ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/100002.ics", phone).status, 201);
+    const QByteArray stored = Get("/ann/tarvo/100002.ics");
+    U("ann").events.clear(); // Tarvo unpublishes its own event, never the phone's
+    U("ann").Add("100002", "Not over the phone's");
+    ASSERT_TRUE(Sync("ann").ok);
+    ASSERT_TRUE(Sync("bob").ok);
+    EXPECT_EQ(server.Resources("ann"), QStringList({"100002.ics"}));
+    EXPECT_EQ(Get("/ann/tarvo/100002.ics"), stored);
+    EXPECT_EQ(U("ann").Shown(), QStringList({"ann:Dentist/"}));
+    ASSERT_EQ(U("bob").Shown(), QStringList({"ann:Dentist/"}));
+    // In local time (the tests run in UTC), with an ID code of its own.
+    const EventPtr e = U("bob").Cache().at(0);
+    EXPECT_EQ(FormatYMDHM(e->DueDate() + e->DueTime()), QStringLiteral("2031-06-01 08:00"));
+    EXPECT_EQ(e->IDCode.size(), 6);
+}
+
+TEST_F(CalDavSyncTest, TheOwnersCopyWinsOverAChangeBehindItsBack) {
+    // Changed locally too (the write meets a 412), or not (the read notices).
+    for (bool changedLocally : {true, false}) {
+        U("ann").events.clear();
+        EventPtr a = U("ann").Add(changedLocally ? "200001" : "200002", "Original");
+        ASSERT_TRUE(Sync("ann").ok);
+        const QString path = QStringLiteral("/ann/tarvo/%1.ics").arg(a->IDCode);
+        ASSERT_EQ(server
+                      .Request("PUT", "ann", path,
+                               Get(path).replace("SUMMARY:Original", "SUMMARY:Elsewhere"))
+                      .status,
+                  201);
+        if (changedLocally) {
+            a->setDesc("Owner's change");
+        }
+        const CalDavSyncResult r = Sync("ann");
+        ASSERT_TRUE(r.ok) << r.error.toStdString();
+        EXPECT_EQ(r.published, 1);
+        EXPECT_TRUE(Get(path).contains(QByteArray("SUMMARY:" + a->Desc().toUtf8())));
+    }
+}
+
+TEST_F(CalDavSyncTest, FailuresLeaveCacheAndStateAndALaterSyncCatchesUp) {
+    EventPtr a = U("ann").Add("100001", "Before");
+    ASSERT_TRUE(Sync("ann").ok);
+    const QByteArray cache = U("ann").File(false), state = U("ann").File(true);
+    a->setDesc("Offline change");
+    CalDavSyncResult r = Sync("ann", QStringLiteral("wrong"));
+    EXPECT_FALSE(r.ok || r.unreachable);
+    EXPECT_EQ(r.error, "The CalDAV server refused the user name or password (401 Unauthorized)");
+    EXPECT_EQ(U("ann").TestConnection("wrong"), "failed: " + r.error);
+    ASSERT_TRUE(Sync("bob").ok); // cy has no collection yet
+    EXPECT_EQ(U("ann").TestConnection("pw-ann"),
+              "ok: Connected as ann; 1 of 2 users' calendars readable");
+    server.Stop();
+    r = Sync("ann");
+    EXPECT_TRUE(!r.ok && r.unreachable) << r.error.toStdString();
+    EXPECT_EQ(U("ann").File(false), cache);
+    EXPECT_EQ(U("ann").File(true), state);
+    ASSERT_TRUE(server.Start());
+    r = Sync("ann");
+    EXPECT_EQ(r.published, 1) << r.error.toStdString();
+    EXPECT_TRUE(Get("/ann/tarvo/100001.ics").contains("SUMMARY:Offline change"));
+}
+
+TEST_F(CalDavSyncTest, AnUnchangedResyncCostsOneRequestPerCollection) {
+    for (const char* n : {"bob", "cy", "ann"}) {
+        for (int i = 0; i < 3; ++i) {
+            U(n).Add(QStringLiteral("30000%1").arg(i), QStringLiteral("Event %1").arg(i));
+        }
+        ASSERT_TRUE(Sync(n).ok);
+    }
+    const QByteArray cache = U("ann").File(false);
+    CalDavSyncResult r = Sync("ann");
+    EXPECT_EQ(r.requests, 3);
+    EXPECT_EQ(r.eventsRead, 6);
+    // A sync token the server no longer knows: each collection is listed
+    // again, nothing downloaded again.
+    const QString stateFile = DataFiles::CalDavStateFile(U("ann").settings);
+    ASSERT_TRUE(WriteFileBytes(stateFile, U("ann").File(true).replace("/ns/sync/", "/ns/sync/x")));
+    r = Sync("ann");
+    EXPECT_EQ(r.requests, 6) << r.error.toStdString();
+    EXPECT_EQ(U("ann").File(false), cache);
+}
+
+TEST_F(CalDavSyncTest, ASilentServerDoesNotBlock) {
+    QTcpServer silent; // accepts and never answers
+    ASSERT_TRUE(silent.listen(QHostAddress::LocalHost, 0));
+    U("ann").settings.sSet(
+        QStringLiteral("CalDAVUrl"),
+        SettingValue(QStringLiteral("http://127.0.0.1:%1/").arg(silent.serverPort())));
+    U("ann").Add("100001", "Waiting");
+    CalDavSync sync(U("ann").settings);
+    int ticks = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
+    timer.start(10);
+    QElapsedTimer clock;
+    clock.start();
+    sync.Start(U("ann").events, QStringLiteral("pw"));
+    EXPECT_LT(clock.elapsed(), 100);
+    QTest::qWait(500);
+    EXPECT_TRUE(sync.Running());
+    EXPECT_GE(ticks, 10); // of about 50, leaving room for a busy machine
+}
+
+} // namespace

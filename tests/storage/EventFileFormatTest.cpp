@@ -138,12 +138,18 @@ TEST_F(EventFileFormat, RawTextFieldsAreWrittenUnescapedAndCutAtTheirClosingTag)
 // A saved file with one field edited by hand: what that field reads as (seen
 // in the file saved again, every other byte unchanged) and the fault logged.
 TEST_F(EventFileFormat, AHandEditedFieldReadsAsTheNearestValueAndABadNumberIsLogged) {
-    const QByteArray saved = SaveBytes({MakeEvent(QStringLiteral("x"))});
-    const auto with = [&](const char* tag, const char* value) {
+    const EventPtr event = MakeEvent(QStringLiteral("x"));
+    event->setDaysWarning(3);
+    event->setPeriod(2);
+    const QByteArray saved = SaveBytes({event});
+    const auto with = [&](const char* tag, const char* value) { // nullptr: no such tag
         QByteArray bytes = saved;
         const QByteArray open = QByteArray("<") + tag + ">";
-        const qsizetype from = bytes.indexOf(open) + open.size();
-        return bytes.replace(from, bytes.indexOf('<', from) - from, value);
+        const qsizetype at = bytes.indexOf(open);
+        const qsizetype from = at + open.size();
+        const qsizetype to = bytes.indexOf('<', from);
+        return value != nullptr ? bytes.replace(from, to - from, value)
+                                : bytes.remove(at, bytes.indexOf('>', to) + 1 - at);
     };
     const char* const kBad = "Type mismatch (13)";
     const struct {
@@ -154,6 +160,8 @@ TEST_F(EventFileFormat, AHandEditedFieldReadsAsTheNearestValueAndABadNumberIsLog
         {"PlayWav", "-1", "-1", ""},
         {"DaysWarning", "7x", "0", kBad},
         {"DaysWarning", "inf", "0", kBad},
+        {"DaysWarning", nullptr, "0", kBad}, // a missing number is 0
+        {"Period", nullptr, "0", kBad},
         {"DayOfMonth", "99999", "0", "Overflow (6)"},
         {"DayOfMonth", "40000.4", "0", "Overflow (6)"},
         {"DayOfMonth", "+31", "31", ""},
@@ -174,14 +182,15 @@ TEST_F(EventFileFormat, AHandEditedFieldReadsAsTheNearestValueAndABadNumberIsLog
     };
     for (const auto& c : cases) {
         const qsizetype mark = LoggedTexts().size();
-        EXPECT_EQ(SaveBytes(LoadBytes(with(c.tag, c.typed))), with(c.tag, c.read)) << c.typed;
+        EXPECT_EQ(SaveBytes(LoadBytes(with(c.tag, c.typed))), with(c.tag, c.read))
+            << c.tag << " " << (c.typed ? c.typed : "(none)");
         const QStringList faults =
             LoggedTexts().mid(mark).filter(QStringLiteral(" in TransferXMLToObject"));
         const QString logged = QString::fromLatin1(c.logged);
         EXPECT_EQ(faults, logged.isEmpty() ? QStringList()
                                            : QStringList{logged + " in TransferXMLToObject of "
                                                                   "module clsDbXml"})
-            << c.typed;
+            << c.tag << " " << (c.typed ? c.typed : "(none)");
     }
 }
 

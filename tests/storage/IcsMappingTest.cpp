@@ -219,6 +219,9 @@ TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
          "2030-06-30", "", 0, 0, ""},
         {"DTSTART;VALUE=DATE:20300602\nRRULE:FREQ=WEEKLY;INTERVAL=2", clsEvent::Weekly,
          "2030-06-02", "", 0, 0, ""},
+        // A lone Tarvo field gives the owner and leaves the rest to the rule.
+        {"DTSTART;VALUE=DATE:20300602\nRRULE:FREQ=WEEKLY;INTERVAL=2\nX-TARVO-OWNER:Bob",
+         clsEvent::Weekly, "2030-06-02", "", 0, 0, ""},
         {"DTSTART;VALUE=DATE:20300601\nRRULE:FREQ=WEEKLY;BYDAY=TU,TH", clsEvent::DaysOfWeek,
          "2030-06-04", "", 0, 0, ""},
         {"DTSTART;VALUE=DATE:20300701\nRRULE:FREQ=YEARLY;INTERVAL=2", clsEvent::EveryXMonths,
@@ -251,6 +254,7 @@ TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
         ASSERT_TRUE(read.event) << c.lines << " skipped: " << read.skipped.toStdString();
         const clsEvent& e = *read.event;
         EXPECT_EQ(read.category, QStringLiteral("Family")) << c.lines;
+        EXPECT_EQ(e.Owner(), QString(c.lines).contains("OWNER:Bob") ? "Bob" : "") << c.lines;
         EXPECT_EQ(e.Recurring() ? e.RecurrenceType() : -1, c.type) << c.lines;
         EXPECT_EQ(FormatYMD(e.DueDate()), QString::fromLatin1(c.due)) << c.lines;
         EXPECT_EQ(e.AlarmSet() ? FormatHM(e.DueTime()) : QString(), QString::fromLatin1(c.time))

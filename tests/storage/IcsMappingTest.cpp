@@ -217,8 +217,6 @@ TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
          clsEvent::NthWeekday, "2030-06-28", "09:30", 15, 0, ""},
         {"DTSTART;VALUE=DATE:20300105\nRRULE:FREQ=MONTHLY;BYMONTHDAY=-1", clsEvent::DayOfMonthType,
          "2030-06-30", "", 0, 0, ""},
-        {"DTSTART;VALUE=DATE:20300602\nRRULE:FREQ=WEEKLY;INTERVAL=2", clsEvent::Weekly,
-         "2030-06-02", "", 0, 0, ""},
         // A lone Tarvo field gives the owner and leaves the rest to the rule.
         {"DTSTART;VALUE=DATE:20300602\nRRULE:FREQ=WEEKLY;INTERVAL=2\nX-TARVO-OWNER:Bob",
          clsEvent::Weekly, "2030-06-02", "", 0, 0, ""},

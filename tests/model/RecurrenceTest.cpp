@@ -33,7 +33,6 @@ clsEvent makeEvent(const Rule& r) {
     return e;
 }
 
-
 struct Case {
     const char* what;
     Rule rule;

@@ -3,7 +3,6 @@
 #include "model/clsEvent.h"
 
 #include <QByteArrayView>
-#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -28,9 +27,6 @@ public:
 
     void SetDBFilename(const QString& path) { m_fileName = path; }
     QString DBFilename() const { return m_fileName; }
-    // True when the file's time stamp differs from the one at the last load.
-    bool DatabaseChanged() const;
-    void LoadDBIfChanged(const QString& path);
     // Reads every record of path (length / 498, rounded; a short last record
     // reads as far as it goes). Deleted records are skipped; the owner, the
     // layer name and the sound are filled in as for a loaded XML database.
@@ -60,7 +56,6 @@ private:
     clsLayers& m_layers;
     clsSounds& m_sounds;
     QString m_fileName;
-    QDateTime m_fileTime;
     bool m_networked = false;
     QList<EventPtr> m_events;
 };

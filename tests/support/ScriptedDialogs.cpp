@@ -6,57 +6,14 @@
 
 namespace {
 
-const char* KindName(ScriptedDialogs::Kind kind) {
-    switch (kind) {
-    case ScriptedDialogs::Kind::Message:
-        return "message";
-    case ScriptedDialogs::Kind::YesNo:
-        return "Yes/No question";
-    case ScriptedDialogs::Kind::RetryCancel:
-        return "Retry/Cancel question";
-    case ScriptedDialogs::Kind::Input:
-        return "input box";
-    case ScriptedDialogs::Kind::OpenFile:
-        return "file chooser";
-    case ScriptedDialogs::Kind::SaveFile:
-        return "save-file chooser";
-    case ScriptedDialogs::Kind::Folder:
-        return "folder chooser";
-    case ScriptedDialogs::Kind::Date:
-        return "date picker";
-    }
-    return "box";
-}
+const char* const kKindNames[] = {"message",     "Yes/No question", "Retry/Cancel question",
+                                  "input box",   "file chooser",    "save-file chooser",
+                                  "folder chooser", "date picker"};
 
 } // namespace
 
-ScriptedDialogs& ScriptedDialogs::answerYes() {
-    m_answers.push_back({AnswerKind::Yes, {}});
-    return *this;
-}
-
-ScriptedDialogs& ScriptedDialogs::answerNo() {
-    m_answers.push_back({AnswerKind::No, {}});
-    return *this;
-}
-
-ScriptedDialogs& ScriptedDialogs::answerRetry() {
-    m_answers.push_back({AnswerKind::Retry, {}});
-    return *this;
-}
-
-ScriptedDialogs& ScriptedDialogs::answerCancel() {
-    m_answers.push_back({AnswerKind::Cancel, {}});
-    return *this;
-}
-
-ScriptedDialogs& ScriptedDialogs::answerText(const QString& text) {
-    m_answers.push_back({AnswerKind::Text, text});
-    return *this;
-}
-
-ScriptedDialogs& ScriptedDialogs::answerDate(DateValue day) {
-    m_answers.push_back({AnswerKind::Date, {}, day});
+ScriptedDialogs& ScriptedDialogs::answer(AnswerKind kind, const QString& text, DateValue day) {
+    m_answers.push_back({kind, text, day});
     return *this;
 }
 
@@ -85,7 +42,7 @@ ScriptedDialogs::take(Kind box, std::initializer_list<AnswerKind> fitting) {
     const Answer a = m_answers.front();
     m_answers.pop_front();
     if (std::find(fitting.begin(), fitting.end(), a.kind) == fitting.end()) {
-        ADD_FAILURE() << "scripted answer does not fit the " << KindName(box) << " \""
+        ADD_FAILURE() << "scripted answer does not fit the " << kKindNames[int(box)] << " \""
                       << m_shown.constLast().text.toStdString() << '"';
         return std::nullopt;
     }
@@ -108,53 +65,37 @@ bool ScriptedDialogs::AskRetryCancel(const QString& text, const QString& title) 
     return a && a->kind == AnswerKind::Retry;
 }
 
+std::optional<QString> ScriptedDialogs::textAnswer(const Shown& box) {
+    m_shown.append(box);
+    const auto a = take(box.kind, {AnswerKind::Text, AnswerKind::Cancel});
+    return a && a->kind == AnswerKind::Text ? std::optional<QString>(a->text) : std::nullopt;
+}
+
 std::optional<QString> ScriptedDialogs::InputBox(const QString& prompt, const QString& title,
                                                  const QString& defaultText) {
-    m_shown.append({Kind::Input, prompt, title, defaultText, {}, Icon::None, false});
-    const auto a = take(Kind::Input, {AnswerKind::Text, AnswerKind::Cancel});
-    if (a && a->kind == AnswerKind::Text) {
-        return a->text;
-    }
-    return std::nullopt;
+    return textAnswer({Kind::Input, prompt, title, defaultText, {}});
 }
 
 std::optional<QString> ScriptedDialogs::ChooseOpenFile(const QString& title,
                                                        const QString& startFolder,
                                                        const QString& filter) {
-    m_shown.append({Kind::OpenFile, title, {}, filter, startFolder, Icon::None, false});
-    const auto a = take(Kind::OpenFile, {AnswerKind::Text, AnswerKind::Cancel});
-    if (a && a->kind == AnswerKind::Text) {
-        return a->text;
-    }
-    return std::nullopt;
+    return textAnswer({Kind::OpenFile, title, {}, filter, startFolder});
 }
 
 std::optional<QString> ScriptedDialogs::ChooseSaveFile(const QString& title,
                                                        const QString& suggestedPath,
                                                        const QString& filter) {
-    m_shown.append({Kind::SaveFile, title, {}, filter, suggestedPath, Icon::None, false});
-    const auto a = take(Kind::SaveFile, {AnswerKind::Text, AnswerKind::Cancel});
-    if (a && a->kind == AnswerKind::Text) {
-        return a->text;
-    }
-    return std::nullopt;
+    return textAnswer({Kind::SaveFile, title, {}, filter, suggestedPath});
 }
 
 std::optional<QString> ScriptedDialogs::ChooseFolder(const QString& title,
                                                      const QString& startFolder) {
-    m_shown.append({Kind::Folder, title, {}, {}, startFolder, Icon::None, false});
-    const auto a = take(Kind::Folder, {AnswerKind::Text, AnswerKind::Cancel});
-    if (a && a->kind == AnswerKind::Text) {
-        return a->text;
-    }
-    return std::nullopt;
+    return textAnswer({Kind::Folder, title, {}, {}, startFolder});
 }
 
 std::optional<DateValue> ScriptedDialogs::PickDate(const QString& prompt, DateValue initial) {
-    m_shown.append({Kind::Date, prompt, {}, FormatYMD(initial), {}, Icon::None, false});
+    m_shown.append({Kind::Date, prompt, {}, FormatYMD(initial), {}});
     const auto a = take(Kind::Date, {AnswerKind::Date, AnswerKind::Cancel});
-    if (a && a->kind == AnswerKind::Date) {
-        return DateOnly(a->date);
-    }
-    return std::nullopt;
+    return a && a->kind == AnswerKind::Date ? std::optional<DateValue>(DateOnly(a->date))
+                                            : std::nullopt;
 }

@@ -37,14 +37,14 @@ public:
     };
 
     // Queue answers, consumed first in first out.
-    ScriptedDialogs& answerYes();
-    ScriptedDialogs& answerNo();
-    ScriptedDialogs& answerRetry();
+    ScriptedDialogs& answerYes() { return answer(AnswerKind::Yes); }
+    ScriptedDialogs& answerNo() { return answer(AnswerKind::No); }
+    ScriptedDialogs& answerRetry() { return answer(AnswerKind::Retry); }
     // Cancel for Retry/Cancel, an input box, a chooser or the date picker.
-    ScriptedDialogs& answerCancel();
+    ScriptedDialogs& answerCancel() { return answer(AnswerKind::Cancel); }
     // A typed text (input box), a chosen file or folder.
-    ScriptedDialogs& answerText(const QString& text);
-    ScriptedDialogs& answerDate(DateValue day);
+    ScriptedDialogs& answerText(const QString& text) { return answer(AnswerKind::Text, text); }
+    ScriptedDialogs& answerDate(DateValue day) { return answer(AnswerKind::Date, {}, day); }
 
     // Every box shown so far, oldest first.
     const QList<Shown>& shown() const { return m_shown; }
@@ -76,6 +76,10 @@ private:
         QString text;
         DateValue date = 0;
     };
+
+    ScriptedDialogs& answer(AnswerKind kind, const QString& text = {}, DateValue day = 0);
+    // Records a box answered by a text (input box, chooser) or Cancel.
+    std::optional<QString> textAnswer(const Shown& box);
 
     // The next queued answer, if any; a wrong kind fails the test and is
     // treated as no answer.

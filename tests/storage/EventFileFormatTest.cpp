@@ -38,35 +38,8 @@ TEST_F(EventFileFormat, OneEventIsWrittenFieldByFieldInTheFileOrder) {
     EXPECT_EQ(SaveBytes({}), Header()) << "an empty database is the header line alone";
     // Escaped text keeps letters, digits and four marks; other characters are
     // their code page's codes in upper-case hex.
-    auto e = MakeEvent(
-        QStringLiteral("Dentist 10:30, caf\u00e9 <b> & 100%\r\nroom 4.?\t;/-_~@\u20ac\u00ff"));
-    e->IDCode = QStringLiteral("012345");
-    e->setAlarmSet(true);
-    e->setAlarmTime(D("1899-12-30 10:15"));
-    e->setDaynumber(-2);
-    e->setDayOfMonth(31);
-    e->setDayOfWeek(7);
+    const EventPtr e = EventWithEveryField();
     e->setDaysLeft(-40000);
-    e->setDaysWarning(3);
-    e->setDueDate(D("2009-03-05 17:45"));
-    e->setDueTime(D("1899-12-30 10:30"));
-    e->setLayer(4);
-    e->SharedLayerName = QStringLiteral("Work");
-    e->Email = QStringLiteral("a@b.c;d@e.f");
-    e->setMinutesWarning(15);
-    e->setMonthNumber(13);
-    e->setPeriod(2);
-    e->setRecurrenceType(clsEvent::EveryXMonths);
-    e->setRecurring(true);
-    e->setStartDate(D("2008-01-31"));
-    e->setWeekDays(254);
-    e->SharedEvent = true;
-    e->Filename = QStringLiteral("C:\\a b\\run.bat");
-    e->WavFile = QStringLiteral("/snd/ding.wav");
-    e->PlayWav = true;
-    e->ShareWithSpecific = true;
-    e->ShareNames = QStringLiteral("Bob\r\nCarl\r\n");
-
     const QByteArray expected = Header() +
                                 "<TVO2>\r\n"
                                 "\t<EVENT>\r\n"
@@ -85,7 +58,7 @@ TEST_F(EventFileFormat, OneEventIsWrittenFieldByFieldInTheFileOrder) {
                                 "\t\t<DueDate>2009-03-05</DueDate>\r\n"
                                 "\t\t<DueTime>1899-12-30 10:30</DueTime>\r\n"
                                 "\t\t<Layer>4</Layer>\r\n"
-                                "\t\t<SharedLayerName>Work</SharedLayerName>\r\n"
+                                "\t\t<SharedLayerName>Work, home</SharedLayerName>\r\n"
                                 "\t\t<Email>a@b.c;d@e.f</Email>\r\n"
                                 "\t\t<MinutesWarning>15</MinutesWarning>\r\n"
                                 "\t\t<MonthNumber>13</MonthNumber>\r\n"
@@ -101,7 +74,7 @@ TEST_F(EventFileFormat, OneEventIsWrittenFieldByFieldInTheFileOrder) {
                                 "\t\t<WavFile>/snd/ding.wav</WavFile>\r\n"
                                 "\t\t<PlayWav>-1</PlayWav>\r\n"
                                 "\t\t<ShareWithSpecific>-1</ShareWithSpecific>\r\n"
-                                "\t\t<ShareNames>Bob%0D%0ACarl%0D%0A</ShareNames>\r\n"
+                                "\t\t<ShareNames>Bob%0D%0ACarl%20Jim%0D%0A</ShareNames>\r\n"
                                 "\t</EVENT>\r\n"
                                 "</TVO2>\r\n";
     const QByteArray bytes = SaveBytes({e});

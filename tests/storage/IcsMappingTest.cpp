@@ -158,25 +158,10 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
 
 TEST(IcsMapping, TarvoFieldsGiveBackTheSameRecord) {
     FixedClock clock(QStringLiteral("2030-06-01 08:00"));
-    auto timed = makeEvent(kRules[0], D(QStringLiteral("2030-06-01")));
-    timed->IDCode = QStringLiteral("012345");
-    timed->setDesc(QStringLiteral("Dentist, room 4\r\nbring the card; caf\u00e9 after"));
-    timed->setOwner(QStringLiteral("Ann & Bob"));
-    timed->setLayer(3);
-    timed->SharedLayerName = QStringLiteral("Work, home");
-    timed->SharedEvent = true;
-    timed->ShareWithSpecific = true;
-    timed->ShareNames = QStringLiteral("Bob\r\nJim Bob\r\n");
-    timed->Email = QStringLiteral("ann@example.org;bob@example.org");
-    timed->setAlarmSet(true);
+    // A due time just after midnight puts the alarm on the day before.
+    const EventPtr timed = EventWithEveryField();
     timed->setDueTime(TimeSerial(0, 10));
-    timed->setMinutesWarning(30);
     timed->setAlarmTime(timed->DueTime() - 30 / 1440.0);
-    timed->setDaysWarning(2);
-    timed->ExecFile = true;
-    timed->Filename = QStringLiteral("C:\\Reports\\run me.bat");
-    timed->PlayWav = true;
-    timed->WavFile = QStringLiteral("/home/ann/sounds/bell.wav");
 
     // A series whose day moves at a short month.
     auto shifting = makeEvent(kRules[12], D(QStringLiteral("2031-01-31")));

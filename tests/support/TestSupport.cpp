@@ -49,6 +49,39 @@ DateValue D(const QString& text) {
     return v.value_or(0);
 }
 
+EventPtr EventWithEveryField() {
+    auto e = std::make_shared<clsEvent>();
+    e->setDesc(
+        QStringLiteral("Dentist 10:30, caf\u00e9 <b> & 100%\r\nroom 4.?\t;/-_~@\u20ac\u00ff"));
+    e->setOwner(QStringLiteral("Ann"));
+    e->IDCode = QStringLiteral("012345");
+    e->setAlarmSet(true);
+    e->setAlarmTime(D("1899-12-30 10:15"));
+    e->setDaynumber(-2);
+    e->setDayOfMonth(31);
+    e->setDayOfWeek(7);
+    e->setDaysWarning(3);
+    e->setDueDate(D("2009-03-05 17:45"));
+    e->setDueTime(D("1899-12-30 10:30"));
+    e->setLayer(4);
+    e->SharedLayerName = QStringLiteral("Work, home");
+    e->Email = QStringLiteral("a@b.c;d@e.f");
+    e->setMinutesWarning(15);
+    e->setMonthNumber(13);
+    e->setPeriod(2);
+    e->setRecurrenceType(clsEvent::EveryXMonths);
+    e->setRecurring(true);
+    e->setStartDate(D("2008-01-31"));
+    e->setWeekDays(254);
+    e->SharedEvent = true;
+    e->Filename = QStringLiteral("C:\\a b\\run.bat");
+    e->WavFile = QStringLiteral("/snd/ding.wav");
+    e->PlayWav = true;
+    e->ShareWithSpecific = true;
+    e->ShareNames = QStringLiteral("Bob\r\nCarl Jim\r\n");
+    return e;
+}
+
 QByteArray ReadFileBytes(const QString& path) {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly)) {

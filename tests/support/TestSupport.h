@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/clsEvent.h"
 #include "shared/DateValue.h"
 
 #include <QByteArray>
@@ -47,6 +48,10 @@ public:
 // "YYYY-MM-DD" or "YYYY-MM-DD HH:MM" as a date value; fails the test when the
 // text is not one.
 DateValue D(const QString& text);
+
+// Event "012345" of "Ann", with every field the event file and the iCalendar
+// fields carry set away from its default, and awkward characters in its texts.
+EventPtr EventWithEveryField();
 
 QByteArray ReadFileBytes(const QString& path);
 // The text of a PDF file as pdftotext lays it out; "" when it cannot be read.

@@ -15,22 +15,10 @@ class EventFileFormat : public StorageTest {
 protected:
     QString path() const { return home.file(QStringLiteral("Events.xml")); }
 
-    // Saves the events into a fresh database file and returns its bytes.
-    QByteArray SaveBytes(const QList<EventPtr>& events) {
-        clsDbXml db(settings, &layers);
-        db.SetDBFilename(path());
-        for (const EventPtr& e : events) {
-            db.StoreRecord(e);
-        }
-        db.SaveDB();
-        return ReadFileBytes(path());
-    }
-
+    QByteArray SaveBytes(const QList<EventPtr>& events) { return SaveEvents(path(), events); }
     QList<EventPtr> LoadBytes(const QByteArray& bytes) {
         EXPECT_TRUE(WriteFileBytes(path(), bytes));
-        clsDbXml db(settings, &layers);
-        db.LoadDB(path());
-        return db.Events();
+        return LoadEvents(path());
     }
 };
 

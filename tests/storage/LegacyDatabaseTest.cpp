@@ -165,11 +165,7 @@ protected:
         }
         return ids;
     }
-    QStringList XmlIds(const char* name) {
-        clsDbXml db(settings, &layers);
-        db.LoadDB(home.file(QString::fromLatin1(name)));
-        return Ids(db.Events());
-    }
+    QStringList XmlIds(const char* name) { return Ids(LoadEvents(home.file(name))); }
 
     clsSounds sounds{home.path()};
     clsDB2 db{settings, layers, sounds};
@@ -237,13 +233,12 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsEachFileOnceAndTellsTheUserOnce) {
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
 
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
-    clsDbXml events(settings, &layers);
-    events.LoadDB(home.file("Events.xml"));
-    const QStringList ids = Ids(events.Events());
+    const QList<EventPtr> events = LoadEvents(home.file("Events.xml"));
+    const QStringList ids = Ids(events);
     ASSERT_EQ(ids.size(), 3);
     EXPECT_EQ(ids.mid(0, 2), QStringList({"222222", "111111"}));
     EXPECT_EQ(ids[2].size(), 6) << "given a code on the way";
-    EXPECT_EQ(events.Events()[1]->WavFile, "/bell.wav");
+    EXPECT_EQ(events[1]->WavFile, "/bell.wav");
     EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename())) << "the table is in the XML now";
     EXPECT_EQ(XmlIds("Expired.xml"), QStringList({"444444", "555555"}));
     // The old files are left for the user to fall back on.

@@ -23,10 +23,8 @@ protected:
     QString path() const { return home.file(QStringLiteral("Events.xml")); }
 
     QStringList DescsInFile() {
-        clsDbXml reader(settings, &layers);
-        reader.LoadDB(path());
         QStringList descs;
-        for (const EventPtr& e : reader.Events()) {
+        for (const EventPtr& e : LoadEvents(path())) {
             descs << e->Desc();
         }
         return descs;
@@ -107,10 +105,7 @@ TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
     EXPECT_FALSE(db.DatabaseChanged()) << "absent and still absent";
 
     // Another program creates the file.
-    clsDbXml other(settings, &layers);
-    other.SetDBFilename(path());
-    other.StoreRecord(MakeEvent(QStringLiteral("from elsewhere")));
-    other.SaveDB();
+    SaveEvents(path(), {MakeEvent(QStringLiteral("from elsewhere"))});
     EXPECT_TRUE(db.DatabaseChanged());
     db.LoadDB(path());
     EXPECT_EQ(db.RecordCount(), 1);
@@ -152,9 +147,7 @@ TEST_F(DbXml, AFailedSaveIsToldOnceAndTheEventsWaitForTheNextSave) {
     ASSERT_TRUE(QDir().mkpath(folder));
     db.SaveDB();
     EXPECT_FALSE(db.HasUnsavedChanges());
-    clsDbXml reread(settings);
-    reread.LoadDB(file);
-    EXPECT_EQ(reread.RecordCount(), 2);
+    EXPECT_EQ(LoadEvents(file).size(), 2);
 
     QDir(folder).removeRecursively(); // fails again: told again
     db.SaveDB();

@@ -96,62 +96,6 @@ TEST_F(EventFileFormat, RawTextFieldsAreWrittenUnescapedAndCutAtTheirClosingTag)
     EXPECT_EQ(back[1]->Owner(), QStringLiteral("Al"));
 }
 
-// A saved file with one field edited by hand: what that field reads as (seen
-// in the file saved again, every other byte unchanged) and the fault logged.
-TEST_F(EventFileFormat, AHandEditedFieldReadsAsTheNearestValueAndABadNumberIsLogged) {
-    const EventPtr event = MakeEvent(QStringLiteral("x"));
-    event->setDaysWarning(3);
-    event->setPeriod(2);
-    const QByteArray saved = SaveBytes({event});
-    const auto with = [&](const char* tag, const char* value) { // nullptr: no such tag
-        QByteArray bytes = saved;
-        const QByteArray open = QByteArray("<") + tag + ">";
-        const qsizetype at = bytes.indexOf(open);
-        const qsizetype from = at + open.size();
-        const qsizetype to = bytes.indexOf('<', from);
-        return value != nullptr ? bytes.replace(from, to - from, value)
-                                : bytes.remove(at, bytes.indexOf('>', to) + 1 - at);
-    };
-    const char* const kBad = "Type mismatch (13)";
-    const struct {
-        const char *tag, *typed, *read, *logged; // logged "" = read without a fault
-    } cases[] = {
-        {"AlarmSet", "- 1", "0", ""}, // only the exact text -1 is true
-        {"Recurring", "1", "0", ""},
-        {"PlayWav", "-1", "-1", ""},
-        {"DaysWarning", "7x", "0", kBad},
-        {"DaysWarning", nullptr, "0", kBad}, // a missing number is 0
-        {"Period", nullptr, "0", kBad},
-        {"DayOfMonth", "99999", "0", "Overflow (6)"},
-        {"DayOfMonth", "40000.4", "0", "Overflow (6)"},
-        {"DayOfMonth", "+31", "31", ""},
-        {"Layer", " 5 ", "5", ""},
-        {"MonthNumber", "2.5", "2", ""}, // half rounds to even
-        {"WeekDays", "3.5", "4", ""},
-        {"StartDate", "2010-06-01 13:30", "2010-06-01", ""},
-        {"DueDate", "2009-02-30", "1899-12-30", kBad},
-        // Dates and times read only when real; anything else is day 0, and logged.
-        {"AlarmTime", "2000-02-29", "2000-02-29 00:00", ""},
-        {"AlarmTime", "2009-02-29", "1899-12-30 00:00", kBad},
-        {"AlarmTime", "1900-02-29", "1899-12-30 00:00", kBad},
-        {"AlarmTime", "2009-03-05 23:59", "2009-03-05 23:59", ""},
-        {"AlarmTime", "2009-03-05 24:00", "1899-12-30 00:00", kBad},
-        {"AlarmTime", "2009-03-05 10:75", "1899-12-30 00:00", kBad},
-    };
-    for (const auto& c : cases) {
-        const qsizetype mark = LoggedTexts().size();
-        EXPECT_EQ(SaveBytes(LoadBytes(with(c.tag, c.typed))), with(c.tag, c.read))
-            << c.tag << " " << (c.typed ? c.typed : "(none)");
-        const QStringList faults =
-            LoggedTexts().mid(mark).filter(QStringLiteral(" in TransferXMLToObject"));
-        const QString logged = QString::fromLatin1(c.logged);
-        EXPECT_EQ(faults, logged.isEmpty() ? QStringList()
-                                           : QStringList{logged + " in TransferXMLToObject of "
-                                                                  "module clsDbXml"})
-            << c.tag << " " << (c.typed ? c.typed : "(none)");
-    }
-}
-
 // The file's own fast conversions give what the shared ones give: every
 // byte and character of the code page ("?" for the rest), and dates.
 TEST_F(EventFileFormat, FastConversionsAgreeWithTheSharedOnes) {

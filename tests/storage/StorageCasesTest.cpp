@@ -1,5 +1,6 @@
-// Data-driven cases: each folder under data/ holds a hand-made "input.xml"
-// and the "expected.xml" that loading it and saving it again must give.
+// Data-driven cases: each folder under data/ holds a hand-made "input.xml",
+// the "expected.xml" that loading it and saving it again must give, and
+// optionally "expected.log", the conversion faults loading logs, in order.
 #include "StorageFixture.h"
 
 #include "storage/EventFileSnapshot.h"
@@ -25,8 +26,10 @@ TEST_F(StorageCases, LoadingAndSavingGivesTheExpectedFile) {
         const QString input = home.file(name + QStringLiteral(".xml"));
         ASSERT_TRUE(
             WriteFileBytes(input, ReadFileBytes(dir.filePath(QStringLiteral("input.xml")))));
+        const qsizetype mark = LoggedTexts().size();
         clsDbXml db(settings, &layers);
         db.LoadDB(input);
+        const QStringList faults = LoggedTexts().mid(mark).filter(" in TransferXMLToObject");
         db.SetDBFilename(home.file(name + QStringLiteral("-saved.xml")));
         db.SaveDB();
         const QByteArray saved = ReadFileBytes(db.DBFilename());
@@ -35,6 +38,9 @@ TEST_F(StorageCases, LoadingAndSavingGivesTheExpectedFile) {
             WriteFileBytes(expectedPath, saved); // to start a new case; review it by hand
         }
         EXPECT_EQ(saved, ReadFileBytes(expectedPath)) << "case " << name.toStdString();
+        if (const QByteArray log = ReadFileBytes(dir.filePath("expected.log")); !log.isEmpty()) {
+            EXPECT_EQ(faults, QString::fromLatin1(log).split('\n', Qt::SkipEmptyParts)) << "case " << name.toStdString();
+        }
     }
 }
 

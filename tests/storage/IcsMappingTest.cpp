@@ -213,4 +213,8 @@ TEST(IcsMapping, CalendarFilesReadAsExpected) {
         }
         EXPECT_EQ(got, ReadFileBytes(expected)) << name.toStdString();
     }
+    // The parser's own complaint (its wording is the library's) names the property.
+    EXPECT_TRUE(ParseCalendar("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:tomorrow\r\nEND:VEVENT\r\n"
+                              "END:VCALENDAR\r\n")
+                    .error.contains("DTSTART"));
 }

@@ -57,6 +57,7 @@ TEST_F(StorageCases, TheSnapshotReadsWhatLoadingReadsForEventsDueInTime) {
         }
         return out;
     };
+    qsizetype read = 0;
     for (const QString& name : QDir(CasesFolder()).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         const QString input = QDir(CasesFolder()).filePath(name + QStringLiteral("/input.xml"));
         clsDbXml db(settings);
@@ -66,9 +67,10 @@ TEST_F(StorageCases, TheSnapshotReadsWhatLoadingReadsForEventsDueInTime) {
         due.removeIf([&](const EventPtr& e) { return e->DueDate() > last; });
         const QList<EventPtr> got =
             EventFileSnapshot::Read(input, QStringLiteral("Ann"), true, last);
-        EXPECT_FALSE(got.isEmpty()) << name.toStdString();
+        read += got.size();
         EXPECT_EQ(blocks(got), blocks(due)) << name.toStdString();
     }
+    EXPECT_GT(read, 10);
 }
 
 } // namespace

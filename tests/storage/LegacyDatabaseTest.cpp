@@ -77,22 +77,18 @@ TEST(LegacyRecordReading, EveryFieldComesFromItsOffset) {
     bytes[218] = 1; // a boolean written as 1 instead of -1 is true all the same
     bytes[219] = 0;
     const EventPtr e = clsDB2::TransferTypeToObject(bytes);
-    EXPECT_FALSE(e->Deleted);
-    EXPECT_EQ(e->DueDate(), D("2009-03-05"));
-    EXPECT_EQ(e->DueTime(), D("1899-12-30 10:30"));
-    // Blanks at either end go; the Windows-1252 e-acute is decoded.
-    EXPECT_EQ(e->Desc(), "Dentist 10:30, caf\u00e9 <&> %");
-    EXPECT_TRUE(e->Recurring() && e->AlarmSet() && e->SharedEvent && e->ExecFile);
+    EXPECT_TRUE(!e->Deleted && e->Recurring() && e->AlarmSet() && e->SharedEvent && e->ExecFile);
+    EXPECT_EQ(QList<DateValue>({e->DueDate(), e->DueTime(), e->StartDate(), e->AlarmTime()}),
+              QList<DateValue>({D("2009-03-05"), D("1899-12-30 10:30"), D("2008-12-01"),
+                                D("1899-12-30 10:15")}));
     EXPECT_EQ(QList<int>({e->DaysWarning(), e->MinutesWarning(), e->RecurrenceType(), e->WeekDays(),
                           e->DayOfMonth(), e->MonthNumber(), e->Daynumber(), e->DayOfWeek(),
                           e->Period(), e->DaysLeft(), e->Layer()}),
               QList<int>({3, 15, 4, 10, 31, 13, -2, 7, 6, 70000, 19}));
-    EXPECT_EQ(e->IDCode, "123456");
-    EXPECT_EQ(e->StartDate(), D("2008-12-01"));
-    EXPECT_EQ(e->Owner(), "Ann");
-    EXPECT_EQ(e->AlarmTime(), D("1899-12-30 10:15"));
-    EXPECT_EQ(e->Filename, "C:\\Tools\\run.bat");
-    EXPECT_EQ(e->Email, "ann@example.com");
+    // Blanks at either end go; the Windows-1252 e-acute is decoded.
+    EXPECT_EQ(QStringList({e->Desc(), e->IDCode, e->Owner(), e->Filename, e->Email}),
+              QStringList({"Dentist 10:30, caf\u00e9 <&> %", "123456", "Ann", "C:\\Tools\\run.bat",
+                           "ann@example.com"}));
 
     // Text filling its whole width is kept whole.
     LegacyRecord full;

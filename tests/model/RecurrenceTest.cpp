@@ -12,30 +12,9 @@
 
 namespace {
 
-struct Rule {
-    int32_t type = 0;
-    int16_t weekDays = 0, dayOfMonth = 0, monthNumber = 0, period = 0, dayOfWeek = 0, daynumber = 0;
-    const char* start = "1899-12-30";
-};
-
-clsEvent makeEvent(const Rule& r) {
-    clsEvent e;
-    e.setDesc(QStringLiteral("test event"));
-    e.setRecurring(true);
-    e.setRecurrenceType(r.type);
-    e.setWeekDays(r.weekDays);
-    e.setDayOfMonth(r.dayOfMonth);
-    e.setMonthNumber(r.monthNumber);
-    e.setPeriod(r.period);
-    e.setDayOfWeek(r.dayOfWeek);
-    e.setDaynumber(r.daynumber);
-    e.setStartDate(D(QString::fromLatin1(r.start)));
-    return e;
-}
-
 struct Case {
     const char* what;
-    Rule rule;
+    RuleFields rule;
     const char* clock; // the moment the clock shows
     const char* from;  // nullptr: CalcNextDueDate (from today)
     const char* due;
@@ -79,7 +58,7 @@ const Case kCases[] = {
 TEST(Recurrence, WorkedExamples) {
     for (const Case& c : kCases) {
         FixedClock clock(QString::fromLatin1(c.clock));
-        clsEvent e = makeEvent(c.rule);
+        clsEvent e = RepeatingEvent(c.rule);
         e.MailSent = true;
         auto calc = [&] {
             c.from == nullptr ? e.CalcNextDueDate()
@@ -100,7 +79,7 @@ TEST(Recurrence, WorkedExamples) {
 
 TEST(Recurrence, WeekStepOverflowIsLoggedNotFatal) {
     FixedClock clock(QStringLiteral("2009-03-05 10:00"));
-    clsEvent e = makeEvent({.type = 3, .period = 4682, .start = "2009-01-01"});
+    clsEvent e = RepeatingEvent({.type = 3, .period = 4682, .start = "2009-01-01"});
     e.setDueDate(D(QStringLiteral("2009-02-01")));
     e.CalcNextDueDate();
     EXPECT_EQ(LoggedTexts().constLast(),
@@ -118,7 +97,7 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
     // clang-format off
     const struct {
         const char* what;
-        Rule rule;
+        RuleFields rule;
     } bad[] = {
         {"empty day mask", {.type = 0, .weekDays = 0}}, {"unused bit", {.type = 0, .weekDays = 1}},
         {"day of month 0", {.type = 1, .dayOfMonth = 0, .monthNumber = 13}},
@@ -132,8 +111,8 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
     // clang-format on
     FixedClock clock(QStringLiteral("2009-03-05 10:00"));
     for (const auto& b : bad) {
-        clsEvent e = makeEvent(b.rule);
-        e.setDesc(QStringLiteral("Broken: ") + QString::fromLatin1(b.what));
+        clsEvent e =
+            RepeatingEvent(b.rule, QStringLiteral("Broken: ") + QString::fromLatin1(b.what));
         e.setDueDate(D(QStringLiteral("2008-06-01")));
         const DateValue start = e.StartDate();
         e.CalcNextDueDate();
@@ -143,8 +122,8 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
             << b.what << ": " << LoggedTexts().constLast().toStdString();
     }
     // Running past the last representable day is such a search too.
-    clsEvent late = makeEvent({.type = 0, .weekDays = 2}); // Mondays
-    late.setDesc(QStringLiteral("Past 9999"));
+    clsEvent late =
+        RepeatingEvent({.type = 0, .weekDays = 2}, QStringLiteral("Past 9999")); // Mondays
     late.setDueDate(D(QStringLiteral("9999-12-27")));
     late.CalcNextAfterDate(D(QStringLiteral("9999-12-28")));
     EXPECT_EQ(FormatYMD(late.DueDate()), QStringLiteral("9999-12-27"));

@@ -11,7 +11,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace {
 
 class SettingsFileTest : public ::testing::Test {
@@ -50,7 +49,8 @@ TEST_F(SettingsFileTest, SavesUpperCasedKeysIntegersInPrintLayoutWindows1252AndC
 TEST_F(SettingsFileTest, LinesKeysAndDuplicates) {
     load("OWNER,Fred,Smith\r\nno comma here\r\n,starts with comma\r\n  ,blank key\r\n"
          "GOOD,1\nB,2\r\n\r\ngood,3\r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n");
-    EXPECT_EQ(saved(), QByteArray("OWNER,Fred,Smith\r\nGOOD,3\r\nB,2\r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n"));
+    EXPECT_EQ(saved(),
+              QByteArray("OWNER,Fred,Smith\r\nGOOD,3\r\nB,2\r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n"));
     EXPECT_EQ(settings.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
     EXPECT_EQ(settings.sGet("NoSounds"), SettingValue("-1 "));
     EXPECT_TRUE(settings.sGet("NoSounds").toBool());
@@ -96,8 +96,8 @@ TEST_F(SettingsFileTest, LoadReplacesEverythingAndMissingOrUnreadableFilesLeaveI
 
 // Keys ignore case and commas; a replaced or deleted entry leaves the others in place.
 TEST_F(SettingsFileTest, KeysIgnoreCaseAndCommasAndDeletingKeepsTheOrder) {
-    for (const auto& [key, value] : {std::pair{"My,Key", "v"}, {"Datapath", "a"}, {"C", "C"},
-                                     {"DataPath", "b"}, {"D", "D"}}) {
+    for (const auto& [key, value] :
+         {std::pair{"My,Key", "v"}, {"Datapath", "a"}, {"C", "C"}, {"DataPath", "b"}, {"D", "D"}}) {
         settings.sSet(key, value);
     }
     EXPECT_TRUE(settings.IsSettingPresent("my,key"));
@@ -192,7 +192,6 @@ TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancel) {
     access.failures = {AtomicFile::Status::DiskFull};
     EXPECT_FALSE(withoutDialogs.SaveSettings(ini()));
     EXPECT_EQ(access.writes, 5);
-
 }
 
 // Other errors, and a refusal that remains after making the file writable, go

@@ -15,7 +15,8 @@ protected:
     // The file a save of three events writes.
     QByteArray ThreeEvents() {
         return SaveEvents(home.file("written.xml"),
-                          {MakeEvent("Dentist"), MakeEvent("Rent"), MakeEvent("Mum's birthday")}, true);
+                          {MakeEvent("Dentist"), MakeEvent("Rent"), MakeEvent("Mum's birthday")},
+                          true);
     }
     QStringList Copies() const { return QDir(home.path()).entryList({"*.damaged-*"}, QDir::Files); }
 };

@@ -77,8 +77,14 @@ TEST_F(EventFileFormat, FastConversionsAgreeWithTheSharedOnes) {
     }
     QRandomGenerator random(7);
     for (int i = 0; i < 2000; ++i) {
-        const DateValue v = i < 9 ? QList<DateValue>{0.0, -1.25, -0.5, 2.999999999, 39876.75,
-                                                     2958465.99999, -657434.0, 0.041666666,
+        const DateValue v = i < 9 ? QList<DateValue>{0.0,
+                                                     -1.25,
+                                                     -0.5,
+                                                     2.999999999,
+                                                     39876.75,
+                                                     2958465.99999,
+                                                     -657434.0,
+                                                     0.041666666,
                                                      39876.0 + 59.0 / 1440 + 29.9 / 86400}[i]
                                   : -657433.0 + random.bounded(2958465.0 + 657433.0);
         QByteArray ymd;

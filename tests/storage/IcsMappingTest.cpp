@@ -21,73 +21,50 @@ namespace {
 
 struct Rule {
     const char* name;
-    int32_t type;
-    int16_t weekDays = 0, dayOfMonth = 0, monthNumber = 0, period = 0, dayOfWeek = 0, daynumber = 0;
+    RuleFields fields;
     int32_t readAs = -1; // the type read back when another one gives the same dates
 };
 
+// clang-format off
 const Rule kRules[] = {
-    {"Mon+Fri", clsEvent::DaysOfWeek, 34},
-    {"Sunday", clsEvent::DaysOfWeek, 128, 0, 0, 0, 0, 0, clsEvent::Weekly},
-    {"weekend", clsEvent::DaysOfWeek, 192},
-    {"day 31 monthly", clsEvent::DayOfMonthType, 0, 31, 13},
-    {"day 30 monthly", clsEvent::DayOfMonthType, 0, 30, 13},
-    {"day 29 monthly", clsEvent::DayOfMonthType, 0, 29, 13},
-    {"day 45 monthly", clsEvent::DayOfMonthType, 0, 45, 13},
-    {"day 1 monthly", clsEvent::DayOfMonthType, 0, 1, 13},
-    {"31 April", clsEvent::DayOfMonthType, 0, 31, 4},
-    {"29 February", clsEvent::DayOfMonthType, 0, 29, 2},
-    {"30 February", clsEvent::DayOfMonthType, 0, 30, 2},
-    {"31 December", clsEvent::DayOfMonthType, 0, 31, 12},
-    {"every month", clsEvent::EveryXMonths, 0, 0, 0, 1},
-    {"every 2 months", clsEvent::EveryXMonths, 0, 0, 0, 2},
-    {"every 5 months", clsEvent::EveryXMonths, 0, 0, 0, 5},
-    {"every 12 months", clsEvent::EveryXMonths, 0, 0, 0, 12},
-    {"every 48 months", clsEvent::EveryXMonths, 0, 0, 0, 48},
-    {"weekly", clsEvent::Weekly, 0, 0, 0, 1},
-    {"every 3 weeks", clsEvent::Weekly, 0, 0, 0, 3},
-    {"1st Monday", clsEvent::NthWeekday, 0, 0, 0, 0, 2, 1},
-    {"last Friday", clsEvent::NthWeekday, 0, 0, 0, 0, 6, 5},
-    {"4th Thursday of November", clsEvent::NthWeekday, 0, 0, 11, 0, 5, 4},
-    {"last Sunday of February", clsEvent::NthWeekday, 0, 0, 2, 0, 1, 9},
-    {"day number 0", clsEvent::NthWeekday, 0, 0, 0, 0, 3, 0, clsEvent::DayOfMonthType},
-    {"daily", clsEvent::EveryXDays, 0, 0, 0, 1},
-    {"every 45 days", clsEvent::EveryXDays, 0, 0, 0, 45},
+    {"Mon+Fri", {.type = clsEvent::DaysOfWeek, .weekDays = 34}},
+    {"Sunday", {.type = clsEvent::DaysOfWeek, .weekDays = 128}, clsEvent::Weekly},
+    {"weekend", {.type = clsEvent::DaysOfWeek, .weekDays = 192}},
+    {"day 31 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 31, .monthNumber = 13}},
+    {"day 30 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 30, .monthNumber = 13}},
+    {"day 29 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 29, .monthNumber = 13}},
+    {"day 45 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 45, .monthNumber = 13}},
+    {"day 1 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 1, .monthNumber = 13}},
+    {"31 April", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 31, .monthNumber = 4}},
+    {"29 February", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 29, .monthNumber = 2}},
+    {"30 February", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 30, .monthNumber = 2}},
+    {"31 December", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 31, .monthNumber = 12}},
+    {"every month", {.type = clsEvent::EveryXMonths, .period = 1}},
+    {"every 2 months", {.type = clsEvent::EveryXMonths, .period = 2}},
+    {"every 5 months", {.type = clsEvent::EveryXMonths, .period = 5}},
+    {"every 12 months", {.type = clsEvent::EveryXMonths, .period = 12}},
+    {"every 48 months", {.type = clsEvent::EveryXMonths, .period = 48}},
+    {"weekly", {.type = clsEvent::Weekly, .period = 1}},
+    {"every 3 weeks", {.type = clsEvent::Weekly, .period = 3}},
+    {"1st Monday", {.type = clsEvent::NthWeekday, .dayOfWeek = 2, .daynumber = 1}},
+    {"last Friday", {.type = clsEvent::NthWeekday, .dayOfWeek = 6, .daynumber = 5}},
+    {"4th Thursday of November", {.type = clsEvent::NthWeekday, .monthNumber = 11, .dayOfWeek = 5, .daynumber = 4}},
+    {"last Sunday of February", {.type = clsEvent::NthWeekday, .monthNumber = 2, .dayOfWeek = 1, .daynumber = 9}},
+    {"day number 0", {.type = clsEvent::NthWeekday, .dayOfWeek = 3}, clsEvent::DayOfMonthType},
+    {"daily", {.type = clsEvent::EveryXDays, .period = 1}},
+    {"every 45 days", {.type = clsEvent::EveryXDays, .period = 45}},
 };
+// clang-format on
 
 // Month ends, 29 February, week boundaries, a year's end.
 const char* const kStarts[] = {"2024-01-31", "2024-02-29", "2023-02-28", "2025-03-31",
                                "2025-08-31", "2025-12-31", "2026-06-01", "2027-01-30"};
 
 EventPtr makeEvent(const Rule& r, DateValue start) {
-    auto e = std::make_shared<clsEvent>();
-    e->setDesc(QString::fromLatin1(r.name));
-    e->setRecurring(true);
-    e->setRecurrenceType(r.type);
-    e->setWeekDays(r.weekDays);
-    e->setDayOfMonth(r.dayOfMonth);
-    e->setMonthNumber(r.monthNumber);
-    e->setPeriod(r.period);
-    e->setDayOfWeek(r.dayOfWeek);
-    e->setDaynumber(r.daynumber);
+    auto e = std::make_shared<clsEvent>(RepeatingEvent(r.fields, QString::fromLatin1(r.name)));
     e->setStartDate(start);
     e->CalcNextDueDate();
     return e;
-}
-
-// Tarvo's own dates up to last: each the next occurrence after the one before.
-QList<DateValue> tarvoDates(const clsEvent& event, DateValue last) {
-    clsEvent e = event;
-    QList<DateValue> out;
-    for (DateValue d = e.DueDate(); d <= last;) {
-        out.append(d);
-        e.CalcNextAfterDate(d + 1);
-        if (e.DueDate() <= d) {
-            break;
-        }
-        d = e.DueDate();
-    }
-    return out;
 }
 
 DateValue dayOf(const icaltimetype& t) {
@@ -136,7 +113,7 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
         const DateValue last = DateSerial(YearOf(start) + 5, MonthOf(start), DayOf(start));
         for (const Rule& rule : kRules) {
             const EventPtr event = makeEvent(rule, start);
-            const QList<DateValue> expected = tarvoDates(*event, last);
+            const QList<DateValue> expected = DueDatesUpTo(*event, last);
             const IcalComponent v = ToVEvent(*event, QStringLiteral("Work"), {false});
             const QList<DateValue> got = libicalDates(v.get(), start, last);
             ASSERT_GT(expected.size(), 1) << rule.name << " from " << startText;
@@ -148,9 +125,10 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
             ASSERT_TRUE(read.event) << rule.name;
             if (icalcomponent_get_first_property(v.get(), ICAL_RDATE_PROPERTY) == nullptr) {
                 EXPECT_EQ(read.simplified, QString()) << rule.name << " from " << startText;
-                EXPECT_EQ(read.event->RecurrenceType(), rule.readAs >= 0 ? rule.readAs : rule.type)
+                EXPECT_EQ(read.event->RecurrenceType(),
+                          rule.readAs >= 0 ? rule.readAs : rule.fields.type)
                     << rule.name;
-                EXPECT_EQ(tarvoDates(*read.event, last), expected)
+                EXPECT_EQ(DueDatesUpTo(*read.event, last), expected)
                     << rule.name << " from " << startText;
             } else {
                 EXPECT_FALSE(read.event->Recurring()) << rule.name;
@@ -198,10 +176,12 @@ TEST(IcsMapping, CalendarFilesReadAsExpected) {
     ASSERT_FALSE(files.isEmpty()) << dir.path().toStdString();
     for (const QString& name : files) {
         const Calendar calendar = ParseCalendar(ReadFileBytes(dir.filePath(name)));
-        QByteArray got = calendar.error.isEmpty() ? QByteArray() : "refused: " + calendar.error.toUtf8();
+        QByteArray got =
+            calendar.error.isEmpty() ? QByteArray() : "refused: " + calendar.error.toUtf8();
         for (icalcomponent* v : calendar.events) {
             const ReadEvent read = FromVEvent(v, TodayDate(), {true});
-            got += "category: " + read.category.toUtf8() + "; simplified: " + read.simplified.toUtf8() +
+            got += "category: " + read.category.toUtf8() +
+                   "; simplified: " + read.simplified.toUtf8() +
                    "; skipped: " + read.skipped.toUtf8() + "\r\n";
             if (read.event) {
                 EventXmlCodec::AppendBlock(got, *read.event);
@@ -214,7 +194,8 @@ TEST(IcsMapping, CalendarFilesReadAsExpected) {
         EXPECT_EQ(got, ReadFileBytes(expected)) << name.toStdString();
     }
     // The parser's own complaint (its wording is the library's) names the property.
-    EXPECT_TRUE(ParseCalendar("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:tomorrow\r\nEND:VEVENT\r\n"
-                              "END:VCALENDAR\r\n")
-                    .error.contains("DTSTART"));
+    EXPECT_TRUE(
+        ParseCalendar("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:tomorrow\r\nEND:VEVENT\r\n"
+                      "END:VCALENDAR\r\n")
+            .error.contains("DTSTART"));
 }

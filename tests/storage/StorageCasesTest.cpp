@@ -39,7 +39,8 @@ TEST_F(StorageCases, LoadingAndSavingGivesTheExpectedFile) {
         }
         EXPECT_EQ(saved, ReadFileBytes(expectedPath)) << "case " << name.toStdString();
         if (const QByteArray log = ReadFileBytes(dir.filePath("expected.log")); !log.isEmpty()) {
-            EXPECT_EQ(faults, QString::fromLatin1(log).split('\n', Qt::SkipEmptyParts)) << "case " << name.toStdString();
+            EXPECT_EQ(faults, QString::fromLatin1(log).split('\n', Qt::SkipEmptyParts))
+                << "case " << name.toStdString();
         }
     }
 }

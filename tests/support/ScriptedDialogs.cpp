@@ -6,8 +6,8 @@
 
 namespace {
 
-const char* const kKindNames[] = {"message",     "Yes/No question", "Retry/Cancel question",
-                                  "input box",   "file chooser",    "save-file chooser",
+const char* const kKindNames[] = {"message",        "Yes/No question", "Retry/Cancel question",
+                                  "input box",      "file chooser",    "save-file chooser",
                                   "folder chooser", "date picker"};
 
 } // namespace

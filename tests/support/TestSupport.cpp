@@ -82,6 +82,34 @@ EventPtr EventWithEveryField() {
     return e;
 }
 
+clsEvent RepeatingEvent(const RuleFields& r, const QString& desc) {
+    clsEvent e;
+    e.setDesc(desc);
+    e.setRecurring(true);
+    e.setRecurrenceType(r.type);
+    e.setWeekDays(r.weekDays);
+    e.setDayOfMonth(r.dayOfMonth);
+    e.setMonthNumber(r.monthNumber);
+    e.setPeriod(r.period);
+    e.setDayOfWeek(r.dayOfWeek);
+    e.setDaynumber(r.daynumber);
+    e.setStartDate(D(QString::fromLatin1(r.start)));
+    return e;
+}
+
+QList<DateValue> DueDatesUpTo(clsEvent event, DateValue last) {
+    QList<DateValue> out;
+    for (DateValue d = event.DueDate(); d <= last;) {
+        out.append(d);
+        event.CalcNextAfterDate(d + 1);
+        if (event.DueDate() <= d) {
+            break;
+        }
+        d = event.DueDate();
+    }
+    return out;
+}
+
 QByteArray ReadFileBytes(const QString& path) {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly)) {

@@ -53,6 +53,18 @@ DateValue D(const QString& text);
 // fields carry set away from its default, and awkward characters in its texts.
 EventPtr EventWithEveryField();
 
+// The rule fields of a repeating event.
+struct RuleFields {
+    int32_t type = 0;
+    int16_t weekDays = 0, dayOfMonth = 0, monthNumber = 0, period = 0, dayOfWeek = 0, daynumber = 0;
+    const char* start = "1899-12-30";
+};
+// A repeating event named desc with those fields; its due date is left at 0.
+clsEvent RepeatingEvent(const RuleFields& rule, const QString& desc = QStringLiteral("x"));
+// The event's due dates from its own up to last, each the next occurrence
+// after the one before (the walk the program has always made).
+QList<DateValue> DueDatesUpTo(clsEvent event, DateValue last);
+
 QByteArray ReadFileBytes(const QString& path);
 // The text of a PDF file as pdftotext lays it out; "" when it cannot be read.
 QString PdfText(const QString& pdf);

@@ -45,32 +45,23 @@ TEST_F(SettingsFileTest, SavesUpperCasedKeysIntegersInPrintLayoutWindows1252AndC
 
 // Lines split at their first comma and keep their blanks as text; lines without
 // a key are skipped; a later duplicate replaces the value in the first one's
-// place; bare LF ends a line.
-TEST_F(SettingsFileTest, LinesKeysAndDuplicates) {
+// place; bare LF ends a line. True and false words (any case, blanks around)
+// become -1 and 0 when the file is loaded, and read as booleans when set as text.
+TEST_F(SettingsFileTest, LinesKeysDuplicatesAndTruthWords) {
     load("OWNER,Fred,Smith\r\nno comma here\r\n,starts with comma\r\n  ,blank key\r\n"
-         "GOOD,1\nB,2\r\n\r\ngood,3\r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n");
-    EXPECT_EQ(saved(),
-              QByteArray("OWNER,Fred,Smith\r\nGOOD,3\r\nB,2\r\nNOSOUNDS,-1 \r\nNETWORKED, 0 \r\n"));
+         "GOOD,1\nB,2\r\n\r\ngood,3\r\nNOSOUNDS,-1 \r\nT, true \r\nF,FALSE\r\nX,truely\r\n");
+    EXPECT_EQ(saved(), QByteArray("OWNER,Fred,Smith\r\nGOOD,3\r\nB,2\r\nNOSOUNDS,-1 \r\nT,-1 \r\n"
+                                  "F, 0 \r\nX,truely\r\n"));
     EXPECT_EQ(settings.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
     EXPECT_EQ(settings.sGet("NoSounds"), SettingValue("-1 "));
     EXPECT_TRUE(settings.sGet("NoSounds").toBool());
-    EXPECT_FALSE(settings.sGet("Networked").toBool());
+    EXPECT_EQ(settings.sGet("F"), SettingValue(0));
     EXPECT_TRUE(reports.texts().isEmpty());
-}
 
-// True and false words (English or the locale's, any case, blanks around) become
-// -1 and 0 when the file is loaded, and read as booleans when set as text.
-TEST_F(SettingsFileTest, TrueAndFalseWords) {
-    settings.setLocaleBooleanWords(QStringLiteral("Wahr"), QStringLiteral("Falsch"));
-    load("A, true \r\nB,FALSE\r\nC,wahr\r\nD, falsch\r\nE,truely\r\n");
-    EXPECT_EQ(saved(), QByteArray("A,-1 \r\nB, 0 \r\nC,-1 \r\nD, 0 \r\nE,truely\r\n"));
-    EXPECT_EQ(settings.sGet("A"), SettingValue(-1));
-    EXPECT_EQ(settings.sGet("D"), SettingValue(0));
-
-    const QList<QPair<const char*, SettingValue>> set = {
-        {" true ", true},          {"TRUE", true},     {"False", false},
-        {" WAHR", true},           {"falsch ", false}, {"truth", SettingValue("truth")},
-        {"-1", SettingValue("-1")}};
+    const QList<QPair<const char*, SettingValue>> set = {{" true ", true},
+                                                         {"False", false},
+                                                         {"truth", SettingValue("truth")},
+                                                         {"-1", SettingValue("-1")}};
     for (const auto& [stored, expected] : set) {
         settings.sSet("K", stored);
         EXPECT_EQ(settings.sGet("K"), expected) << stored;

@@ -2,7 +2,6 @@
 #include "shared/AppInfo.h"
 #include "shared/AppPaths.h"
 #include "shared/Clock.h"
-#include "shared/RuntimeError.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -48,8 +47,8 @@ TEST_F(Logging, FreshFileStartsWithTheHeaderAndIsWrittenAsWindows1252) {
 }
 
 // Actions wait in memory, each with the time it was added, until the
-// twenty-first; an error is written at once and takes the waiting ones with it.
-TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirstOrAnError) {
+// twenty-first.
+TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirst) {
     cSharedLogging log(home.path());
     log.LogEvent("start", true);
     const qsizetype before = fileLines(logPath).size();
@@ -66,7 +65,7 @@ TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirstOrAnError) {
     EXPECT_EQ(log.pendingActions().size(), 20);
 
     log.AddAction("a21");
-    QStringList lines = fileLines(logPath);
+    const QStringList lines = fileLines(logPath);
     ASSERT_EQ(lines.size(), before + 21);
     EXPECT_EQ(lines.mid(before, 3),
               QStringList({"1 14:03:22, plain", "1 14:04:57, x in P of module M",
@@ -74,12 +73,6 @@ TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirstOrAnError) {
     EXPECT_EQ(lines.last(), "1 14:04:57, a21");
     EXPECT_TRUE(log.pendingActions().isEmpty());
 
-    log.AddAction("before");
-    log.LogError(RuntimeError::fileNotFound(), "frmMain", "Save");
-    lines = fileLines(logPath);
-    EXPECT_EQ(lines.mid(lines.size() - 2),
-              QStringList({"1 14:04:57, Error 53 (File not found) in frmMain of Save",
-                           "1 14:04:57, before"}));
 }
 
 // Without a file name, or while the file cannot be opened, actions wait;
@@ -115,7 +108,6 @@ TEST_F(Logging, NoLoggingWritesAndBuffersNothing) {
     for (int i = 0; i < 30; ++i) {
         log.AddAction("a");
     }
-    log.LogError(6, "Overflow", "A", "B");
     log.WriteActionsToLog();
     EXPECT_TRUE(log.pendingActions().isEmpty());
     EXPECT_TRUE(QDir(home.path()).entryList(QDir::Files).isEmpty()) << "no log file";

@@ -165,9 +165,6 @@ EventPtr clsDB2::ReadEvent(const QString& idCode) const {
 }
 
 bool clsDB2::ExportToXML(const QString& xmlPath) {
-    if (m_networked) {
-        return false;
-    }
     clsDbXml db(m_settings, &m_layers);
     db.SetDBFilename(xmlPath);
     for (const EventPtr& e : std::as_const(m_events)) {

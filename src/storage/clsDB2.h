@@ -38,8 +38,6 @@ public:
 
     // Networked mode: an export then does nothing (a shared copy must not
     // become the user's own database).
-    bool Networked() const { return m_networked; }
-    void setNetworked(bool on) { m_networked = on; }
 
     // Writes the list, ID codes kept, to a new XML database at xmlPath and
     // then deletes the sound table: the sounds now travel with the events.
@@ -56,7 +54,6 @@ private:
     clsLayers& m_layers;
     clsSounds& m_sounds;
     QString m_fileName;
-    bool m_networked = false;
     QList<EventPtr> m_events;
 };
 

@@ -179,32 +179,6 @@ TEST_F(LegacyDatabaseTest, OnlyWholeRecordsAreReadAndTheRestIsLogged) {
     }
 }
 
-TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundAndSkipsDeleted) {
-    LegacyRecord single = Rec("111111", "single", "Single");
-    single.layer = 4;
-    WriteDat("events.dat", {single, Rec("222222", "bob's", "Bob"),
-                            Rec("333333", "gone", "Ann", true), Rec("444444", "blank owner")});
-    ASSERT_TRUE(
-        WriteFileBytes(sounds.EventWavsFilename(), "444444,/sounds/gong.wav\r\n111111,\r\n"));
-    db.LoadDB(home.file("events.dat"));
-
-    QStringList seen;
-    for (const EventPtr& e : db.Events()) {
-        seen << e->IDCode + ' ' + e->Owner() + ' ' + e->SharedLayerName + ' ' + e->WavFile +
-                    (e->PlayWav ? " play" : "");
-    }
-    // Single-user records and blank owners become this user's; an empty
-    // sound entry is no sound.
-    EXPECT_EQ(seen, QStringList({"111111 Ann Work ", "222222 Bob Shared ",
-                                 "444444 Ann Shared /sounds/gong.wav play"}));
-
-    // A networked program never converts: nothing written, the sound table kept.
-    db.setNetworked(true);
-    EXPECT_FALSE(db.ExportToXML(home.file("Events.xml")));
-    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
-    EXPECT_TRUE(QFileInfo::exists(sounds.EventWavsFilename()));
-}
-
 const QString kConvertedMessage = QStringLiteral(
     "Your TVO2 database has been converted to the new XML format (events.xml)\r\n"
     "If you are using TVO in networked mode, other users' shared events won't show up until "
@@ -221,20 +195,31 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsEachFileOnceAndTellsTheUserOnce) {
     EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
     EXPECT_EQ(dialogs.count(), 0);
 
-    // The old lower-case name; file order, not code order; one deleted, one without a code.
-    WriteDat("events.dat", {Rec("222222", "Dentist"), Rec("111111", "Gym"),
-                            Rec("333333", "deleted", "", true), Rec("", "no id yet")});
-    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n"));
+    // The old lower-case name; file order, not code order; one deleted, one
+    // without a code. Single-user records and blank owners become this
+    // user's, layers get their names and sounds come from the old table (an
+    // empty entry is no sound).
+    LegacyRecord single = Rec("222222", "Dentist", "Single");
+    single.layer = 4;
+    WriteDat("events.dat", {single, Rec("111111", "Gym", "Bob"), Rec("333333", "deleted", "", true),
+                            Rec("", "no id yet")});
+    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n222222,\r\n"));
     const QByteArray eventsDat = ReadFileBytes(home.file("events.dat"));
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
 
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
+    settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Zoe"))); // read as saved
     const QList<EventPtr> events = LoadEvents(home.file("Events.xml"));
     const QStringList ids = Ids(events);
     ASSERT_EQ(ids.size(), 3);
     EXPECT_EQ(ids.mid(0, 2), QStringList({"222222", "111111"}));
     EXPECT_EQ(ids[2].size(), 6) << "given a code on the way";
-    EXPECT_EQ(events[1]->WavFile, "/bell.wav");
+    QStringList seen;
+    for (const EventPtr& e : events) {
+        seen << e->Owner() + ' ' + e->SharedLayerName + ' ' + e->WavFile +
+                    (e->PlayWav ? " play" : "");
+    }
+    EXPECT_EQ(seen, QStringList({"Ann Work ", "Bob Shared /bell.wav play", "Ann Shared "}));
     EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename())) << "the table is in the XML now";
     EXPECT_EQ(XmlIds("Expired.xml"), QStringList({"444444", "555555"}));
     // The old files are left for the user to fall back on.

@@ -11,11 +11,6 @@ MonthCalendar::MonthCalendar(int year, int month)
       m_first(DateSerial(m_year, m_month, 1)), m_dayCount(DaysInMonth(m_year, m_month)),
       m_firstWeekday(Weekday(m_first, FirstDay::Sunday)) {}
 
-int MonthCalendar::DayOfBox(int box) const {
-    const int day = box - m_firstWeekday + 2;
-    return (day >= 1 && day <= m_dayCount) ? day : 0;
-}
-
 bool MonthCalendar::PassesLayer(const clsEvent& event, int layer) {
     return event.Layer() == layer || layer == kAllLayers || (layer == 0 && event.SharedEvent);
 }

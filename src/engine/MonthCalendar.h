@@ -37,8 +37,6 @@ public:
     // 1st counted Sunday = 1, so a month starting on a Sunday puts the 1st in
     // box 0 and one starting on a Saturday in box 6.
     int BoxOfDay(int day) const { return m_firstWeekday - 2 + day; }
-    // Day held by a box, 0 for the boxes before the 1st and after the last day.
-    int DayOfBox(int box) const;
 
     // An event is shown under a layer filter when it is in that layer, when
     // the filter is 20 (all layers), or when the filter is 0 (shared) and the

@@ -56,10 +56,6 @@ void Clock::reset() {
     state().mode = Mode::System;
 }
 
-bool Clock::isSystem() {
-    return state().mode == Mode::System;
-}
-
 bool Clock::initFromEnvironment() {
     const QString text = qEnvironmentVariable(kEnvironmentVariable);
     if (text.isEmpty()) {

@@ -19,7 +19,6 @@ public:
     static void advance(double seconds);
     // Back to the system time.
     static void reset();
-    static bool isSystem();
 
     // Applies TARVO_NOW when set. Returns false, leaving the system time,
     // when the variable is set but not a valid "YYYY-MM-DD HH:MM".

@@ -96,9 +96,6 @@ int HourOf(DateValue v) {
 int MinuteOf(DateValue v) {
     return static_cast<int>(split(v).seconds / 60 % 60);
 }
-int SecondOf(DateValue v) {
-    return static_cast<int>(split(v).seconds % 60);
-}
 
 int Weekday(DateValue v, FirstDay first) {
     const int iso = dayToQDate(split(v).day).dayOfWeek(); // Monday 1 .. Sunday 7

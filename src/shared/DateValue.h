@@ -41,7 +41,6 @@ int MonthOf(DateValue v);
 int DayOf(DateValue v);
 int HourOf(DateValue v);
 int MinuteOf(DateValue v);
-int SecondOf(DateValue v);
 // 1..7 counted from first: Sunday-first gives Sunday 1 .. Saturday 7,
 // Monday-first gives Monday 1 .. Sunday 7.
 int Weekday(DateValue v, FirstDay first = FirstDay::Sunday);

@@ -55,16 +55,10 @@ QString DriveOfPath(const QString& path) {
 }
 
 cSHAREDSettings::cSHAREDSettings(UserDialogs* dialogs)
-    : m_dialogs(dialogs), m_trueWord(QStringLiteral("TRUE")), m_falseWord(QStringLiteral("FALSE")) {
-}
+    : m_dialogs(dialogs) {}
 
 void cSHAREDSettings::setFileAccess(SettingsFileAccess* access) {
     m_access = access;
-}
-
-void cSHAREDSettings::setLocaleBooleanWords(const QString& trueWord, const QString& falseWord) {
-    m_trueWord = trueWord.trimmed().toUpper();
-    m_falseWord = falseWord.trimmed().toUpper();
 }
 
 QString cSHAREDSettings::lookupKey(const QString& key) {
@@ -83,25 +77,6 @@ void cSHAREDSettings::removeAt(qsizetype index) {
     for (qsizetype i = 0; i < m_entries.size(); ++i) {
         m_index.insert(lookupKey(m_entries.at(i).key), i);
     }
-}
-
-bool cSHAREDSettings::isTrueWord(const QString& upperTrimmed) const {
-    return upperTrimmed == QLatin1String("TRUE") ||
-           (!m_trueWord.isEmpty() && upperTrimmed == m_trueWord);
-}
-
-bool cSHAREDSettings::isFalseWord(const QString& upperTrimmed) const {
-    return upperTrimmed == QLatin1String("FALSE") ||
-           (!m_falseWord.isEmpty() && upperTrimmed == m_falseWord);
-}
-
-QString cSHAREDSettings::SettingNameByIndex(int32_t pos1) const {
-    if (pos1 < 1 || pos1 > m_entries.size()) {
-        Log().AddAction(QStringLiteral("Subscript out of range (9)"),
-                        QStringLiteral("SettingNameByIndex"), kModule);
-        return {};
-    }
-    return m_entries.at(pos1 - 1).key;
 }
 
 void cSHAREDSettings::StoreSetting(const QString& key, const SettingValue& v) {
@@ -136,10 +111,10 @@ SettingValue cSHAREDSettings::RetrieveSetting(const QString& key, const SettingV
     const SettingValue& v = m_entries.at(at).value;
     if (v.isText()) {
         const QString t = v.toText().trimmed().toUpper();
-        if (isTrueWord(t)) {
+        if (t == QLatin1String("TRUE")) {
             return SettingValue(true);
         }
-        if (isFalseWord(t)) {
+        if (t == QLatin1String("FALSE")) {
             return SettingValue(false);
         }
     }
@@ -267,9 +242,9 @@ void cSHAREDSettings::LoadSettings(const QString& file) {
             }
             const QString raw = line.mid(comma + 1);
             const QString upper = raw.trimmed().toUpper();
-            if (isFalseWord(upper)) {
+            if (upper == QLatin1String("FALSE")) {
                 AddSetting(key, SettingValue(static_cast<int32_t>(0)));
-            } else if (isTrueWord(upper)) {
+            } else if (upper == QLatin1String("TRUE")) {
                 AddSetting(key, SettingValue(static_cast<int32_t>(-1)));
             } else {
                 AddSetting(key, SettingValue(raw));

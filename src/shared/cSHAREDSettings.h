@@ -36,22 +36,17 @@ public:
     // without it those questions are answered Cancel and only logged.
     explicit cSHAREDSettings(UserDialogs* dialogs = nullptr);
 
-    void setDialogs(UserDialogs* dialogs) { m_dialogs = dialogs; }
     // nullptr restores the real file operations. Not owned.
     void setFileAccess(SettingsFileAccess* access);
-    // The locale's words for true and false, recognised besides TRUE/FALSE.
-    void setLocaleBooleanWords(const QString& trueWord, const QString& falseWord);
 
     int32_t SettingsCount() const { return static_cast<int32_t>(m_entries.size()); }
-    // The key at a 1-based position as it was first stored; "" when out of range.
-    QString SettingNameByIndex(int32_t pos1) const;
 
     // Adds or replaces; a boolean is stored as -1/0, commas leave the key, and
     // a replaced entry keeps its key spelling and position.
     void sSet(const QString& key, const SettingValue& v) { StoreSetting(key, v); }
     void StoreSetting(const QString& key, const SettingValue& v);
     // The stored value, or def when the key is absent. A text whose trimmed
-    // content is TRUE or FALSE (any case, or the locale's words) comes back as
+    // content is TRUE or FALSE (any case) comes back as
     // a boolean.
     SettingValue sGet(const QString& key, const SettingValue& def = {}) const {
         return RetrieveSetting(key, def);
@@ -84,15 +79,11 @@ private:
     // Index into m_entries, or -1.
     qsizetype find(const QString& key) const;
     void removeAt(qsizetype index);
-    bool isTrueWord(const QString& upperTrimmed) const;
-    bool isFalseWord(const QString& upperTrimmed) const;
     // The lookup form of a key: commas removed, case folded.
     static QString lookupKey(const QString& key);
 
     UserDialogs* m_dialogs = nullptr;
     SettingsFileAccess* m_access = nullptr;
-    QString m_trueWord;
-    QString m_falseWord;
     QList<Entry> m_entries;
     QHash<QString, qsizetype> m_index; // lookupKey -> position in m_entries
 };

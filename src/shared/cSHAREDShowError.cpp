@@ -37,19 +37,4 @@ void ShowErr(const QString& text, const QString& secondText) {
     }
 }
 
-QString ErrObjText(int number, const QString& description, const QString& placeA,
-                   const QString& placeB) {
-    return QStringLiteral("Error ") + QString::number(number) + QStringLiteral(" - ") +
-           description + QStringLiteral(" in ") + placeA + QStringLiteral(" of ") + placeB;
-}
-
-void ShowErrObj(int number, const QString& description, const QString& placeA,
-                const QString& placeB, const QString& secondText) {
-    try {
-        ShowErr(ErrObjText(number, description, placeA, placeB), secondText);
-    } catch (const std::exception& e) {
-        Log().AddAction(QString::fromLocal8Bit(e.what()), QStringLiteral("showerrobj"), kModule);
-    }
-}
-
 } // namespace cSHAREDShowError

@@ -18,13 +18,6 @@ namespace cSHAREDShowError {
 
 // Shows text (and the second text) in a new error report.
 void ShowErr(const QString& text, const QString& secondText = {});
-// Shows "Error " + number + " - " + description + " in " + placeA + " of " +
-// placeB, as ShowErr.
-void ShowErrObj(int number, const QString& description, const QString& placeA,
-                const QString& placeB, const QString& secondText = {});
-// The text ShowErrObj shows.
-QString ErrObjText(int number, const QString& description, const QString& placeA,
-                   const QString& placeB);
 
 // Installs the sink (not owned); nullptr leaves reports to the log only.
 // Returns the sink that was installed before.

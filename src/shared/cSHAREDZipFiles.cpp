@@ -30,14 +30,6 @@ QString zipErrorText(int code) {
 
 } // namespace
 
-void cSHAREDZipFiles::Setup() {
-    m_zipFileName.clear();
-    m_rootDirectory.clear();
-    m_ignorePath = true;
-    m_files.clear();
-    m_lastMessage.clear();
-}
-
 int cSHAREDZipFiles::indexOf(const QString& path) const {
     const QString wanted = normalised(path);
     for (int i = 0; i < m_files.size(); ++i) {
@@ -56,30 +48,6 @@ bool cSHAREDZipFiles::AddFile(const QString& path) {
     m_files.append(path);
     m_lastMessage.clear();
     return true;
-}
-
-QString cSHAREDZipFiles::entryName(const QString& path) const {
-    const QFileInfo info(path);
-    if (m_ignorePath) {
-        return info.fileName();
-    }
-    const QString absolute = normalised(path);
-    if (!m_rootDirectory.isEmpty()) {
-        const QString relative = QDir(normalised(m_rootDirectory)).relativeFilePath(absolute);
-        if (!relative.startsWith(QLatin1String(".."))) {
-            return relative;
-        }
-    }
-    // An archive entry never starts at the root: drop the drive or the
-    // leading separator.
-    QString name = absolute;
-    if (name.size() > 1 && name.at(1) == QLatin1Char(':')) {
-        name.remove(0, 2);
-    }
-    while (name.startsWith(QLatin1Char('/'))) {
-        name.remove(0, 1);
-    }
-    return name;
 }
 
 bool cSHAREDZipFiles::MakeZipFile() {
@@ -107,7 +75,7 @@ bool cSHAREDZipFiles::MakeZipFile() {
     }
     for (const QString& path : std::as_const(present)) {
         zip_source_t* source = zip_source_file(archive, QFile::encodeName(path).constData(), 0, -1);
-        const QByteArray name = entryName(path).toUtf8();
+        const QByteArray name = QFileInfo(path).fileName().toUtf8();
         if (source == nullptr ||
             zip_file_add(archive, name.constData(), source, ZIP_FL_ENC_UTF_8) < 0) {
             m_lastMessage = QStringLiteral("Cannot add ") + path + QStringLiteral(": ") +

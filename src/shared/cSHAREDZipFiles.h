@@ -8,29 +8,11 @@
 // kept as a message for the caller's log.
 class cSHAREDZipFiles {
 public:
-    // Clears the file list, the archive name and the message; options back to
-    // their defaults.
-    void Setup();
-
-    QString ZipFileName() const { return m_zipFileName; }
     void setZipFileName(const QString& path) { m_zipFileName = path; }
 
-    // Number of paths in the list.
-    int ZipFileCount() const { return static_cast<int>(m_files.size()); }
-    QStringList Files() const { return m_files; }
-
-    // With a root directory, files below it are stored under their path
-    // relative to it (when paths are kept).
-    QString RootDirectory() const { return m_rootDirectory; }
-    void setRootDirectory(const QString& folder) { m_rootDirectory = folder; }
-
-    // True (the default): entries are stored by file name only. False: by
-    // their path (relative to RootDirectory when below it).
-    bool IgnorePath() const { return m_ignorePath; }
-    void setIgnorePath(bool ignore) { m_ignorePath = ignore; }
-
-    // Adds a path to the list; a path already there (same file, however
-    // spelled) is refused with "File is already in Zip List".
+    // Adds a path to the list, to be stored under its file name only; a path
+    // already there (same file, however spelled) is refused with "File is
+    // already in Zip List".
     bool AddFile(const QString& path);
 
     // Writes the archive from the list, replacing an archive of that name
@@ -48,11 +30,8 @@ public:
 
 private:
     int indexOf(const QString& path) const;
-    QString entryName(const QString& path) const;
 
     QString m_zipFileName;
-    QString m_rootDirectory;
-    bool m_ignorePath = true;
     QStringList m_files;
     QString m_lastMessage;
 };

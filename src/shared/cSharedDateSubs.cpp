@@ -118,23 +118,6 @@ void cSharedDateSubs::Initialise() {
     }
     m_initialised = true;
 
-    // Whether "2.29" reads as 229: the locale groups thousands with ".".
-    CommaThousandSeparator = m_locale.groupSeparator() == QLatin1String(".");
-
-    FullEnglishMonthNames.clear();
-    EnglishMonthNames.clear();
-    ShortMonthNames.clear();
-    TranslateMonthNames = false;
-    const QLocale english(QLocale::English, QLocale::UnitedStates);
-    for (int month = 1; month <= 12; ++month) {
-        FullEnglishMonthNames << english.monthName(month, QLocale::LongFormat);
-        EnglishMonthNames << english.monthName(month, QLocale::ShortFormat).toUpper();
-        ShortMonthNames << m_locale.monthName(month, QLocale::ShortFormat).toUpper();
-        if (ShortMonthNames.constLast() != EnglishMonthNames.constLast()) {
-            TranslateMonthNames = true;
-        }
-    }
-
     // The toolkit has no locale words for true and false; these are what the
     // program writes and recognises.
     TrueStr = QStringLiteral("True");

@@ -25,15 +25,10 @@ class cSHAREDSettings;
 class cSharedDateSubs {
 public:
     // probeText: the short-date text of 25 December 2001 to learn from; empty
-    // asks locale. locale also gives the month names and the thousands
-    // separator. Runs the initialisation at once.
+    // asks locale. locale also gives the month names. Runs the
+    // initialisation at once.
     explicit cSharedDateSubs(const QString& probeText = {}, const QLocale& locale = QLocale());
 
-    bool TranslateMonthNames = false;
-    QStringList ShortMonthNames;       // the locale's abbreviated month names, upper-cased
-    QStringList EnglishMonthNames;     // "JAN" ... "DEC"
-    QStringList FullEnglishMonthNames; // "January" ... "December"
-    bool CommaThousandSeparator = false;
     bool RemoveSeconds = false;
     // Positions 1-3 of year, month and day in the short date.
     int16_t SysDateYearField = 0;

@@ -2,7 +2,6 @@
 
 #include "shared/AppInfo.h"
 #include "shared/AppPaths.h"
-#include "shared/RuntimeError.h"
 #include "shared/TextCodec.h"
 
 #include <QDir>
@@ -100,21 +99,6 @@ void cSharedLogging::LogToFile(const QString& file, const QString& text, bool st
     appendLines(file, lines);
 }
 
-void cSharedLogging::LogError(int number, const QString& description, const QString& a,
-                              const QString& b) {
-    if (m_noLogging) {
-        return;
-    }
-    LogEvent(QStringLiteral("Error ") + QString::number(number) + QStringLiteral(" (") +
-                 description + QStringLiteral(") in ") + a + QStringLiteral(" of ") + b,
-             false);
-    WriteActionsToLog();
-}
-
-void cSharedLogging::LogError(const RuntimeError& error, const QString& a, const QString& b) {
-    LogError(error.number(), error.description(), a, b);
-}
-
 void cSharedLogging::AddAction(const QString& text, const QString& procedure,
                                const QString& module) {
     if (m_noLogging) {
@@ -134,11 +118,6 @@ void cSharedLogging::AddAction(const QString& text, const QString& procedure,
     }
 }
 
-void cSharedLogging::AddDebug(const QString& text, const QString& procedure,
-                              const QString& module) {
-    AddAction(QStringLiteral("DBG: ") + text, procedure, module);
-}
-
 void cSharedLogging::WriteActionsToLog() {
     if (m_noLogging || m_actions.isEmpty() || m_fileName.isEmpty()) {
         return; // no file yet: keep the entries for a later flush
@@ -152,10 +131,6 @@ void cSharedLogging::WriteActionsToLog() {
         m_actions.clear();
         m_actionTimes.clear();
     }
-}
-
-QString cSharedLogging::CurrentAction() const {
-    return m_actions.isEmpty() ? QString() : m_actions.last();
 }
 
 cSharedLogging& Log() {

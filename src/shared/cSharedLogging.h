@@ -6,11 +6,9 @@
 #include <QString>
 #include <QStringList>
 
-class RuntimeError;
-
 // The diagnostic log "log.txt" in the home folder. Two paths: LogEvent writes a
-// line at once (start-up progress, notable events); AddAction/AddDebug keep
-// recent actions in memory and append them in batches, so the error handlers
+// line at once (start-up progress, notable events); AddAction keeps recent
+// actions in memory and appends them in batches, so the error handlers
 // of every operation cost no file access per call. Logging never reports its
 // own failures: a file that cannot be opened receives nothing, and buffered
 // lines wait for a later flush.
@@ -34,18 +32,11 @@ public:
     // Writes one line now; startNewFile begins a fresh file with its header.
     void LogEvent(const QString& text, bool startNewFile = false);
     void LogToFile(const QString& file, const QString& text, bool startNewFile);
-    // "Error N (description) in A of B", written at once, then a flush.
-    void LogError(int number, const QString& description, const QString& a, const QString& b);
-    void LogError(const RuntimeError& error, const QString& a, const QString& b);
 
     // Buffers text [+ " in " + procedure] [+ " of module " + module]; the
     // buffer is written out when its 21st entry arrives.
     void AddAction(const QString& text, const QString& procedure = {}, const QString& module = {});
-    // As AddAction, with "DBG: " before the text.
-    void AddDebug(const QString& text, const QString& procedure = {}, const QString& module = {});
     void WriteActionsToLog();
-    // The newest buffered action, or "" when none.
-    QString CurrentAction() const;
 
     // The buffered entries, oldest first (for tests and the error report).
     QStringList pendingActions() const { return m_actions; }

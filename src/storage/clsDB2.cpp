@@ -67,11 +67,6 @@ private:
     char m_bytes[clsDB2::kRecordLength] = {};
 };
 
-QDateTime fileTime(const QString& path) {
-    const QFileInfo info(path);
-    return info.exists() ? info.lastModified() : QDateTime();
-}
-
 } // namespace
 
 clsDB2::clsDB2(cSHAREDSettings& settings, clsLayers& layers, clsSounds& sounds)
@@ -109,20 +104,9 @@ EventPtr clsDB2::TransferTypeToObject(QByteArrayView record) {
     return e;
 }
 
-bool clsDB2::DatabaseChanged() const {
-    return fileTime(m_fileName) != m_fileTime;
-}
-
-void clsDB2::LoadDBIfChanged(const QString& path) {
-    if (DatabaseChanged()) {
-        LoadDB(path, false);
-    }
-}
-
 void clsDB2::LoadDB(const QString& path, bool append) {
     const QString proc = QStringLiteral("LoadAllEvents");
     m_fileName = path;
-    m_fileTime = fileTime(path);
     if (!append) {
         m_events.clear();
     }
@@ -181,9 +165,6 @@ EventPtr clsDB2::ReadEvent(const QString& idCode) const {
 }
 
 bool clsDB2::ExportToXML(const QString& xmlPath) {
-    if (m_networked) {
-        return false;
-    }
     clsDbXml db(m_settings, &m_layers);
     db.SetDBFilename(xmlPath);
     for (const EventPtr& e : std::as_const(m_events)) {

@@ -3,7 +3,6 @@
 #include "model/clsEvent.h"
 
 #include <QByteArrayView>
-#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -28,9 +27,6 @@ public:
 
     void SetDBFilename(const QString& path) { m_fileName = path; }
     QString DBFilename() const { return m_fileName; }
-    // True when the file's time stamp differs from the one at the last load.
-    bool DatabaseChanged() const;
-    void LoadDBIfChanged(const QString& path);
     // Reads every record of path (length / 498, rounded; a short last record
     // reads as far as it goes). Deleted records are skipped; the owner, the
     // layer name and the sound are filled in as for a loaded XML database.
@@ -42,8 +38,6 @@ public:
 
     // Networked mode: an export then does nothing (a shared copy must not
     // become the user's own database).
-    bool Networked() const { return m_networked; }
-    void setNetworked(bool on) { m_networked = on; }
 
     // Writes the list, ID codes kept, to a new XML database at xmlPath and
     // then deletes the sound table: the sounds now travel with the events.
@@ -60,8 +54,6 @@ private:
     clsLayers& m_layers;
     clsSounds& m_sounds;
     QString m_fileName;
-    QDateTime m_fileTime;
-    bool m_networked = false;
     QList<EventPtr> m_events;
 };
 

@@ -123,12 +123,6 @@ bool clsDbXml::DatabaseChanged() const {
     return fileStamp(m_fileName) != m_stamp;
 }
 
-void clsDbXml::LoadDBIfChanged(const QString& path) {
-    if (DatabaseChanged()) {
-        LoadDB(path, false);
-    }
-}
-
 bool clsDbXml::indexCurrent() const {
     return m_indexValid && m_indexGeneration == s_codesGiven;
 }
@@ -444,23 +438,6 @@ void clsDbXml::InsertRecord(qsizetype index, const EventPtr& event) {
     if (m_indexValid) {
         ++m_idCounts[event->IDCode];
     }
-}
-
-void clsDbXml::WipeDiskFile() {
-    if (!m_fileName.isEmpty() && QFileInfo::exists(m_fileName) && !QFile::remove(m_fileName)) {
-        Log().AddAction(QStringLiteral("Permission denied (70)"), QStringLiteral("WipeDiskFile"),
-                        kModule);
-    }
-}
-
-void clsDbXml::WipeRecordsByOwner(const QString& owner) {
-    LoadDB(m_fileName, false);
-    for (const EventPtr& event : std::as_const(m_events)) {
-        if (OwnerId::Same(event->Owner(), owner)) {
-            event->Deleted = true;
-        }
-    }
-    SaveDB();
 }
 
 void clsDbXml::SetAllToSingleUser() {

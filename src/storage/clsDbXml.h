@@ -40,7 +40,6 @@ public:
     // load or save. A file that was missing then counts as changed as soon as
     // it exists, so a shared folder that comes back is read again.
     bool DatabaseChanged() const;
-    void LoadDBIfChanged(const QString& path);
     // Reads path into the list (emptied first unless append). Owner "Single"
     // or empty becomes the current owner; deleted records are left out; in
     // networked mode events shared only with others are left out and layers
@@ -66,8 +65,6 @@ public:
     // otherwise a record with the same code is taken out first, so an edited
     // record moves to the end. Does not save.
     void StoreRecord(const EventPtr& event, bool asNew = false);
-    // Deletes DBFilename from the disk, if it is there.
-    void WipeDiskFile();
 
     // For undo: takes this object out of the list (false when it is not in
     // it) and puts an object back at a position (clamped to the list), both
@@ -79,7 +76,6 @@ public:
     quint64 ListGeneration() const { return m_generation; }
 
     // Owner maintenance (names compared trimmed, case ignored), each saving.
-    void WipeRecordsByOwner(const QString& owner);
     void SetAllToSingleUser();
     void RenameOwner(const QString& oldOwner, const QString& newOwner);
     // Builds the merged set from the user list file "TVOShared.ini": every

@@ -201,11 +201,9 @@ TEST_F(EditorRules, OneOffUntimedEventTakesTodayOwnerAndEmptyBoxesAsZero) {
     ASSERT_TRUE(save(in).saved);
     EXPECT_FALSE(event.AlarmSet());
     EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-03-05"));
-    EXPECT_EQ(event.Owner(), QStringLiteral("Fred"));
-    EXPECT_EQ(event.DaysWarning(), 0);
-    EXPECT_EQ(event.Layer(), 3);
-    EXPECT_EQ(in.minutesWarning, QStringLiteral("0"));
-    EXPECT_EQ(in.daysWarning, QStringLiteral("0"));
+    EXPECT_EQ(QList<int>({event.DaysWarning(), event.Layer()}), QList<int>({0, 3}));
+    EXPECT_EQ(QStringList({event.Owner(), in.minutesWarning, in.daysWarning}),
+              QStringList({"Fred", "0", "0"}));
 
     cSHAREDSettings empty;
     EXPECT_TRUE(R::Save(in, event, empty).saved);

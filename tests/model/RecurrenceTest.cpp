@@ -1,6 +1,7 @@
-// Due-date rules: a table of worked examples per rule, then properties that
-// hold for every rule (idempotence, never before the search start, agreement
-// with a brute-force day-by-day search), then termination on hand-edited data.
+// Due-date rules: worked examples for what a day-by-day search cannot show
+// (the clock's month, century leap years, the largest steps, future starts),
+// then agreement with that search for every rule, then termination on
+// hand-edited data.
 #include "model/clsEvent.h"
 #include "shared/Clock.h"
 #include "shared/cSharedLogging.h"
@@ -11,32 +12,9 @@
 
 namespace {
 
-struct Rule {
-    int32_t type = 0;
-    int16_t weekDays = 0, dayOfMonth = 0, monthNumber = 0, period = 0, dayOfWeek = 0, daynumber = 0;
-    const char* start = "1899-12-30";
-};
-
-clsEvent makeEvent(const Rule& r) {
-    clsEvent e;
-    e.setDesc(QStringLiteral("test event"));
-    e.setRecurring(true);
-    e.setRecurrenceType(r.type);
-    e.setWeekDays(r.weekDays);
-    e.setDayOfMonth(r.dayOfMonth);
-    e.setMonthNumber(r.monthNumber);
-    e.setPeriod(r.period);
-    e.setDayOfWeek(r.dayOfWeek);
-    e.setDaynumber(r.daynumber);
-    e.setStartDate(D(QString::fromLatin1(r.start)));
-    return e;
-}
-
-constexpr int16_t kMon = 1 << 1, kFri = 1 << 5, kSun = 1 << 7, kEveryDay = 0xFE;
-
 struct Case {
     const char* what;
-    Rule rule;
+    RuleFields rule;
     const char* clock; // the moment the clock shows
     const char* from;  // nullptr: CalcNextDueDate (from today)
     const char* due;
@@ -45,20 +23,12 @@ struct Case {
 // clang-format off
 const Case kCases[] = {
     // 0: days of the week
-    {"Mon+Fri from a Saturday", {.type = 0, .weekDays = kMon | kFri}, "2009-03-07 10:00", nullptr, "2009-03-09"},
-    {"Mon+Fri from a Friday", {.type = 0, .weekDays = kMon | kFri}, "2009-03-06 10:00", nullptr, "2009-03-06"},
-    {"time of day ignored", {.type = 0, .weekDays = kFri}, "2009-01-01 00:00", "2009-03-06 23:00", "2009-03-06"},
-    {"Sunday across a year end", {.type = 0, .weekDays = kSun}, "2009-12-28 08:00", nullptr, "2010-01-03"},
-    {"every day", {.type = 0, .weekDays = kEveryDay}, "2009-12-31 08:00", nullptr, "2009-12-31"},
+    {"time of day ignored", {.type = 0, .weekDays = 1 << 5}, "2009-01-01 00:00", "2009-03-06 23:00", "2009-03-06"},
     // 1: day of month, yearly or every month (13), searched from the clock's month
-    {"31st, every month, in April", {.type = 1, .dayOfMonth = 31, .monthNumber = 13}, "2009-04-10 09:00", nullptr, "2009-04-30"},
     {"31st on 30 April at midnight", {.type = 1, .dayOfMonth = 31, .monthNumber = 13}, "2009-04-30 09:00", "2009-04-30 00:00", "2009-04-30"},
     {"31st after 30 April 09:00", {.type = 1, .dayOfMonth = 31, .monthNumber = 13}, "2009-04-30 09:00", "2009-04-30 09:00", "2009-05-31"},
-    {"31st in a leap February", {.type = 1, .dayOfMonth = 31, .monthNumber = 13}, "2024-02-10 09:00", nullptr, "2024-02-29"},
     {"31st after the last day of the year", {.type = 1, .dayOfMonth = 31, .monthNumber = 13}, "2009-12-31 12:00", "2009-12-31 12:00", "2010-01-31"},
-    {"29 Feb yearly, 28-day year, not yet past", {.type = 1, .dayOfMonth = 29, .monthNumber = 2}, "2009-01-10 09:00", nullptr, "2009-02-28"},
     {"29 Feb yearly, past: next year", {.type = 1, .dayOfMonth = 29, .monthNumber = 2}, "2009-03-10 09:00", nullptr, "2010-02-28"},
-    {"29 Feb yearly into 2024", {.type = 1, .dayOfMonth = 29, .monthNumber = 2}, "2023-03-01 09:00", nullptr, "2024-02-29"},
     {"29 Feb yearly into 2000", {.type = 1, .dayOfMonth = 29, .monthNumber = 2}, "1999-03-01 09:00", nullptr, "2000-02-29"},
     {"30 Feb yearly into 2100", {.type = 1, .dayOfMonth = 30, .monthNumber = 2}, "2099-03-01 09:00", nullptr, "2100-02-28"},
     {"search starts at the clock's month, not from's", {.type = 1, .dayOfMonth = 20, .monthNumber = 13}, "2009-04-10 09:00", "2009-01-15", "2009-04-20"},
@@ -66,37 +36,21 @@ const Case kCases[] = {
     {"yearly, from years behind the clock", {.type = 1, .dayOfMonth = 1, .monthNumber = 6}, "2009-04-10 09:00", "2005-01-01", "2009-06-01"},
     // 2: every Period months; an overflowing day moves the series for good
     {"31 Jan monthly from 1 March", {.type = 2, .period = 1, .start = "2009-01-31"}, "2009-03-01 09:00", nullptr, "2009-03-03"},
-    {"31 Jan monthly, leap year", {.type = 2, .period = 1, .start = "2008-01-31"}, "2008-03-01 09:00", nullptr, "2008-03-02"},
-    {"drift kept in later months", {.type = 2, .period = 1, .start = "2009-01-31"}, "2009-06-15 09:00", nullptr, "2009-07-03"},
-    {"quarterly over years", {.type = 2, .period = 3, .start = "2009-01-15"}, "2011-05-20 09:00", nullptr, "2011-07-15"},
     {"29 Feb yearly", {.type = 2, .period = 12, .start = "2000-02-29"}, "2001-01-01 09:00", nullptr, "2001-03-01"},
     {"start in the future taken as it is", {.type = 2, .period = 1, .start = "2030-05-05"}, "2009-03-01 09:00", nullptr, "2030-05-05"},
     {"start equal to from accepted", {.type = 2, .period = 12, .start = "2009-03-01"}, "2009-03-01 09:00", nullptr, "2009-03-01"},
-    {"decades of months", {.type = 2, .period = 1, .start = "1990-01-10"}, "2026-11-21 09:00", nullptr, "2026-12-10"},
     // 3: every Period weeks
-    {"fortnightly Tuesday", {.type = 3, .period = 2, .start = "2009-03-03"}, "2009-03-20 09:00", nullptr, "2009-03-31"},
     {"fortnightly Tuesday, on the day", {.type = 3, .period = 2, .start = "2009-03-03"}, "2009-03-17 09:00", nullptr, "2009-03-17"},
-    {"weekly since 2000", {.type = 3, .period = 1, .start = "2000-01-04"}, "2026-11-21 09:00", nullptr, "2026-11-24"},
     {"largest week step", {.type = 3, .period = 4681, .start = "2009-01-01"}, "2009-01-02 09:00", nullptr, "2098-09-18"},
     // 4: the Nth weekday of a month (MonthNumber 0 = every month)
-    {"last Sunday of this month", {.type = 4, .monthNumber = 0, .dayOfWeek = 1, .daynumber = 5}, "2009-03-10 09:00", nullptr, "2009-03-29"},
-    {"last Sunday passed: next month's", {.type = 4, .monthNumber = 0, .dayOfWeek = 1, .daynumber = 5}, "2009-03-30 09:00", nullptr, "2009-04-26"},
-    {"2nd Thursday of November", {.type = 4, .monthNumber = 11, .dayOfWeek = 5, .daynumber = 2}, "2009-03-10 09:00", nullptr, "2009-11-12"},
-    {"2nd Thursday of November, on the day", {.type = 4, .monthNumber = 11, .dayOfWeek = 5, .daynumber = 2}, "2009-11-12 09:00", nullptr, "2009-11-12"},
-    {"2nd Thursday of November, next year", {.type = 4, .monthNumber = 11, .dayOfWeek = 5, .daynumber = 2}, "2009-11-13 09:00", nullptr, "2010-11-11"},
-    {"last Thursday of a leap February", {.type = 4, .monthNumber = 2, .dayOfWeek = 5, .daynumber = 5}, "2024-01-01 09:00", nullptr, "2024-02-29"},
     {"last Sunday of February 2100", {.type = 4, .monthNumber = 2, .dayOfWeek = 1, .daynumber = 5}, "2100-01-01 09:00", nullptr, "2100-02-28"},
-    {"first Sunday on the 1st", {.type = 4, .monthNumber = 0, .dayOfWeek = 1, .daynumber = 1}, "2009-03-01 09:00", nullptr, "2009-03-01"},
-    {"fourth Saturday", {.type = 4, .monthNumber = 0, .dayOfWeek = 7, .daynumber = 4}, "2009-03-01 09:00", nullptr, "2009-03-28"},
     {"Daynumber 9 means last", {.type = 4, .monthNumber = 0, .dayOfWeek = 3, .daynumber = 9}, "2009-03-01 09:00", nullptr, "2009-03-31"},
     {"Daynumber 0 gives the 1st", {.type = 4, .monthNumber = 0, .dayOfWeek = 3, .daynumber = 0}, "2009-03-10 09:00", nullptr, "2009-04-01"},
     // 5: every Period days
-    {"every ten days", {.type = 5, .period = 10, .start = "2009-01-01"}, "2009-01-25 09:00", nullptr, "2009-01-31"},
     {"daily for years", {.type = 5, .period = 1, .start = "2009-01-01"}, "2026-11-21 12:00", nullptr, "2026-11-21"},
     {"future start", {.type = 5, .period = 7, .start = "2009-12-25"}, "2009-12-20 09:00", nullptr, "2009-12-25"},
     // unknown types leave the due date alone
     {"type -1", {.type = -1}, "2009-03-05 10:00", nullptr, "1899-12-30"},
-    {"type 6", {.type = 6}, "2009-03-05 10:00", nullptr, "1899-12-30"},
     {"type 9", {.type = 9}, "2009-03-05 10:00", nullptr, "1899-12-30"},
 };
 // clang-format on
@@ -104,7 +58,7 @@ const Case kCases[] = {
 TEST(Recurrence, WorkedExamples) {
     for (const Case& c : kCases) {
         FixedClock clock(QString::fromLatin1(c.clock));
-        clsEvent e = makeEvent(c.rule);
+        clsEvent e = RepeatingEvent(c.rule);
         e.MailSent = true;
         auto calc = [&] {
             c.from == nullptr ? e.CalcNextDueDate()
@@ -125,7 +79,7 @@ TEST(Recurrence, WorkedExamples) {
 
 TEST(Recurrence, WeekStepOverflowIsLoggedNotFatal) {
     FixedClock clock(QStringLiteral("2009-03-05 10:00"));
-    clsEvent e = makeEvent({.type = 3, .period = 4682, .start = "2009-01-01"});
+    clsEvent e = RepeatingEvent({.type = 3, .period = 4682, .start = "2009-01-01"});
     e.setDueDate(D(QStringLiteral("2009-02-01")));
     e.CalcNextDueDate();
     EXPECT_EQ(LoggedTexts().constLast(),
@@ -143,24 +97,22 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
     // clang-format off
     const struct {
         const char* what;
-        Rule rule;
+        RuleFields rule;
     } bad[] = {
         {"empty day mask", {.type = 0, .weekDays = 0}}, {"unused bit", {.type = 0, .weekDays = 1}},
         {"day of month 0", {.type = 1, .dayOfMonth = 0, .monthNumber = 13}},
         {"negative day of month", {.type = 1, .dayOfMonth = -3, .monthNumber = 5}},
-        {"zero months", {.type = 2, .period = 0}}, {"negative months", {.type = 2, .period = -2}},
-        {"zero weeks", {.type = 3, .period = 0}},
-        {"zero days", {.type = 5, .period = 0}}, {"negative days", {.type = 5, .period = -1}},
+        {"negative months", {.type = 2, .period = -2}}, {"zero weeks", {.type = 3, .period = 0}},
+        {"zero days", {.type = 5, .period = 0}},
         {"weekday 0", {.type = 4, .dayOfWeek = 0, .daynumber = 2}},
         {"weekday 8, last", {.type = 4, .dayOfWeek = 8, .daynumber = 5}},
         {"month 13, Nth weekday", {.type = 4, .monthNumber = 13, .dayOfWeek = 2, .daynumber = 1}},
-        {"month -1, Nth weekday", {.type = 4, .monthNumber = -1, .dayOfWeek = 2, .daynumber = 1}},
     };
     // clang-format on
     FixedClock clock(QStringLiteral("2009-03-05 10:00"));
     for (const auto& b : bad) {
-        clsEvent e = makeEvent(b.rule);
-        e.setDesc(QStringLiteral("Broken: ") + QString::fromLatin1(b.what));
+        clsEvent e =
+            RepeatingEvent(b.rule, QStringLiteral("Broken: ") + QString::fromLatin1(b.what));
         e.setDueDate(D(QStringLiteral("2008-06-01")));
         const DateValue start = e.StartDate();
         e.CalcNextDueDate();
@@ -170,21 +122,12 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
             << b.what << ": " << LoggedTexts().constLast().toStdString();
     }
     // Running past the last representable day is such a search too.
-    clsEvent late = makeEvent({.type = 0, .weekDays = 2}); // Mondays
-    late.setDesc(QStringLiteral("Past 9999"));
+    clsEvent late =
+        RepeatingEvent({.type = 0, .weekDays = 2}, QStringLiteral("Past 9999")); // Mondays
     late.setDueDate(D(QStringLiteral("9999-12-27")));
     late.CalcNextAfterDate(D(QStringLiteral("9999-12-28")));
     EXPECT_EQ(FormatYMD(late.DueDate()), QStringLiteral("9999-12-27"));
     EXPECT_TRUE(LoggedTexts().constLast().contains(QStringLiteral("Past 9999")));
-}
-
-TEST(Recurrence, DayCountDateOnAnyDayOfTheMonth) {
-    clsEvent e = makeEvent({.type = 4, .dayOfWeek = 2, .daynumber = 3}); // third Monday
-    EXPECT_EQ(FormatYMD(e.DayCountDate(D(QStringLiteral("2009-03-25")))),
-              QStringLiteral("2009-03-16"));
-    e.setDaynumber(5);
-    EXPECT_EQ(FormatYMD(e.DayCountDate(D(QStringLiteral("2009-02-01")))),
-              QStringLiteral("2009-02-23"));
 }
 
 // ---- Brute-force oracles: the first day on or after the start that fits. ----

@@ -1,8 +1,6 @@
 #include "shared/AppInfo.h"
 #include "shared/ErrorReportText.h"
-#include "shared/cSHAREDShowError.h"
 
-#include "support/RecordedErrorReports.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -26,16 +24,6 @@ TEST(ErrorReportText, FullReportLayout) {
                            "Submitting a bug report helps improve the software.", kDashes, ""}));
     // Without comments there is no empty block for them.
     EXPECT_EQ(ErrorReportText::FullReport("E", {}, "L").split(QStringLiteral("\r\n")).size(), 9);
-}
-
-TEST(ShowError, ErrObjBuildsTheErrorText) {
-    RecordedErrorReports reports;
-    cSHAREDShowError::ShowErrObj(53, QStringLiteral("File not found"), QStringLiteral("frmMain"),
-                                 QStringLiteral("Save"), QStringLiteral("more"));
-    cSHAREDShowError::ShowErr(QStringLiteral("plain"));
-    EXPECT_EQ(reports.texts(),
-              (QStringList{"Error 53 - File not found in frmMain of Save", "plain"}));
-    EXPECT_EQ(reports.secondTexts(), (QStringList{"more", ""}));
 }
 
 } // namespace

@@ -2,17 +2,14 @@
 #include "shared/OwnerId.h"
 #include "support/TestSupport.h"
 
-TEST(OwnerId, PlainNamesAreAccepted) {
-    for (const char* id : {"Fred", "Dad", "Mary-Ann", "J. Smith", "user_2", "Zoë"}) {
-        EXPECT_TRUE(OwnerId::Problem(QString::fromUtf8(id)).isEmpty()) << id;
-    }
-}
-
 // Refused: a path climbing out of the shared folder, two dots, more than 64
 // characters, either separator, a drive colon, wildcards, quotes, angle brackets,
 // a pipe, a control character, a character the shared files cannot hold, and the
-// single-user and unset markers.
+// single-user and unset markers. Plain names pass.
 TEST(OwnerId, NamesThatWouldLeaveOrBreakTheFileNameAreRefused) {
+    for (const char* id : {"Fred", "Dad", "Mary-Ann", "J. Smith", "user_2", "Zoë"}) {
+        EXPECT_EQ(OwnerId::Problem(QString::fromUtf8(id)), QString()) << id;
+    }
     const QString cases[] = {
         QStringLiteral("../Fred"),   QStringLiteral("Fred..Bob"), QString(65, QLatin1Char('x')),
         QStringLiteral("a/b"),       QStringLiteral("a\\b"),      QStringLiteral("C:Fred"),

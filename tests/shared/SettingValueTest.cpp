@@ -38,10 +38,4 @@ TEST(SettingValue, ConversionsGiveWhatReadersExpect) {
     }
 }
 
-TEST(SettingValue, ComparesByTypeAndContents) {
-    EXPECT_EQ(SettingValue("5"), SettingValue(QStringLiteral("5")));
-    EXPECT_NE(SettingValue("5"), SettingValue(5));
-    EXPECT_NE(SettingValue(true), SettingValue(-1));
-}
-
 } // namespace

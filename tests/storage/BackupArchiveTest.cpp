@@ -3,6 +3,7 @@
 #include "shared/Clock.h"
 #include "shared/cSHAREDZipFiles.h"
 #include "shared/cSharedLogging.h"
+#include "support/LogLines.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -24,12 +25,6 @@ protected:
         Log().OverrideLogFilename(sources.logFile);
     }
     ~BackupArchiveTest() override { Log().OverrideLogFilename(m_oldLog); }
-
-    QString LastLogLine() const {
-        const QStringList lines = QString::fromLatin1(ReadFileBytes(Log().CurrentLogFilename()))
-                                      .split("\r\n", Qt::SkipEmptyParts);
-        return lines.isEmpty() ? QString() : lines.last();
-    }
 
     TempHome home;
     BackupSources sources;
@@ -63,8 +58,7 @@ TEST_F(BackupArchiveTest, ArchiveHoldsTheFilesThatExistInOrderAndChangesNone) {
         EXPECT_EQ(ReadFileBytes(path), bytes) << path.toStdString();
     }
     EXPECT_EQ(QFileInfo(sources.eventsDb).lastModified(), stamp);
-    EXPECT_TRUE(LastLogLine().endsWith("Backup to " + archive + " complete"))
-        << LastLogLine().toStdString();
+    EXPECT_TRUE(LoggedTexts().contains("Backup to " + archive + " complete"));
 
     // The same weekday next week replaces the archive: the first backup's log
     // is in it now, the settings file removed in between is not.
@@ -75,6 +69,16 @@ TEST_F(BackupArchiveTest, ArchiveHoldsTheFilesThatExistInOrderAndChangesNone) {
               QStringList({"Events.xml", "log.txt", "tasklist.xml", "events.dat", "Expired.dat"}));
     EXPECT_EQ(QDir(home.file("Autobackups")).entryList(QDir::Files),
               QStringList("Mon Autobackup.zip"));
+
+    // A file where the folder should be: the reason comes back and both go to the log.
+    ASSERT_TRUE(QDir(home.file("Autobackups")).removeRecursively());
+    ASSERT_TRUE(WriteFileBytes(home.file("Autobackups"), "in the way"));
+    QString why;
+    EXPECT_FALSE(BackupDataToZip("Manual", sources, &why));
+    EXPECT_EQ(why, "Unable to create the folder " + home.file("Autobackups"));
+    const QStringList log = LoggedTexts();
+    EXPECT_TRUE(log.contains("Backup to " + home.file("Autobackups/Mon Manual.zip") + " failed"));
+    EXPECT_TRUE(log.contains(why + " in BackupDataToZip of module modTVO"));
 }
 
 } // namespace

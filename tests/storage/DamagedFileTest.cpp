@@ -14,13 +14,9 @@ class DamagedFiles : public StorageTest {
 protected:
     // The file a save of three events writes.
     QByteArray ThreeEvents() {
-        clsDbXml db(settings);
-        db.SetDBFilename(home.file("written.xml"));
-        for (const char* desc : {"Dentist", "Rent", "Mum's birthday"}) {
-            db.StoreRecord(MakeEvent(QString::fromLatin1(desc)), true);
-        }
-        db.SaveDB();
-        return ReadFileBytes(db.DBFilename());
+        return SaveEvents(home.file("written.xml"),
+                          {MakeEvent("Dentist"), MakeEvent("Rent"), MakeEvent("Mum's birthday")},
+                          true);
     }
     QStringList Copies() const { return QDir(home.path()).entryList({"*.damaged-*"}, QDir::Files); }
 };
@@ -55,9 +51,7 @@ TEST_F(DamagedFiles, EventFileIsCopiedOnceBeforeItsFirstSave) {
         EXPECT_EQ(ReadFileBytes(copy), c.bytes);
         ASSERT_EQ(reports.texts().size(), 1);
         EXPECT_TRUE(reports.texts().first().contains(QDir::toNativeSeparators(copy)));
-        clsDbXml reread(settings);
-        reread.LoadDB(path);
-        EXPECT_EQ(reread.RecordCount(), c.readable);
+        EXPECT_EQ(LoadEvents(path).size(), c.readable);
         QFile::remove(copy);
     }
     // A file as the program writes it is no cause for a copy.

@@ -1,13 +1,17 @@
 // The iCalendar mapping: every recurrence type written as a rule that
 // libical expands to exactly Tarvo's own dates over five years from tricky
-// start days, the X-TARVO fields giving back the same record, calendars in
-// other programs' style read into Tarvo's types, and bad files refused.
+// start days, the X-TARVO fields giving back the same record, and calendar
+// files in other programs' style (calendars/) read into Tarvo's types or
+// refused.
 #include "model/clsEvent.h"
 #include "storage/EventXmlCodec.h"
 #include "storage/IcsEventMapping.h"
 #include "support/TestSupport.h"
 
 #include <libical/ical.h>
+
+#include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -17,73 +21,50 @@ namespace {
 
 struct Rule {
     const char* name;
-    int32_t type;
-    int16_t weekDays = 0, dayOfMonth = 0, monthNumber = 0, period = 0, dayOfWeek = 0, daynumber = 0;
+    RuleFields fields;
     int32_t readAs = -1; // the type read back when another one gives the same dates
 };
 
+// clang-format off
 const Rule kRules[] = {
-    {"Mon+Fri", clsEvent::DaysOfWeek, 34},
-    {"Sunday", clsEvent::DaysOfWeek, 128, 0, 0, 0, 0, 0, clsEvent::Weekly},
-    {"weekend", clsEvent::DaysOfWeek, 192},
-    {"day 31 monthly", clsEvent::DayOfMonthType, 0, 31, 13},
-    {"day 30 monthly", clsEvent::DayOfMonthType, 0, 30, 13},
-    {"day 29 monthly", clsEvent::DayOfMonthType, 0, 29, 13},
-    {"day 45 monthly", clsEvent::DayOfMonthType, 0, 45, 13},
-    {"day 1 monthly", clsEvent::DayOfMonthType, 0, 1, 13},
-    {"31 April", clsEvent::DayOfMonthType, 0, 31, 4},
-    {"29 February", clsEvent::DayOfMonthType, 0, 29, 2},
-    {"30 February", clsEvent::DayOfMonthType, 0, 30, 2},
-    {"31 December", clsEvent::DayOfMonthType, 0, 31, 12},
-    {"every month", clsEvent::EveryXMonths, 0, 0, 0, 1},
-    {"every 2 months", clsEvent::EveryXMonths, 0, 0, 0, 2},
-    {"every 5 months", clsEvent::EveryXMonths, 0, 0, 0, 5},
-    {"every 12 months", clsEvent::EveryXMonths, 0, 0, 0, 12},
-    {"every 48 months", clsEvent::EveryXMonths, 0, 0, 0, 48},
-    {"weekly", clsEvent::Weekly, 0, 0, 0, 1},
-    {"every 3 weeks", clsEvent::Weekly, 0, 0, 0, 3},
-    {"1st Monday", clsEvent::NthWeekday, 0, 0, 0, 0, 2, 1},
-    {"last Friday", clsEvent::NthWeekday, 0, 0, 0, 0, 6, 5},
-    {"4th Thursday of November", clsEvent::NthWeekday, 0, 0, 11, 0, 5, 4},
-    {"last Sunday of February", clsEvent::NthWeekday, 0, 0, 2, 0, 1, 9},
-    {"day number 0", clsEvent::NthWeekday, 0, 0, 0, 0, 3, 0, clsEvent::DayOfMonthType},
-    {"daily", clsEvent::EveryXDays, 0, 0, 0, 1},
-    {"every 45 days", clsEvent::EveryXDays, 0, 0, 0, 45},
+    {"Mon+Fri", {.type = clsEvent::DaysOfWeek, .weekDays = 34}},
+    {"Sunday", {.type = clsEvent::DaysOfWeek, .weekDays = 128}, clsEvent::Weekly},
+    {"weekend", {.type = clsEvent::DaysOfWeek, .weekDays = 192}},
+    {"day 31 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 31, .monthNumber = 13}},
+    {"day 30 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 30, .monthNumber = 13}},
+    {"day 29 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 29, .monthNumber = 13}},
+    {"day 45 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 45, .monthNumber = 13}},
+    {"day 1 monthly", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 1, .monthNumber = 13}},
+    {"31 April", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 31, .monthNumber = 4}},
+    {"29 February", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 29, .monthNumber = 2}},
+    {"30 February", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 30, .monthNumber = 2}},
+    {"31 December", {.type = clsEvent::DayOfMonthType, .dayOfMonth = 31, .monthNumber = 12}},
+    {"every month", {.type = clsEvent::EveryXMonths, .period = 1}},
+    {"every 2 months", {.type = clsEvent::EveryXMonths, .period = 2}},
+    {"every 5 months", {.type = clsEvent::EveryXMonths, .period = 5}},
+    {"every 12 months", {.type = clsEvent::EveryXMonths, .period = 12}},
+    {"every 48 months", {.type = clsEvent::EveryXMonths, .period = 48}},
+    {"weekly", {.type = clsEvent::Weekly, .period = 1}},
+    {"every 3 weeks", {.type = clsEvent::Weekly, .period = 3}},
+    {"1st Monday", {.type = clsEvent::NthWeekday, .dayOfWeek = 2, .daynumber = 1}},
+    {"last Friday", {.type = clsEvent::NthWeekday, .dayOfWeek = 6, .daynumber = 5}},
+    {"4th Thursday of November", {.type = clsEvent::NthWeekday, .monthNumber = 11, .dayOfWeek = 5, .daynumber = 4}},
+    {"last Sunday of February", {.type = clsEvent::NthWeekday, .monthNumber = 2, .dayOfWeek = 1, .daynumber = 9}},
+    {"day number 0", {.type = clsEvent::NthWeekday, .dayOfWeek = 3}, clsEvent::DayOfMonthType},
+    {"daily", {.type = clsEvent::EveryXDays, .period = 1}},
+    {"every 45 days", {.type = clsEvent::EveryXDays, .period = 45}},
 };
+// clang-format on
 
 // Month ends, 29 February, week boundaries, a year's end.
 const char* const kStarts[] = {"2024-01-31", "2024-02-29", "2023-02-28", "2025-03-31",
                                "2025-08-31", "2025-12-31", "2026-06-01", "2027-01-30"};
 
 EventPtr makeEvent(const Rule& r, DateValue start) {
-    auto e = std::make_shared<clsEvent>();
-    e->setDesc(QString::fromLatin1(r.name));
-    e->setRecurring(true);
-    e->setRecurrenceType(r.type);
-    e->setWeekDays(r.weekDays);
-    e->setDayOfMonth(r.dayOfMonth);
-    e->setMonthNumber(r.monthNumber);
-    e->setPeriod(r.period);
-    e->setDayOfWeek(r.dayOfWeek);
-    e->setDaynumber(r.daynumber);
+    auto e = std::make_shared<clsEvent>(RepeatingEvent(r.fields, QString::fromLatin1(r.name)));
     e->setStartDate(start);
     e->CalcNextDueDate();
     return e;
-}
-
-// Tarvo's own dates up to last: each the next occurrence after the one before.
-QList<DateValue> tarvoDates(const clsEvent& event, DateValue last) {
-    clsEvent e = event;
-    QList<DateValue> out;
-    for (DateValue d = e.DueDate(); d <= last;) {
-        out.append(d);
-        e.CalcNextAfterDate(d + 1);
-        if (e.DueDate() <= d) {
-            break;
-        }
-        d = e.DueDate();
-    }
-    return out;
 }
 
 DateValue dayOf(const icaltimetype& t) {
@@ -132,7 +113,7 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
         const DateValue last = DateSerial(YearOf(start) + 5, MonthOf(start), DayOf(start));
         for (const Rule& rule : kRules) {
             const EventPtr event = makeEvent(rule, start);
-            const QList<DateValue> expected = tarvoDates(*event, last);
+            const QList<DateValue> expected = DueDatesUpTo(*event, last);
             const IcalComponent v = ToVEvent(*event, QStringLiteral("Work"), {false});
             const QList<DateValue> got = libicalDates(v.get(), start, last);
             ASSERT_GT(expected.size(), 1) << rule.name << " from " << startText;
@@ -144,9 +125,10 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
             ASSERT_TRUE(read.event) << rule.name;
             if (icalcomponent_get_first_property(v.get(), ICAL_RDATE_PROPERTY) == nullptr) {
                 EXPECT_EQ(read.simplified, QString()) << rule.name << " from " << startText;
-                EXPECT_EQ(read.event->RecurrenceType(), rule.readAs >= 0 ? rule.readAs : rule.type)
+                EXPECT_EQ(read.event->RecurrenceType(),
+                          rule.readAs >= 0 ? rule.readAs : rule.fields.type)
                     << rule.name;
-                EXPECT_EQ(tarvoDates(*read.event, last), expected)
+                EXPECT_EQ(DueDatesUpTo(*read.event, last), expected)
                     << rule.name << " from " << startText;
             } else {
                 EXPECT_FALSE(read.event->Recurring()) << rule.name;
@@ -158,25 +140,10 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
 
 TEST(IcsMapping, TarvoFieldsGiveBackTheSameRecord) {
     FixedClock clock(QStringLiteral("2030-06-01 08:00"));
-    auto timed = makeEvent(kRules[0], D(QStringLiteral("2030-06-01")));
-    timed->IDCode = QStringLiteral("012345");
-    timed->setDesc(QStringLiteral("Dentist, room 4\r\nbring the card; caf\u00e9 after"));
-    timed->setOwner(QStringLiteral("Ann & Bob"));
-    timed->setLayer(3);
-    timed->SharedLayerName = QStringLiteral("Work, home");
-    timed->SharedEvent = true;
-    timed->ShareWithSpecific = true;
-    timed->ShareNames = QStringLiteral("Bob\r\nJim Bob\r\n");
-    timed->Email = QStringLiteral("ann@example.org;bob@example.org");
-    timed->setAlarmSet(true);
+    // A due time just after midnight puts the alarm on the day before.
+    const EventPtr timed = EventWithEveryField();
     timed->setDueTime(TimeSerial(0, 10));
-    timed->setMinutesWarning(30);
     timed->setAlarmTime(timed->DueTime() - 30 / 1440.0);
-    timed->setDaysWarning(2);
-    timed->ExecFile = true;
-    timed->Filename = QStringLiteral("C:\\Reports\\run me.bat");
-    timed->PlayWav = true;
-    timed->WavFile = QStringLiteral("/home/ann/sounds/bell.wav");
 
     // A series whose day moves at a short month.
     auto shifting = makeEvent(kRules[12], D(QStringLiteral("2031-01-31")));
@@ -198,87 +165,37 @@ TEST(IcsMapping, TarvoFieldsGiveBackTheSameRecord) {
     }
 }
 
-TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
+// Calendar files in calendars/, each read on 1 June 2030 into what its
+// .expected file holds: for every VEVENT its category, why a repeating rule
+// became its next occurrence, why it was skipped, and the event read; or the
+// reason the whole file was refused. TARVO_WRITE_EXPECTED starts a new case.
+TEST(IcsMapping, CalendarFilesReadAsExpected) {
     FixedClock clock(QStringLiteral("2030-06-01 08:00"));
-    struct Case { // type -1: "Show Once"; time "": untimed; minutes, days: of warning
-        const char* lines;
-        int32_t type;
-        const char *due, *time;
-        int16_t minutes, daysWarning;
-        const char* simplified;
-    };
-    const Case cases[] = {
-        // An all-day birthday with a reminder the day before.
-        {"DTSTART;VALUE=DATE:19800612\nRRULE:FREQ=YEARLY\nBEGIN:VALARM\nACTION:DISPLAY\n"
-         "TRIGGER:-P1D\nEND:VALARM",
-         clsEvent::DayOfMonthType, "2030-06-12", "", 0, 1, ""},
-        {"DTSTART:20300603T093000\nRRULE:FREQ=MONTHLY;BYDAY=-1FR\nBEGIN:VALARM\nACTION:AUDIO\n"
-         "TRIGGER;RELATED=START:-PT15M\nEND:VALARM",
-         clsEvent::NthWeekday, "2030-06-28", "09:30", 15, 0, ""},
-        {"DTSTART;VALUE=DATE:20300105\nRRULE:FREQ=MONTHLY;BYMONTHDAY=-1", clsEvent::DayOfMonthType,
-         "2030-06-30", "", 0, 0, ""},
-        {"DTSTART;VALUE=DATE:20300602\nRRULE:FREQ=WEEKLY;INTERVAL=2", clsEvent::Weekly,
-         "2030-06-02", "", 0, 0, ""},
-        {"DTSTART;VALUE=DATE:20300601\nRRULE:FREQ=WEEKLY;BYDAY=TU,TH", clsEvent::DaysOfWeek,
-         "2030-06-04", "", 0, 0, ""},
-        {"DTSTART;VALUE=DATE:20300701\nRRULE:FREQ=YEARLY;INTERVAL=2", clsEvent::EveryXMonths,
-         "2030-07-01", "", 0, 0, ""},
-        // Rules with no Tarvo type become their next occurrence.
-        {"DTSTART:20300520T180000\nRRULE:FREQ=WEEKLY;COUNT=4", -1, "2030-06-03", "18:00", 0, 0,
-         "COUNT or UNTIL"},
-        {"DTSTART;VALUE=DATE:20280229\nRRULE:FREQ=YEARLY", -1, "2032-02-29", "", 0, 0,
-         "29 February"},
-        {"DTSTART;VALUE=DATE:20300131\nRRULE:FREQ=MONTHLY;BYMONTHDAY=31", -1, "2030-07-31", "", 0,
-         0, "day 29-31 skipped in shorter months"},
-        {"DTSTART;VALUE=DATE:20300501\nRRULE:FREQ=MONTHLY;BYDAY=1MO,3MO", -1, "2030-06-03", "", 0,
-         0, "several weekday positions"},
-        {"DTSTART;TZID=America/New_York:20300601T090000\nRRULE:FREQ=DAILY", -1, "2030-06-01",
-         "13:00", 0, 0, "time zone America/New_York"},
-        // A one-off in UTC is converted, not simplified; an early alarm
-        // becomes days of warning.
-        {"DTSTART:20300610T220000Z\nBEGIN:VALARM\nACTION:DISPLAY\nTRIGGER:-PT2H\nEND:VALARM", -1,
-         "2030-06-10", "22:00", 0, 1, "alarm more than 60 minutes"},
-    };
-    for (const Case& c : cases) {
-        const QByteArray text =
-            "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Other//EN\r\n"
-            "BEGIN:VEVENT\r\nUID:x\r\nSUMMARY:Thing\r\nCATEGORIES:Family,Misc\r\n" +
-            QByteArray(c.lines).replace("\n", "\r\n") + "\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
-        const Calendar calendar = ParseCalendar(text);
-        ASSERT_EQ(calendar.error, QString()) << c.lines;
-        ASSERT_EQ(calendar.events.size(), 1);
-        const ReadEvent read = FromVEvent(calendar.events.first(), TodayDate(), {true});
-        ASSERT_TRUE(read.event) << c.lines << " skipped: " << read.skipped.toStdString();
-        const clsEvent& e = *read.event;
-        EXPECT_EQ(read.category, QStringLiteral("Family")) << c.lines;
-        EXPECT_EQ(e.Recurring() ? e.RecurrenceType() : -1, c.type) << c.lines;
-        EXPECT_EQ(FormatYMD(e.DueDate()), QString::fromLatin1(c.due)) << c.lines;
-        EXPECT_EQ(e.AlarmSet() ? FormatHM(e.DueTime()) : QString(), QString::fromLatin1(c.time))
-            << c.lines;
-        EXPECT_EQ(e.MinutesWarning(), c.minutes) << c.lines;
-        EXPECT_EQ(e.DaysWarning(), c.daysWarning) << c.lines;
-        EXPECT_TRUE(read.simplified.contains(QString::fromLatin1(c.simplified)))
-            << read.simplified.toStdString();
-        EXPECT_EQ(read.simplified.isEmpty(), *c.simplified == 0) << c.lines;
+    const QDir dir(QFileInfo(QStringLiteral(__FILE__)).dir().filePath(QStringLiteral("calendars")));
+    const QStringList files = dir.entryList({QStringLiteral("*.ics")});
+    ASSERT_FALSE(files.isEmpty()) << dir.path().toStdString();
+    for (const QString& name : files) {
+        const Calendar calendar = ParseCalendar(ReadFileBytes(dir.filePath(name)));
+        QByteArray got =
+            calendar.error.isEmpty() ? QByteArray() : "refused: " + calendar.error.toUtf8();
+        for (icalcomponent* v : calendar.events) {
+            const ReadEvent read = FromVEvent(v, TodayDate(), {true});
+            got += "category: " + read.category.toUtf8() +
+                   "; simplified: " + read.simplified.toUtf8() +
+                   "; skipped: " + read.skipped.toUtf8() + "\r\n";
+            if (read.event) {
+                EventXmlCodec::AppendBlock(got, *read.event);
+            }
+        }
+        const QString expected = dir.filePath(QFileInfo(name).completeBaseName() + ".expected");
+        if (qEnvironmentVariableIsSet("TARVO_WRITE_EXPECTED") && !QFileInfo::exists(expected)) {
+            WriteFileBytes(expected, got); // review it by hand
+        }
+        EXPECT_EQ(got, ReadFileBytes(expected)) << name.toStdString();
     }
-}
-
-TEST(IcsMapping, BadCalendarFilesAreRefusedWithAReason) {
-    const struct {
-        QByteArray bytes;
-        const char* message;
-    } cases[] = {
-        {"Hello, world\r\n", "not an iCalendar file"},
-        {"BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nSUMMARY:x\r\nEND:VEVENT\r\n", "incomplete"},
-        {"BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nSUMMARY:caf\xE9\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n",
-         "not UTF-8"},
-        {"BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:tomorrow\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n",
-         "DTSTART"},
-    };
-    for (const auto& c : cases) {
-        const Calendar calendar = ParseCalendar(c.bytes);
-        EXPECT_TRUE(calendar.error.contains(QString::fromLatin1(c.message)))
-            << calendar.error.toStdString();
-        EXPECT_TRUE(calendar.events.isEmpty());
-    }
+    // The parser's own complaint (its wording is the library's) names the property.
+    EXPECT_TRUE(
+        ParseCalendar("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:tomorrow\r\nEND:VEVENT\r\n"
+                      "END:VCALENDAR\r\n")
+            .error.contains("DTSTART"));
 }

@@ -77,22 +77,18 @@ TEST(LegacyRecordReading, EveryFieldComesFromItsOffset) {
     bytes[218] = 1; // a boolean written as 1 instead of -1 is true all the same
     bytes[219] = 0;
     const EventPtr e = clsDB2::TransferTypeToObject(bytes);
-    EXPECT_FALSE(e->Deleted);
-    EXPECT_EQ(e->DueDate(), D("2009-03-05"));
-    EXPECT_EQ(e->DueTime(), D("1899-12-30 10:30"));
-    // Blanks at either end go; the Windows-1252 e-acute is decoded.
-    EXPECT_EQ(e->Desc(), "Dentist 10:30, caf\u00e9 <&> %");
-    EXPECT_TRUE(e->Recurring() && e->AlarmSet() && e->SharedEvent && e->ExecFile);
+    EXPECT_TRUE(!e->Deleted && e->Recurring() && e->AlarmSet() && e->SharedEvent && e->ExecFile);
+    EXPECT_EQ(QList<DateValue>({e->DueDate(), e->DueTime(), e->StartDate(), e->AlarmTime()}),
+              QList<DateValue>({D("2009-03-05"), D("1899-12-30 10:30"), D("2008-12-01"),
+                                D("1899-12-30 10:15")}));
     EXPECT_EQ(QList<int>({e->DaysWarning(), e->MinutesWarning(), e->RecurrenceType(), e->WeekDays(),
                           e->DayOfMonth(), e->MonthNumber(), e->Daynumber(), e->DayOfWeek(),
                           e->Period(), e->DaysLeft(), e->Layer()}),
               QList<int>({3, 15, 4, 10, 31, 13, -2, 7, 6, 70000, 19}));
-    EXPECT_EQ(e->IDCode, "123456");
-    EXPECT_EQ(e->StartDate(), D("2008-12-01"));
-    EXPECT_EQ(e->Owner(), "Ann");
-    EXPECT_EQ(e->AlarmTime(), D("1899-12-30 10:15"));
-    EXPECT_EQ(e->Filename, "C:\\Tools\\run.bat");
-    EXPECT_EQ(e->Email, "ann@example.com");
+    // Blanks at either end go; the Windows-1252 e-acute is decoded.
+    EXPECT_EQ(QStringList({e->Desc(), e->IDCode, e->Owner(), e->Filename, e->Email}),
+              QStringList({"Dentist 10:30, caf\u00e9 <&> %", "123456", "Ann", "C:\\Tools\\run.bat",
+                           "ann@example.com"}));
 
     // Text filling its whole width is kept whole.
     LegacyRecord full;
@@ -165,11 +161,7 @@ protected:
         }
         return ids;
     }
-    QStringList XmlIds(const char* name) {
-        clsDbXml db(settings, &layers);
-        db.LoadDB(home.file(QString::fromLatin1(name)));
-        return Ids(db.Events());
-    }
+    QStringList XmlIds(const char* name) { return Ids(LoadEvents(home.file(name))); }
 
     clsSounds sounds{home.path()};
     clsDB2 db{settings, layers, sounds};
@@ -185,37 +177,6 @@ TEST_F(LegacyDatabaseTest, OnlyWholeRecordsAreReadAndTheRestIsLogged) {
         EXPECT_EQ(Ids(db.Events()), QStringList({"111111", "222222"}));
         EXPECT_EQ(Logged(QString::number(extraBytes) + " bytes left over"), extraBytes != 0);
     }
-}
-
-TEST_F(LegacyDatabaseTest, LoadingFillsOwnerLayerNameAndSoundSkipsDeletedAndWatchesTheFile) {
-    const QString path = home.file("events.dat");
-    db.LoadDB(path);
-    EXPECT_FALSE(db.DatabaseChanged());
-    LegacyRecord single = Rec("111111", "single", "Single");
-    single.layer = 4;
-    WriteDat("events.dat", {single, Rec("222222", "bob's", "Bob"),
-                            Rec("333333", "gone", "Ann", true), Rec("444444", "blank owner")});
-    ASSERT_TRUE(
-        WriteFileBytes(sounds.EventWavsFilename(), "444444,/sounds/gong.wav\r\n111111,\r\n"));
-    EXPECT_TRUE(db.DatabaseChanged());
-    db.LoadDBIfChanged(path);
-    EXPECT_FALSE(db.DatabaseChanged());
-
-    QStringList seen;
-    for (const EventPtr& e : db.Events()) {
-        seen << e->IDCode + ' ' + e->Owner() + ' ' + e->SharedLayerName + ' ' + e->WavFile +
-                    (e->PlayWav ? " play" : "");
-    }
-    // Single-user records and blank owners become this user's; an empty
-    // sound entry is no sound.
-    EXPECT_EQ(seen, QStringList({"111111 Ann Work ", "222222 Bob Shared ",
-                                 "444444 Ann Shared /sounds/gong.wav play"}));
-
-    // A networked program never converts: nothing written, the sound table kept.
-    db.setNetworked(true);
-    EXPECT_FALSE(db.ExportToXML(home.file("Events.xml")));
-    EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
-    EXPECT_TRUE(QFileInfo::exists(sounds.EventWavsFilename()));
 }
 
 const QString kConvertedMessage = QStringLiteral(
@@ -234,21 +195,31 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsEachFileOnceAndTellsTheUserOnce) {
     EXPECT_FALSE(QFileInfo::exists(home.file("Events.xml")));
     EXPECT_EQ(dialogs.count(), 0);
 
-    // The old lower-case name; file order, not code order; one deleted, one without a code.
-    WriteDat("events.dat", {Rec("222222", "Dentist"), Rec("111111", "Gym"),
-                            Rec("333333", "deleted", "", true), Rec("", "no id yet")});
-    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n"));
+    // The old lower-case name; file order, not code order; one deleted, one
+    // without a code. Single-user records and blank owners become this
+    // user's, layers get their names and sounds come from the old table (an
+    // empty entry is no sound).
+    LegacyRecord single = Rec("222222", "Dentist", "Single");
+    single.layer = 4;
+    WriteDat("events.dat", {single, Rec("111111", "Gym", "Bob"), Rec("333333", "deleted", "", true),
+                            Rec("", "no id yet")});
+    ASSERT_TRUE(WriteFileBytes(sounds.EventWavsFilename(), "111111,/bell.wav\r\n222222,\r\n"));
     const QByteArray eventsDat = ReadFileBytes(home.file("events.dat"));
     ConvertLegacyDatabases(home.path(), settings, layers, dialogs);
 
     EXPECT_EQ(dialogs.texts(), QStringList(kConvertedMessage));
-    clsDbXml events(settings, &layers);
-    events.LoadDB(home.file("Events.xml"));
-    const QStringList ids = Ids(events.Events());
+    settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Zoe"))); // read as saved
+    const QList<EventPtr> events = LoadEvents(home.file("Events.xml"));
+    const QStringList ids = Ids(events);
     ASSERT_EQ(ids.size(), 3);
     EXPECT_EQ(ids.mid(0, 2), QStringList({"222222", "111111"}));
     EXPECT_EQ(ids[2].size(), 6) << "given a code on the way";
-    EXPECT_EQ(events.Events()[1]->WavFile, "/bell.wav");
+    QStringList seen;
+    for (const EventPtr& e : events) {
+        seen << e->Owner() + ' ' + e->SharedLayerName + ' ' + e->WavFile +
+                    (e->PlayWav ? " play" : "");
+    }
+    EXPECT_EQ(seen, QStringList({"Ann Work ", "Bob Shared /bell.wav play", "Ann Shared "}));
     EXPECT_FALSE(QFileInfo::exists(sounds.EventWavsFilename())) << "the table is in the XML now";
     EXPECT_EQ(XmlIds("Expired.xml"), QStringList({"444444", "555555"}));
     // The old files are left for the user to fall back on.

@@ -37,10 +37,7 @@ TEST_F(SizeLimits, ASharedFileOverTheLimitIsRefusedAndToldOnce) {
     ASSERT_TRUE(SharedDatabases::WriteUserList(list, {"Bob", "Carl"}));
     const QString bob = home.file("Shared_Bob.xml");
     WriteSparse(bob, Header(), 200LL * 1024 * 1024);
-    clsDbXml carl(settings);
-    carl.SetDBFilename(home.file("Shared_Carl.xml"));
-    carl.StoreRecord(MakeEvent("Party", "Carl"), true);
-    carl.SaveDB();
+    SaveEvents(home.file("Shared_Carl.xml"), {MakeEvent("Party", "Carl")}, true);
     StatusNotices::Take();
 
     clsDbXml set(settings);

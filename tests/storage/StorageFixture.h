@@ -3,6 +3,7 @@
 #include "model/clsEvent.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "storage/clsDbXml.h"
 #include "storage/clsLayers.h"
 #include "support/LogLines.h"
 #include "support/TestSupport.h"
@@ -28,6 +29,23 @@ protected:
         e->setDesc(desc);
         e->setOwner(owner);
         return e;
+    }
+
+    // Saves events (as new records when asNew) into a fresh file at path and
+    // returns its bytes.
+    QByteArray SaveEvents(const QString& path, const QList<EventPtr>& events, bool asNew = false) {
+        clsDbXml db(settings, &layers);
+        db.SetDBFilename(path);
+        for (const EventPtr& e : events) {
+            db.StoreRecord(e, asNew);
+        }
+        db.SaveDB();
+        return ReadFileBytes(path);
+    }
+    QList<EventPtr> LoadEvents(const QString& path) {
+        clsDbXml db(settings, &layers);
+        db.LoadDB(path);
+        return db.Events();
     }
 
     // The log lines written since the test began.

@@ -9,14 +9,9 @@ TEST_F(Layers, LoadingReadsUserLayersButNeverTheFixedEndsAndSavingWritesAll) {
     settings.sSet(QStringLiteral("layer7"), SettingValue(QStringLiteral("Garden")));
     settings.sSet(QStringLiteral("Layer20"), SettingValue(QStringLiteral("Everything")));
     layers.LoadLayers();
-    QStringList table{"Shared"};
-    for (int i = 1; i <= 19; ++i) {
-        table << (i == 7 ? QStringLiteral("Garden") : QStringLiteral("Layer %1").arg(i));
-    }
-    table << "All Categories";
-    for (int i = 0; i <= 20; ++i) {
-        EXPECT_EQ(layers.Layer(i), table[i]) << i;
-    }
+    EXPECT_EQ(QStringList({layers.Layer(0), layers.Layer(1), layers.Layer(7), layers.Layer(19),
+                           layers.Layer(20)}),
+              QStringList({"Shared", "Layer 1", "Garden", "Layer 19", "All Categories"}));
 
     layers.setLayer(3, "Work");
     layers.SaveLayers();

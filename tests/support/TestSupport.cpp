@@ -49,6 +49,67 @@ DateValue D(const QString& text) {
     return v.value_or(0);
 }
 
+EventPtr EventWithEveryField() {
+    auto e = std::make_shared<clsEvent>();
+    e->setDesc(
+        QStringLiteral("Dentist 10:30, caf\u00e9 <b> & 100%\r\nroom 4.?\t;/-_~@\u20ac\u00ff"));
+    e->setOwner(QStringLiteral("Ann"));
+    e->IDCode = QStringLiteral("012345");
+    e->setAlarmSet(true);
+    e->setAlarmTime(D("1899-12-30 10:15"));
+    e->setDaynumber(-2);
+    e->setDayOfMonth(31);
+    e->setDayOfWeek(7);
+    e->setDaysWarning(3);
+    e->setDueDate(D("2009-03-05 17:45"));
+    e->setDueTime(D("1899-12-30 10:30"));
+    e->setLayer(4);
+    e->SharedLayerName = QStringLiteral("Work, home");
+    e->Email = QStringLiteral("a@b.c;d@e.f");
+    e->setMinutesWarning(15);
+    e->setMonthNumber(13);
+    e->setPeriod(2);
+    e->setRecurrenceType(clsEvent::EveryXMonths);
+    e->setRecurring(true);
+    e->setStartDate(D("2008-01-31"));
+    e->setWeekDays(254);
+    e->SharedEvent = true;
+    e->Filename = QStringLiteral("C:\\a b\\run.bat");
+    e->WavFile = QStringLiteral("/snd/ding.wav");
+    e->PlayWav = true;
+    e->ShareWithSpecific = true;
+    e->ShareNames = QStringLiteral("Bob\r\nCarl Jim\r\n");
+    return e;
+}
+
+clsEvent RepeatingEvent(const RuleFields& r, const QString& desc) {
+    clsEvent e;
+    e.setDesc(desc);
+    e.setRecurring(true);
+    e.setRecurrenceType(r.type);
+    e.setWeekDays(r.weekDays);
+    e.setDayOfMonth(r.dayOfMonth);
+    e.setMonthNumber(r.monthNumber);
+    e.setPeriod(r.period);
+    e.setDayOfWeek(r.dayOfWeek);
+    e.setDaynumber(r.daynumber);
+    e.setStartDate(D(QString::fromLatin1(r.start)));
+    return e;
+}
+
+QList<DateValue> DueDatesUpTo(clsEvent event, DateValue last) {
+    QList<DateValue> out;
+    for (DateValue d = event.DueDate(); d <= last;) {
+        out.append(d);
+        event.CalcNextAfterDate(d + 1);
+        if (event.DueDate() <= d) {
+            break;
+        }
+        d = event.DueDate();
+    }
+    return out;
+}
+
 QByteArray ReadFileBytes(const QString& path) {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly)) {

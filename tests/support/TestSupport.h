@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/clsEvent.h"
 #include "shared/DateValue.h"
 
 #include <QByteArray>
@@ -47,6 +48,22 @@ public:
 // "YYYY-MM-DD" or "YYYY-MM-DD HH:MM" as a date value; fails the test when the
 // text is not one.
 DateValue D(const QString& text);
+
+// Event "012345" of "Ann", with every field the event file and the iCalendar
+// fields carry set away from its default, and awkward characters in its texts.
+EventPtr EventWithEveryField();
+
+// The rule fields of a repeating event.
+struct RuleFields {
+    int32_t type = 0;
+    int16_t weekDays = 0, dayOfMonth = 0, monthNumber = 0, period = 0, dayOfWeek = 0, daynumber = 0;
+    const char* start = "1899-12-30";
+};
+// A repeating event named desc with those fields; its due date is left at 0.
+clsEvent RepeatingEvent(const RuleFields& rule, const QString& desc = QStringLiteral("x"));
+// The event's due dates from its own up to last, each the next occurrence
+// after the one before (the walk the program has always made).
+QList<DateValue> DueDatesUpTo(clsEvent event, DateValue last);
 
 QByteArray ReadFileBytes(const QString& path);
 // The text of a PDF file as pdftotext lays it out; "" when it cannot be read.

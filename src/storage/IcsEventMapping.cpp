@@ -32,6 +32,7 @@ struct TarvoField {
 };
 
 constexpr const char* kCategoryField = "X-TARVO-CATEGORY";
+constexpr const char* kRecurrenceTypeField = "X-TARVO-RECURRENCE-TYPE";
 
 QString boolText(bool b) {
     return b ? QStringLiteral("TRUE") : QStringLiteral("FALSE");
@@ -146,7 +147,7 @@ const std::vector<TarvoField>& tarvoFields() {
         BOOL_FIELD("X-TARVO-PLAY-SOUND", PlayWav),
         TEXT_FIELD("X-TARVO-SOUND-FILE", WavFile),
         BOOL_PROPERTY("X-TARVO-RECURRING", Recurring, setRecurring),
-        NUMBER_PROPERTY("X-TARVO-RECURRENCE-TYPE", int32_t, RecurrenceType, setRecurrenceType),
+        NUMBER_PROPERTY(kRecurrenceTypeField, int32_t, RecurrenceType, setRecurrenceType),
         NUMBER_PROPERTY("X-TARVO-WEEKDAYS", int16_t, WeekDays, setWeekDays),
         NUMBER_PROPERTY("X-TARVO-DAY-OF-MONTH", int16_t, DayOfMonth, setDayOfMonth),
         NUMBER_PROPERTY("X-TARVO-MONTH", int16_t, MonthNumber, setMonthNumber),
@@ -390,8 +391,12 @@ void setWarnings(clsEvent& e, icalcomponent* v, const icaltimetype& start, DateV
     e.setAlarmTime(e.DueTime() - minutes / 1440.0);
 }
 
+// Sets every X-TARVO-* field found. True when the record's repeat type is
+// among them: only then does the record describe the whole event (its
+// repeats, its layer), so that its own fields stand in for the rule; a lone
+// field such as the owner, added by hand or by another program, does not.
 bool applyTarvoFields(icalcomponent* v, clsEvent& e, QString* category) {
-    bool any = false;
+    bool whole = false;
     for (icalproperty* p = icalcomponent_get_first_property(v, ICAL_X_PROPERTY); p != nullptr;
          p = icalcomponent_get_next_property(v, ICAL_X_PROPERTY)) {
         const char* name = icalproperty_get_x_name(p);
@@ -400,17 +405,17 @@ bool applyTarvoFields(icalcomponent* v, clsEvent& e, QString* category) {
         }
         if (qstricmp(name, kCategoryField) == 0) {
             *category = text(icalproperty_get_x(p)).trimmed();
-            any = true;
             continue;
         }
         for (const TarvoField& f : tarvoFields()) {
             if (qstricmp(name, f.name) == 0) {
-                any = f.set(e, text(icalproperty_get_x(p))) || any;
+                const bool read = f.set(e, text(icalproperty_get_x(p)));
+                whole = whole || (read && qstricmp(name, kRecurrenceTypeField) == 0);
                 break;
             }
         }
     }
-    return any;
+    return whole;
 }
 
 QString firstError(icalcomponent* c) {

@@ -5,6 +5,7 @@
 #include "model/clsEvent.h"
 #include "storage/EventXmlCodec.h"
 #include "storage/IcsEventMapping.h"
+#include "storage/IcsRecurrence.h"
 #include "support/TestSupport.h"
 
 #include <libical/ical.h>
@@ -46,6 +47,7 @@ const Rule kRules[] = {
     {"last Friday", clsEvent::NthWeekday, 0, 0, 0, 0, 6, 5},
     {"4th Thursday of November", clsEvent::NthWeekday, 0, 0, 11, 0, 5, 4},
     {"last Sunday of February", clsEvent::NthWeekday, 0, 0, 2, 0, 1, 9},
+    {"2nd Saturday", clsEvent::NthWeekday, 0, 0, 0, 0, 7, 2},
     {"day number 0", clsEvent::NthWeekday, 0, 0, 0, 0, 3, 0, clsEvent::DayOfMonthType},
     {"daily", clsEvent::EveryXDays, 0, 0, 0, 1},
     {"every 45 days", clsEvent::EveryXDays, 0, 0, 0, 45},
@@ -156,6 +158,30 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
     }
 }
 
+TEST(IcsMapping, HandEditedRulesWithNoDateAreWrittenAsTheirDueDayOnly) {
+    const struct {
+        Rule rule;
+        const char* why;
+    } cases[] = {
+        {{"weekday 0", clsEvent::NthWeekday, 0, 0, 0, 0, 0, 1}, "weekday out of range"},
+        {{"weekday 8", clsEvent::NthWeekday, 0, 0, 0, 0, 8, 2}, "weekday out of range"},
+        {{"no weekday", clsEvent::DaysOfWeek, 1}, "no weekday chosen"},
+    };
+    for (const auto& c : cases) {
+        clsEvent e;
+        e.setRecurring(true);
+        e.setRecurrenceType(c.rule.type);
+        e.setWeekDays(c.rule.weekDays);
+        e.setDayOfWeek(c.rule.dayOfWeek);
+        e.setDaynumber(c.rule.daynumber);
+        e.setDueDate(D(QStringLiteral("2030-06-01")));
+        const IcsRecurrence::Pattern p = IcsRecurrence::Write(e);
+        EXPECT_EQ(p.inexact, QString::fromLatin1(c.why)) << c.rule.name;
+        EXPECT_EQ(p.rule, QByteArray()) << c.rule.name;
+        EXPECT_EQ(p.start, e.DueDate()) << c.rule.name;
+    }
+}
+
 TEST(IcsMapping, TarvoFieldsGiveBackTheSameRecord) {
     FixedClock clock(QStringLiteral("2030-06-01 08:00"));
     auto timed = makeEvent(kRules[0], D(QStringLiteral("2030-06-01")));
@@ -215,6 +241,13 @@ TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
         {"DTSTART:20300603T093000\nRRULE:FREQ=MONTHLY;BYDAY=-1FR\nBEGIN:VALARM\nACTION:AUDIO\n"
          "TRIGGER;RELATED=START:-PT15M\nEND:VALARM",
          clsEvent::NthWeekday, "2030-06-28", "09:30", 15, 0, ""},
+        // The last Friday as a set position; an alarm a whole hour ahead
+        // stays minutes of warning.
+        {"DTSTART:20300603T093000\nRRULE:FREQ=MONTHLY;BYDAY=FR;BYSETPOS=-1\nBEGIN:VALARM\n"
+         "ACTION:DISPLAY\nTRIGGER:-PT1H\nEND:VALARM",
+         clsEvent::NthWeekday, "2030-06-28", "09:30", 60, 0, ""},
+        {"DTSTART;VALUE=DATE:20300129\nRRULE:FREQ=YEARLY", clsEvent::DayOfMonthType, "2031-01-29",
+         "", 0, 0, ""},
         {"DTSTART;VALUE=DATE:20300105\nRRULE:FREQ=MONTHLY;BYMONTHDAY=-1", clsEvent::DayOfMonthType,
          "2030-06-30", "", 0, 0, ""},
         {"DTSTART;VALUE=DATE:20300602\nRRULE:FREQ=WEEKLY;INTERVAL=2", clsEvent::Weekly,
@@ -232,6 +265,8 @@ TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
          0, "day 29-31 skipped in shorter months"},
         {"DTSTART;VALUE=DATE:20300501\nRRULE:FREQ=MONTHLY;BYDAY=1MO,3MO", -1, "2030-06-03", "", 0,
          0, "several weekday positions"},
+        {"DTSTART:20300601T090000\nRRULE:FREQ=DAILY;BYSECOND=0,30", -1, "2030-06-01", "09:00", 0,
+         0, "no type for"},
         {"DTSTART;TZID=America/New_York:20300601T090000\nRRULE:FREQ=DAILY", -1, "2030-06-01",
          "13:00", 0, 0, "time zone America/New_York"},
         // A one-off in UTC is converted, not simplified; an early alarm

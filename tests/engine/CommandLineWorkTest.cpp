@@ -94,10 +94,9 @@ TEST_F(CommandLineWorkTest, AgendaListsEveryOccurrenceInOrder) {
                                   make("Gone", "2030-05-31", false, 1),
                                   make("Post", "2030-06-07", false, 1)};
     EXPECT_EQ(CommandLineWork::Agenda(list, layers, TodayDate(), 7, 1),
-              (QStringList{"Mon 03/06/2030        Gym  [Work]",
-                           "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
-                           "Fri 07/06/2030        Gym  [Work]",
-                           "Fri 07/06/2030        Post  [Shared]"}));
+              (QStringList{
+                  "Mon 03/06/2030        Gym  [Work]", "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
+                  "Fri 07/06/2030        Gym  [Work]", "Fri 07/06/2030        Post  [Shared]"}));
 }
 
 TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {

@@ -265,8 +265,8 @@ TEST(IcsMapping, OtherProgramsEventsBecomeTarvoEvents) {
          0, "day 29-31 skipped in shorter months"},
         {"DTSTART;VALUE=DATE:20300501\nRRULE:FREQ=MONTHLY;BYDAY=1MO,3MO", -1, "2030-06-03", "", 0,
          0, "several weekday positions"},
-        {"DTSTART:20300601T090000\nRRULE:FREQ=DAILY;BYSECOND=0,30", -1, "2030-06-01", "09:00", 0,
-         0, "no type for"},
+        {"DTSTART:20300601T090000\nRRULE:FREQ=DAILY;BYSECOND=0,30", -1, "2030-06-01", "09:00", 0, 0,
+         "no type for"},
         {"DTSTART;TZID=America/New_York:20300601T090000\nRRULE:FREQ=DAILY", -1, "2030-06-01",
          "13:00", 0, 0, "time zone America/New_York"},
         // A one-off in UTC is converted, not simplified; an early alarm

@@ -72,6 +72,7 @@ const Case kCases[] = {
     {"29 Feb yearly", {.type = 2, .period = 12, .start = "2000-02-29"}, "2001-01-01 09:00", nullptr, "2001-03-01"},
     {"start in the future taken as it is", {.type = 2, .period = 1, .start = "2030-05-05"}, "2009-03-01 09:00", nullptr, "2030-05-05"},
     {"start equal to from accepted", {.type = 2, .period = 12, .start = "2009-03-01"}, "2009-03-01 09:00", nullptr, "2009-03-01"},
+    {"zero months, start equal to from", {.type = 2, .period = 0, .start = "2009-03-01"}, "2009-03-01 09:00", nullptr, "2009-03-01"},
     {"decades of months", {.type = 2, .period = 1, .start = "1990-01-10"}, "2026-11-21 09:00", nullptr, "2026-12-10"},
     // 3: every Period weeks
     {"fortnightly Tuesday", {.type = 3, .period = 2, .start = "2009-03-03"}, "2009-03-20 09:00", nullptr, "2009-03-31"},

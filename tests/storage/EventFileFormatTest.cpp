@@ -156,6 +156,7 @@ TEST_F(EventFileFormat, AHandEditedFieldReadsAsTheNearestValueAndABadNumberIsLog
         {"DaysWarning", "inf", "0", kBad},
         {"DayOfMonth", "99999", "0", "Overflow (6)"},
         {"DayOfMonth", "40000.4", "0", "Overflow (6)"},
+        {"DayOfMonth", "-32768", "-32768", ""},
         {"DayOfMonth", "+31", "31", ""},
         {"Layer", " 5 ", "5", ""},
         {"MonthNumber", "2.5", "2", ""}, // half rounds to even

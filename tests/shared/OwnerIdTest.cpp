@@ -6,6 +6,7 @@ TEST(OwnerId, PlainNamesAreAccepted) {
     for (const char* id : {"Fred", "Dad", "Mary-Ann", "J. Smith", "user_2", "Zoë"}) {
         EXPECT_TRUE(OwnerId::Problem(QString::fromUtf8(id)).isEmpty()) << id;
     }
+    EXPECT_TRUE(OwnerId::Problem(QString(64, QLatin1Char('x'))).isEmpty()) << "the longest ID";
 }
 
 // Refused: a path climbing out of the shared folder, two dots, more than 64

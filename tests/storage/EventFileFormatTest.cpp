@@ -172,6 +172,7 @@ TEST_F(EventFileFormat, AHandEditedFieldReadsAsTheNearestValueAndABadNumberIsLog
         {"AlarmTime", "2009-03-05 10:75", "1899-12-30 00:00", kBad},
         {"AlarmTime", "2009-03-05 10:1/", "1899-12-30 00:00", kBad},
         {"AlarmTime", "2O09-03-05", "1899-12-30 00:00", kBad},
+        {"AlarmTime", "2009x03-05", "1899-12-30 00:00", kBad},
     };
     for (const auto& c : cases) {
         const qsizetype mark = LoggedTexts().size();

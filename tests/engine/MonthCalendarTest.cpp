@@ -135,8 +135,9 @@ TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
     emptyMask->setWeekDays(0);
 
     MonthCalendar plain(2009, 3);
-    plain.AddEvents({longOneOff, longRecurring, unknown, emptyMask, OneOff("Rent", D("2009-03-01"))},
-                    MonthCalendar::kAllLayers, false);
+    plain.AddEvents(
+        {longOneOff, longRecurring, unknown, emptyMask, OneOff("Rent", D("2009-03-01"))},
+        MonthCalendar::kAllLayers, false);
     EXPECT_EQ(plain.TotalLines(), 1 + 4 + 2 + 1);
     EXPECT_EQ(plain.Lines(20), QStringList{"odd"});
     EXPECT_EQ(plain.Lines(5), (QStringList{"Dentist appo", "Weekly team meeting in"}));

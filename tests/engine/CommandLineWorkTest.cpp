@@ -47,6 +47,7 @@ TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
     } cases[] = {
         {{"Dentist", "03/06/2030", "09:30", "work"}, 0, "Added \"Dentist\" on 03/06/2030 09:30."},
         {{"Bills", "2030-06-05", "", ""}, 0, "Added \"Bills\" on 05/06/2030."},
+        {{"Tea", "2030-06-06", "", "shared"}, 0, "Added \"Tea\" on 06/06/2030."},
         {{"x", "06/31/2030", "", ""},
          1,
          "\"06/31/2030\" is not a date: use DD/MM/YYYY or YYYY-MM-DD."},
@@ -67,7 +68,7 @@ TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
             EXPECT_EQ(eventsFile(), before) << c.message;
         }
     }
-    ASSERT_EQ(events.RecordCount(), 2);
+    ASSERT_EQ(events.RecordCount(), 3);
     const clsEvent& dentist = *events.Events().first();
     EXPECT_EQ(dentist.DueDate(), D("2030-06-03"));
     EXPECT_EQ(dentist.Layer(), 3) << "the category found by its name in any case";
@@ -91,11 +92,12 @@ TEST_F(CommandLineWorkTest, AgendaListsEveryOccurrenceInOrder) {
     call->setAlarmSet(true);
     call->setDueTime(TimeSerial(7, 5));
     const QList<EventPtr> list = {gym, call, make("Later", "2030-06-09", false, 1),
-                                  make("Gone", "2030-05-31", false, 1)};
+                                  make("Gone", "2030-05-31", false, 1),
+                                  make("Post", "2030-06-07", false, 1)};
     EXPECT_EQ(CommandLineWork::Agenda(list, layers, TodayDate(), 7, 1),
-              (QStringList{"Mon 03/06/2030        Gym  [Work]",
-                           "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
-                           "Fri 07/06/2030        Gym  [Work]"}));
+              (QStringList{
+                  "Mon 03/06/2030        Gym  [Work]", "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
+                  "Fri 07/06/2030        Gym  [Work]", "Fri 07/06/2030        Post  [Shared]"}));
 }
 
 TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {
@@ -122,6 +124,15 @@ TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {
     EXPECT_EQ(events.Events().first()->IDCode.size(), 6);
     EXPECT_TRUE(eventsFile().contains("<Desc>Walk</Desc>"));
     EXPECT_TRUE(ReadFileBytes(home.file("Tvo.ini")).contains("LAYER19,Outdoor"));
+    // A category that names no layer of its own goes to the first one.
+    ASSERT_TRUE(QFile::remove(home.file("Tvo.ini")));
+    r = CalendarTransfer::Import(
+        writeCalendar("BEGIN:VEVENT\r\nUID:4\r\nSUMMARY:Odd\r\nDTSTART;VALUE=DATE:20300612\r\n"
+                      "CATEGORIES:All Categories\r\nEND:VEVENT\r\n"),
+        store, TodayDate());
+    EXPECT_TRUE(r.message.endsWith("No free category was left for All Categories."));
+    EXPECT_EQ(events.Events().last()->Layer(), 1);
+    EXPECT_FALSE(QFile::exists(home.file("Tvo.ini")));
 }
 
 // The iCalendar library writes no date after the year 3000: such an event is

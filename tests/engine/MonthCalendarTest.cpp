@@ -110,9 +110,10 @@ TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
     emptyMask->setWeekDays(0);
 
     MonthCalendar plain(2009, 3);
-    plain.AddEvents({longOneOff, longRecurring, unknown, emptyMask}, MonthCalendar::kAllLayers,
-                    false);
-    EXPECT_EQ(plain.TotalLines(), 1 + 4 + 2);
+    plain.AddEvents({longOneOff, longRecurring, unknown, emptyMask, OneOff("Rent", D("2009-03-01")),
+                     OneOff("Tax", D("2009-03-31"))},
+                    MonthCalendar::kAllLayers, false);
+    EXPECT_EQ(plain.TotalLines(), 1 + 4 + 2 + 2);
     EXPECT_EQ(plain.Lines(20), QStringList{"odd"});
     EXPECT_EQ(plain.Lines(5), (QStringList{"Dentist appo", "Weekly team meeting in"}));
     EXPECT_EQ(plain.Lines(12), QStringList{"Weekly team meeting in"});
@@ -123,9 +124,9 @@ TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
     const QStringList text = plain.EventListText().split(QLatin1Char('\n'));
     ASSERT_EQ(text.size(), 1 + 31 + 1);
     EXPECT_EQ(text[0], "Events for March 2009");
-    EXPECT_EQ(text[1], "Sun 1\t");
+    EXPECT_EQ(text[1], "Sun 1\tRent");
     EXPECT_EQ(text[5], "Thu 5\tDentist appointment downtown; Weekly team meeting in room 4");
-    EXPECT_EQ(text[31], "Tue 31\t");
+    EXPECT_EQ(text[31], "Tue 31\tTax");
 
     longRecurring->setDueDate(day);
     longRecurring->setStartDate(day);

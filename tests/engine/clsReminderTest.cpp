@@ -336,6 +336,10 @@ TEST_F(RefreshTickTest, MissedAlarmsAreListedAfterAStartOrAClockJump) {
     addAlarm("Too old", "2009-02-25", 8, 0, 0);
     addAlarm("Yesterday", "2009-03-04", 7, 0, 0);
     addAlarm("Now", "2009-03-05", 7, 0, 0);
+    settings.sSet(QStringLiteral("Networked"), true); // others' alarms are missed too
+    clsDbXml shared(settings);
+    addAlarm("Bob's call", "2009-03-05", 8, 15, 0, &shared, "Bob");
+    services.shared = &shared;
     settings.sSet(QStringLiteral("LastRun"), QStringLiteral("2009-02-20 07:00"));
     tick.ShowMissedSinceLastRun();
     EXPECT_EQ(missedLines(), (QStringList{"Missed while Tarvo was not running:",
@@ -358,10 +362,12 @@ TEST_F(RefreshTickTest, MissedAlarmsAreListedAfterAStartOrAClockJump) {
     windows.made.clear();
     notifier.sent.clear();
     tick.TimerRefresh_Timer();
-    const QStringList expected = {
-        "Missed while the computer was asleep:", "Thu 03/05/2009 08:00  Doctor",
-        "Thu 03/05/2009 08:30  Backup (its file was not opened)", "Thu 03/05/2009 09:00  Pills",
-        "Fri 03/06/2009 09:00  Pills"};
+    const QStringList expected = {"Missed while the computer was asleep:",
+                                  "Thu 03/05/2009 08:00  Doctor",
+                                  "Thu 03/05/2009 08:15  Bob's call",
+                                  "Thu 03/05/2009 08:30  Backup (its file was not opened)",
+                                  "Thu 03/05/2009 09:00  Pills",
+                                  "Fri 03/06/2009 09:00  Pills"};
     EXPECT_EQ(missedLines(), expected);
     FakeReminderWindow* missed = windows.withHeading("MISSED");
     ASSERT_NE(missed, nullptr);

@@ -39,6 +39,7 @@ const Case kCases[] = {
     {"29 Feb yearly", {.type = 2, .period = 12, .start = "2000-02-29"}, "2001-01-01 09:00", nullptr, "2001-03-01"},
     {"start in the future taken as it is", {.type = 2, .period = 1, .start = "2030-05-05"}, "2009-03-01 09:00", nullptr, "2030-05-05"},
     {"start equal to from accepted", {.type = 2, .period = 12, .start = "2009-03-01"}, "2009-03-01 09:00", nullptr, "2009-03-01"},
+    {"zero months, start equal to from", {.type = 2, .period = 0, .start = "2009-03-01"}, "2009-03-01 09:00", nullptr, "2009-03-01"},
     // 3: every Period weeks
     {"fortnightly Tuesday, on the day", {.type = 3, .period = 2, .start = "2009-03-03"}, "2009-03-17 09:00", nullptr, "2009-03-17"},
     {"largest week step", {.type = 3, .period = 4681, .start = "2009-01-01"}, "2009-01-02 09:00", nullptr, "2098-09-18"},

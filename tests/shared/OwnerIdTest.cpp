@@ -10,6 +10,7 @@ TEST(OwnerId, NamesThatWouldLeaveOrBreakTheFileNameAreRefused) {
     for (const char* id : {"Fred", "Dad", "Mary-Ann", "J. Smith", "user_2", "Zoë"}) {
         EXPECT_EQ(OwnerId::Problem(QString::fromUtf8(id)), QString()) << id;
     }
+    EXPECT_EQ(OwnerId::Problem(QString(64, QLatin1Char('x'))), QString()) << "the longest ID";
     const QString cases[] = {
         QStringLiteral("../Fred"),   QStringLiteral("Fred..Bob"), QString(65, QLatin1Char('x')),
         QStringLiteral("a/b"),       QStringLiteral("a\\b"),      QStringLiteral("C:Fred"),

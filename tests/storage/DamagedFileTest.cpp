@@ -32,6 +32,7 @@ TEST_F(DamagedFiles, EventFileIsCopiedOnceBeforeItsFirstSave) {
     } cases[] = {
         {"cut off in the last event", good.left(good.size() - 60), 3},
         {"no header", good.mid(Header().size()), 3},
+        {"an end tag before the header", "</EVENT>" + good, 3},
         {"text between events", good.left(firstEnd) + "\x01garbage" + good.mid(firstEnd), 3},
         {"not the format at all", QByteArray("PK\x03\x04 zip bytes"), 0},
     };

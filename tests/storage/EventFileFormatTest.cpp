@@ -54,6 +54,12 @@ TEST_F(EventFileFormat, RawTextFieldsAreWrittenUnescapedAndCutAtTheirClosingTag)
     EXPECT_TRUE(bytes.contains("<Email>\xC5sa@x</Email>"));
     EXPECT_TRUE(bytes.contains("<Filename>x?y</Filename>"));
     EXPECT_TRUE(bytes.contains("<ShareNames>%3F%3F%0D%0A</ShareNames>"));
+    // Escaped fields three times their length in characters are written whole.
+    auto escaped = MakeEvent(QString(3000, QLatin1Char('<')));
+    escaped->ShareNames = QString(3000, QLatin1Char('\n'));
+    const QByteArray tail =
+        "<ShareNames>" + QByteArray("%0A").repeated(3000) + "</ShareNames>\r\n\t</EVENT>";
+    EXPECT_TRUE(SaveBytes({escaped}).contains(tail));
 
     const QList<EventPtr> back = LoadBytes(bytes);
     ASSERT_EQ(back.size(), 2);

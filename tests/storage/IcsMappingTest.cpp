@@ -6,6 +6,7 @@
 #include "model/clsEvent.h"
 #include "storage/EventXmlCodec.h"
 #include "storage/IcsEventMapping.h"
+#include "storage/IcsRecurrence.h"
 #include "support/TestSupport.h"
 
 #include <libical/ical.h>
@@ -50,6 +51,7 @@ const Rule kRules[] = {
     {"last Friday", {.type = clsEvent::NthWeekday, .dayOfWeek = 6, .daynumber = 5}},
     {"4th Thursday of November", {.type = clsEvent::NthWeekday, .monthNumber = 11, .dayOfWeek = 5, .daynumber = 4}},
     {"last Sunday of February", {.type = clsEvent::NthWeekday, .monthNumber = 2, .dayOfWeek = 1, .daynumber = 9}},
+    {"2nd Saturday", {.type = clsEvent::NthWeekday, .dayOfWeek = 7, .daynumber = 2}},
     {"day number 0", {.type = clsEvent::NthWeekday, .dayOfWeek = 3}, clsEvent::DayOfMonthType},
     {"daily", {.type = clsEvent::EveryXDays, .period = 1}},
     {"every 45 days", {.type = clsEvent::EveryXDays, .period = 45}},
@@ -135,6 +137,25 @@ TEST(IcsMapping, ExpandedRulesGiveTarvosOwnDatesOverFiveYears) {
                 EXPECT_EQ(read.event->DueDate(), expected.first()) << rule.name;
             }
         }
+    }
+}
+
+TEST(IcsMapping, HandEditedRulesWithNoDateAreWrittenAsTheirDueDayOnly) {
+    const struct {
+        RuleFields rule;
+        const char* why;
+    } cases[] = {
+        {{.type = clsEvent::NthWeekday, .dayOfWeek = 0, .daynumber = 1}, "weekday out of range"},
+        {{.type = clsEvent::NthWeekday, .dayOfWeek = 8, .daynumber = 2}, "weekday out of range"},
+        {{.type = clsEvent::DaysOfWeek, .weekDays = 1}, "no weekday chosen"},
+    };
+    for (const auto& c : cases) {
+        clsEvent e = RepeatingEvent(c.rule);
+        e.setDueDate(D(QStringLiteral("2030-06-01")));
+        const IcsRecurrence::Pattern p = IcsRecurrence::Write(e);
+        EXPECT_EQ(p.inexact, QString::fromLatin1(c.why)) << c.why;
+        EXPECT_EQ(p.rule, QByteArray()) << c.why;
+        EXPECT_EQ(p.start, e.DueDate()) << c.why;
     }
 }
 

@@ -198,6 +198,28 @@ TEST_F(SharedFolder, AnOwnerNameTheOptionsRefusePublishesNothing) {
     EXPECT_TRUE(Logged("Owner name unusable as a file name."));
 }
 
+TEST_F(SharedFolder, ANewOwnIdRenamesTheListEntryAndEmptiesTheOldFileOnlyWhenItChanged) {
+    User ann("Ann", folder, home.path());
+    ann.Add("ann to all", 0, false);
+    ann.local->SaveDB();
+    const QByteArray list = ReadFileBytes(File("TVOShared.ini"));
+    ASSERT_TRUE(WriteFileBytes(File("Shared_Not Set.xml"), "kept"));
+
+    // Other blanks around the same ID, or an old ID that was no name at all:
+    // nothing in the folder changes.
+    EXPECT_EQ(ann.shared->ChangeOwnId(" Ann", "Ann ", ann.local.get()), QString());
+    EXPECT_EQ(ann.shared->ChangeOwnId("Not Set", "Ann", ann.local.get()), QString());
+    EXPECT_EQ(ReadFileBytes(File("TVOShared.ini")), list);
+    EXPECT_EQ(ReadFileBytes(File("Shared_Not Set.xml")), "kept");
+
+    ann.local->RenameOwner("Ann", "Anna"); // as the options do first
+    EXPECT_EQ(ann.shared->ChangeOwnId("Ann", "Anna", ann.local.get()), QString());
+    EXPECT_EQ(SharedDatabases::ReadUserList(File("TVOShared.ini")),
+              (QStringList{"Anna", "Bob", "Carl"}));
+    EXPECT_FALSE(ReadFileBytes(File("Shared_Ann.xml")).contains("ann%20to%20all"));
+    EXPECT_TRUE(ReadFileBytes(File("Shared_Anna.xml")).contains("ann%20to%20all"));
+}
+
 TEST_F(SharedFolder, WithoutAFolderOrAUserListNothingIsPublishedOrRead) {
     User nowhere("Ann", QString(), home.path());
     const QString cwd = QDir::currentPath();

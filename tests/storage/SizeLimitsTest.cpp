@@ -74,6 +74,18 @@ TEST_F(SizeLimits, AMillionTinyEventsAreReadUpToTheLimitAndTheFileIsKept) {
     EXPECT_EQ(ReadFileBytes(path), bytes);
 }
 
+TEST_F(SizeLimits, ADamagedFileLogsItsFirstThousandConversionErrorsOnly) {
+    // Each block lacks its numbers and dates: a dozen errors or more apiece.
+    const QString path = home.file("Events.xml");
+    ASSERT_TRUE(WriteFileBytes(path, Header() + QByteArray("<EVENT></EVENT>\r\n").repeated(100)));
+    clsDbXml db(settings);
+    db.LoadDB(path);
+    EXPECT_EQ(db.RecordCount(), 100);
+    EXPECT_EQ(NewLogLines().filter("Type mismatch (13)").size(), 1000);
+    EXPECT_EQ(NewLogLines().filter(" more conversion errors in " + path + " are not logged").size(),
+              1);
+}
+
 TEST_F(SizeLimits, AnEndlessSettingsLineIsSkippedWithoutHoldingIt) {
     const QString path = home.file("Tvo.ini");
     WriteSparse(path, "Owner,Ann\r\nJunk,", 100LL * 1024 * 1024, "\r\nDataPath,Tarvo data\r\n");

@@ -67,6 +67,8 @@ TEST(TaskListFile, LegacyFileIsConvertedOnceAndRemoved) {
     ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("tasklist.dat")), "old\r\n"));
     EXPECT_EQ(TaskListFile(home.path()).Load(), expected);
     EXPECT_TRUE(QFileInfo::exists(home.file(QStringLiteral("tasklist.dat"))));
+    // A last line without its line break is a task too.
+    EXPECT_EQ(TaskListFile::ParseLegacy("a\r\nb"), (QStringList{"a", "b"}));
 }
 
 TEST(TaskListFile, LegacyFileStaysWhenTheNewFileWouldNotHoldItsTasks) {

@@ -78,6 +78,12 @@ TEST_F(DbXml, CodesAreUniqueSixDigitsAndAnEditedRecordMovesToTheEnd) {
     clsDbXml other(settings);
     other.StoreRecord(edited, true);
     EXPECT_EQ(small.ReadEvent(edited->IDCode), edited);
+    // Two events with one code (a hand-merged file): taking one leaves the other found.
+    auto twin = MakeEvent(QStringLiteral("B twin"));
+    twin->IDCode = b->IDCode;
+    small.InsertRecord(0, twin);
+    EXPECT_TRUE(small.TakeRecord(b));
+    EXPECT_EQ(small.ReadEvent(b->IDCode), twin);
 }
 
 TEST_F(DbXml, DeletingAndSavingAReadOnlyFile) {

@@ -4,42 +4,25 @@
 // networked. (Saving, restarting and the editor's "Shared" are run by
 // tests/e2e/networked_shared_category.sh; who may read what, by the shared
 // folder's own tests.)
-#include "app/AppContext.h"
 #include "app/EventListModel.h"
 #include "app/StartUp.h"
+#include "app/dialogs/DialogsFixture.h"
 #include "app/frmMain.h"
-#include "shared/cSHAREDSettings.h"
-#include "storage/SharedDatabases.h"
-#include "storage/clsDbXml.h"
-#include "storage/clsLayers.h"
-#include "support/FakeReminderWindows.h"
-#include "support/ScriptedDialogs.h"
-#include "support/TestSupport.h"
 
 #include <QDir>
 
 namespace {
 
-// One user's process-wide objects, started the way Main starts them.
-struct User {
-    User(const QString& name, const QString& home, const QString& sharedFolder) {
-        QDir().mkpath(home);
+// One user's process-wide objects in a home of their own, started the way
+// Main starts them.
+struct User : DialogsFixture {
+    User(const QString& name, const QString& sharedFolder) {
         const QString ini = QStringLiteral("OWNER,%1\r\nNETWORKED,-1 \r\nSHAREDDATAPATH,%2/\r\n"
                                            "DATAPATH,%3\r\nNOAUTOBACKUPS,-1 \r\nLAYER3,Work\r\n")
-                                .arg(name, sharedFolder, home);
-        WriteFileBytes(context.settingsFile = home + QStringLiteral("/Tvo.ini"), ini.toLatin1());
+                                .arg(name, sharedFolder, home.path());
+        WriteFileBytes(context.settingsFile, ini.toLatin1());
     }
     bool Start() { return StartUp(context, [](AppContext&) { return false; }).Run(); }
-
-    ScriptedDialogs dialogs;
-    cSHAREDSettings settings{&dialogs};
-    clsLayers layers{settings};
-    clsDbXml events{settings, &layers};
-    clsDbXml expired{settings, &layers};
-    SharedDatabases shared{settings, layers};
-    FakeFileOpener opener;
-    FakeSoundPlayer player;
-    AppContext context{settings, {}, layers, events, expired, shared, dialogs, opener, player};
 };
 
 TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
@@ -48,7 +31,7 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
     const QString folder = home.file(QStringLiteral("shared"));
     QDir().mkpath(folder);
     WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Ann\r\nBob\r\n");
-    User ann(QStringLiteral("Ann"), home.file(QStringLiteral("ann")), folder);
+    User ann(QStringLiteral("Ann"), folder);
     // As a publish leaves them: "For Carl" is shared with Carl only, and
     // "Renamed" was published before its category was renamed "Work".
     QByteArray bytes;
@@ -62,7 +45,7 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
         bytes += QByteArray("<TVO2><EVENT><Owner>Ann</Owner><DueDate>2009-03-20</DueDate>") +
                  fields + "</EVENT></TVO2>\r\n";
     }
-    WriteFileBytes(home.file(QStringLiteral("ann/Events.xml")), bytes);
+    WriteFileBytes(ann.home.file(QStringLiteral("Events.xml")), bytes);
 
     ASSERT_TRUE(ann.Start());
     QStringList own;
@@ -74,7 +57,7 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
     EXPECT_EQ(ann.layers.Layer(19), QStringLiteral("Layer 19")) << "no category was created";
     ann.events.SaveDB(); // publishes
 
-    User bob(QStringLiteral("Bob"), home.file(QStringLiteral("bob")), folder);
+    User bob(QStringLiteral("Bob"), folder);
     ASSERT_TRUE(bob.Start());
     frmMain bobWindow(bob.context);
     EventListModel& list = bobWindow.model();

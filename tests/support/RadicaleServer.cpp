@@ -1,14 +1,19 @@
 #include "support/RadicaleServer.h"
 
-#include "support/TestSupport.h"
-
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtCore/qtestsupport_core.h>
+
+// Also built into the sync benchmark, so it leans on no other test helper.
+static bool writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
 
 bool RadicaleServer::Start() {
     QTcpServer probe;
@@ -22,15 +27,15 @@ bool RadicaleServer::Start() {
     }
     const QString config = m_dir.filePath(QStringLiteral("config"));
     if (!QFile::exists(QStringLiteral("/usr/bin/radicale")) || m_port == 0 ||
-        !WriteFileBytes(m_dir.filePath(QStringLiteral("users")), users) ||
-        !WriteFileBytes(config, QStringLiteral("[server]\nhosts = 127.0.0.1:%1\n[auth]\ntype = "
-                                               "htpasswd\nhtpasswd_filename = %2/users\n"
-                                               "htpasswd_encryption = plain\n[rights]\ntype = "
-                                               "owner_write\n[storage]\nfilesystem_folder = "
-                                               "%2/storage\n[logging]\nlevel = warning\n")
-                                    .arg(m_port)
-                                    .arg(m_dir.path())
-                                    .toUtf8())) {
+        !writeFile(m_dir.filePath(QStringLiteral("users")), users) ||
+        !writeFile(config, QStringLiteral("[server]\nhosts = 127.0.0.1:%1\n[auth]\ntype = "
+                                          "htpasswd\nhtpasswd_filename = %2/users\n"
+                                          "htpasswd_encryption = plain\n[rights]\ntype = "
+                                          "owner_write\n[storage]\nfilesystem_folder = "
+                                          "%2/storage\n[logging]\nlevel = warning\n")
+                               .arg(m_port)
+                               .arg(m_dir.path())
+                               .toUtf8())) {
         m_problem =
             QStringLiteral("/usr/bin/radicale, a free port or a temporary folder is missing");
         return false;

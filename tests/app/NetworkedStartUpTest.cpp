@@ -22,7 +22,9 @@ struct User : DialogsFixture {
                                 .arg(name, sharedFolder, home.path());
         WriteFileBytes(context.settingsFile, ini.toLatin1());
     }
-    bool Start() { return StartUp(context, [](AppContext&) { return false; }).Run(); }
+    bool Start() {
+        return StartUp(context, [](AppContext&) { return false; }).Run();
+    }
 };
 
 TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
@@ -64,8 +66,8 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
     list.FillEvents(0, false); // the "Shared" filter
     QStringList rows;
     for (int r = 0; r < list.rowCount(); ++r) {
-        for (const int col : {EventListModel::ColEvent, EventListModel::ColLayer,
-                              EventListModel::ColOwner}) {
+        for (const int col :
+             {EventListModel::ColEvent, EventListModel::ColLayer, EventListModel::ColOwner}) {
             rows << list.cellText(r, col);
         }
     }

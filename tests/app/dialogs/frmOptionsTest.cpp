@@ -97,8 +97,8 @@ TEST_F(OptionsWindow, RefusedSavesStoreNothing) {
         }
         button(c.way)->click();
         box("txtOwner")->setText(QString::fromLatin1(c.id));
-        box("txtSharedDBPath")->setText(*c.folder == 'n' ? home.file(QStringLiteral("net"))
-                                                         : QStringLiteral(" "));
+        box("txtSharedDBPath")
+            ->setText(*c.folder == 'n' ? home.file(QStringLiteral("net")) : QStringLiteral(" "));
         box("txtCalDavUrl")->setText(QString::fromLatin1(c.url));
         box("txtCalDavUser")->setText(QString::fromLatin1(c.user));
         QTest::keyClicks(box("txtCalDavPassword"), QString::fromLatin1(c.password));
@@ -134,7 +134,7 @@ TEST_F(OptionsWindow, SharedListShownAddedToAndRemovedFrom) {
 
     const struct {
         const char* id;
-        bool folder; // false: the box emptied
+        bool folder;      // false: the box emptied
         const char* says; // "" = added without a word
     } cases[] = {
         {" ", true, "You need to enter an ID before you can add it"},
@@ -272,8 +272,8 @@ TEST_F(OptionsWindow, MissingSoundFileTurnsSoundsOffUnlessAlreadyOff) {
 // networked_family_events.sh) makes the owner "Single", events and all.
 TEST_F(OptionsWindow, SwitchingToSingleUserStoresSingleAndTakesOverTheEvents) {
     const QString folder = networked(QStringLiteral("Fred"), "Fred\r\n");
-    auto team = TestEvent(QStringLiteral("Team"), QStringLiteral("2030-01-01"),
-                          QStringLiteral("Fred"));
+    auto team =
+        TestEvent(QStringLiteral("Team"), QStringLiteral("2030-01-01"), QStringLiteral("Fred"));
     team->SharedEvent = true;
     events.StoreRecord(team);
     open();

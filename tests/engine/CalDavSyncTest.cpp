@@ -12,7 +12,6 @@
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTest>
-#include <QTimer>
 
 #include <map>
 #include <memory>
@@ -54,8 +53,7 @@ struct User {
     QStringList Shown(bool networked = false) {
         QStringList out;
         for (const EventPtr& e : Cache(networked)) {
-            out << e->Owner() + QLatin1Char(':') + e->Desc() + QLatin1Char('/') +
-                       e->SharedLayerName;
+            out << e->Owner() + ':' + e->Desc() + '/' + e->SharedLayerName;
         }
         out.sort();
         return out;
@@ -100,7 +98,7 @@ protected:
     std::map<std::string, std::unique_ptr<User>> users;
 };
 
-TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCaches) {
+TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOwnersCopyWins) {
     User& ann = U("ann");
     ann.settings.sSet(clsLayers::SettingKey(3), SettingValue(QStringLiteral("Work")));
     EventPtr a = ann.Add("100001", "Team lunch");
@@ -110,6 +108,15 @@ TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCa
     EventPtr c = ann.Add("100004", "Only for cy");
     c->ShareWithSpecific = true;
     c->ShareNames = QStringLiteral("cy\r\n");
+    const QString path = QStringLiteral("/ann/tarvo/100001.ics");
+    // Another client changes ann's event behind her back: her copy wins,
+    // whether she changed it too (her write meets a 412) or not (her read
+    // notices).
+    const auto elsewhere = [&] {
+        const QByteArray theirs =
+            Get(path).replace(QByteArray("SUMMARY:" + a->Desc().toUtf8()), "SUMMARY:Elsewhere");
+        ASSERT_EQ(server.Request("PUT", "ann", path, theirs).status, 201);
+    };
     const struct {
         std::function<void()> change;
         QString resources; // ann's collection after the sync
@@ -118,6 +125,9 @@ TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCa
         {[] {}, "100001 100002 100004", "Published 3, removed 0; read 1 users, 0 events"},
         {[&] { a->setDesc("Moved"); }, "100001 100002 100004",
          "Published 1, removed 0; read 1 users, 0 events"},
+        {[&] { elsewhere(), a->setDesc("Owner's change"); }, "100001 100002 100004",
+         "Published 1, removed 0; read 2 users, 0 events"},
+        {elsewhere, "100001 100002 100004", "Published 1, removed 0; read 2 users, 0 events"},
         {[&] { b->SharedEvent = false; }, "100001 100004",
          "Published 0, removed 1; read 2 users, 0 events"},
         {[&] { a->Deleted = true; }, "100004", "Published 0, removed 1; read 2 users, 0 events"},
@@ -128,8 +138,8 @@ TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCa
         ASSERT_TRUE(r.ok) << r.error.toStdString();
         EXPECT_EQ(r.Summary(), step.summary);
         EXPECT_EQ(server.Resources("ann").join(' ').remove(".ics"), step.resources);
+        EXPECT_TRUE(a->Deleted || Get(path).contains(QByteArray("SUMMARY:" + a->Desc().toUtf8())));
         if (&step == &steps[1]) {
-            EXPECT_TRUE(Get("/ann/tarvo/100001.ics").contains("SUMMARY:Moved"));
             ASSERT_TRUE(Sync("bob").ok);
             EXPECT_EQ(U("bob").Shown(), QStringList({"ann:Flagged/Work", "ann:Moved/Shared",
                                                      "ann:Only for cy/Shared"}));
@@ -162,28 +172,6 @@ TEST_F(CalDavSyncTest, AnotherClientsEventSurvivesTheOwnersSyncAndReachesBothCac
     const EventPtr e = U("bob").Cache().at(0);
     EXPECT_EQ(FormatYMDHM(e->DueDate() + e->DueTime()), QStringLiteral("2031-06-01 08:00"));
     EXPECT_EQ(e->IDCode.size(), 6);
-}
-
-TEST_F(CalDavSyncTest, TheOwnersCopyWinsOverAChangeBehindItsBack) {
-    // Changed locally too (the write meets a 412), or not (the read notices).
-    for (bool changedLocally : {true, false}) {
-        U("ann").events.clear();
-        EventPtr a = U("ann").Add(changedLocally ? "200001" : "200002", "Original");
-        ASSERT_TRUE(Sync("ann").ok);
-        const QString path = QStringLiteral("/ann/tarvo/%1.ics").arg(a->IDCode);
-        ASSERT_EQ(server
-                      .Request("PUT", "ann", path,
-                               Get(path).replace("SUMMARY:Original", "SUMMARY:Elsewhere"))
-                      .status,
-                  201);
-        if (changedLocally) {
-            a->setDesc("Owner's change");
-        }
-        const CalDavSyncResult r = Sync("ann");
-        ASSERT_TRUE(r.ok) << r.error.toStdString();
-        EXPECT_EQ(r.published, 1);
-        EXPECT_TRUE(Get(path).contains(QByteArray("SUMMARY:" + a->Desc().toUtf8())));
-    }
 }
 
 TEST_F(CalDavSyncTest, FailuresLeaveCacheAndStateAndALaterSyncCatchesUp) {
@@ -222,8 +210,8 @@ TEST_F(CalDavSyncTest, AnUnchangedResyncCostsOneRequestPerCollection) {
     EXPECT_EQ(r.eventsRead, 6);
     // A sync token the server no longer knows: each collection is listed
     // again, nothing downloaded again.
-    const QString stateFile = DataFiles::CalDavStateFile(U("ann").settings);
-    ASSERT_TRUE(WriteFileBytes(stateFile, U("ann").File(true).replace("/ns/sync/", "/ns/sync/x")));
+    ASSERT_TRUE(WriteFileBytes(DataFiles::CalDavStateFile(U("ann").settings),
+                               U("ann").File(true).replace("/ns/sync/", "/ns/sync/x")));
     r = Sync("ann");
     EXPECT_EQ(r.requests, 6) << r.error.toStdString();
     EXPECT_EQ(U("ann").File(false), cache);
@@ -237,17 +225,13 @@ TEST_F(CalDavSyncTest, ASilentServerDoesNotBlock) {
         SettingValue(QStringLiteral("http://127.0.0.1:%1/").arg(silent.serverPort())));
     U("ann").Add("100001", "Waiting");
     CalDavSync sync(U("ann").settings);
-    int ticks = 0;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
-    timer.start(10);
     QElapsedTimer clock;
     clock.start();
     sync.Start(U("ann").events, QStringLiteral("pw"));
     EXPECT_LT(clock.elapsed(), 100);
-    QTest::qWait(500);
+    QTest::qWait(500); // events keep flowing: a blocking wait would hold this up
+    EXPECT_LT(clock.elapsed(), 1500);
     EXPECT_TRUE(sync.Running());
-    EXPECT_GE(ticks, 10); // of about 50, leaving room for a busy machine
 }
 
 } // namespace

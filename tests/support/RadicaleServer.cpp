@@ -2,13 +2,18 @@
 
 #include <QDir>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QFile>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
+#include <QtCore/qtestsupport_core.h>
+
+// Also built into the sync benchmark, so it leans on no other test helper.
+static bool writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
 
 bool RadicaleServer::Start() {
     QTcpServer probe;
@@ -16,30 +21,28 @@ bool RadicaleServer::Start() {
         m_port = probe.serverPort();
         probe.close();
     }
-    QFile users(m_dir.filePath(QStringLiteral("users")));
-    QFile config(m_dir.filePath(QStringLiteral("config")));
+    QByteArray users;
+    for (const char* name : {"ann", "bob", "cy"}) {
+        users += QByteArray(name) + ':' + Password(QLatin1String(name)).toUtf8() + '\n';
+    }
+    const QString config = m_dir.filePath(QStringLiteral("config"));
     if (!QFile::exists(QStringLiteral("/usr/bin/radicale")) || m_port == 0 ||
-        !users.open(QIODevice::WriteOnly) || !config.open(QIODevice::WriteOnly)) {
+        !writeFile(m_dir.filePath(QStringLiteral("users")), users) ||
+        !writeFile(config, QStringLiteral("[server]\nhosts = 127.0.0.1:%1\n[auth]\ntype = "
+                                          "htpasswd\nhtpasswd_filename = %2/users\n"
+                                          "htpasswd_encryption = plain\n[rights]\ntype = "
+                                          "owner_write\n[storage]\nfilesystem_folder = "
+                                          "%2/storage\n[logging]\nlevel = warning\n")
+                               .arg(m_port)
+                               .arg(m_dir.path())
+                               .toUtf8())) {
         m_problem =
             QStringLiteral("/usr/bin/radicale, a free port or a temporary folder is missing");
         return false;
     }
-    for (const char* name : {"ann", "bob", "cy"}) {
-        users.write(QByteArray(name) + ':' + Password(QLatin1String(name)).toUtf8() + '\n');
-    }
-    config.write(QStringLiteral("[server]\nhosts = 127.0.0.1:%1\n[auth]\ntype = htpasswd\n"
-                                "htpasswd_filename = %2\nhtpasswd_encryption = plain\n"
-                                "[rights]\ntype = owner_write\n[storage]\nfilesystem_folder = %3\n"
-                                "[logging]\nlevel = warning\n")
-                     .arg(m_port)
-                     .arg(users.fileName(), m_dir.filePath(QStringLiteral("storage")))
-                     .toUtf8());
-    users.close();
-    config.close();
     m_process = std::make_unique<QProcess>();
     m_process->setProcessChannelMode(QProcess::MergedChannels);
-    m_process->start(QStringLiteral("/usr/bin/radicale"),
-                     {QStringLiteral("--config"), config.fileName()});
+    m_process->start(QStringLiteral("/usr/bin/radicale"), {QStringLiteral("--config"), config});
     QElapsedTimer clock;
     clock.start();
     while (clock.elapsed() < 15000 && m_process->waitForStarted(5000)) {
@@ -79,14 +82,7 @@ RadicaleServer::Reply RadicaleServer::Request(const QByteArray& verb, const QStr
     QNetworkRequest request(QUrl(Url()).resolved(QUrl(path)));
     request.setRawHeader("Authorization",
                          "Basic " + (user + QLatin1Char(':') + Password(user)).toUtf8().toBase64());
-    QNetworkReply* reply = manager.sendCustomRequest(request, verb, body);
-    QEventLoop loop;
-    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
-    QTimer::singleShot(10000, &loop, &QEventLoop::quit);
-    if (!reply->isFinished()) {
-        loop.exec();
-    }
-    Reply out{reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll()};
-    delete reply;
-    return out;
+    std::unique_ptr<QNetworkReply> reply(manager.sendCustomRequest(request, verb, body));
+    QTest::qWaitFor([&] { return reply->isFinished(); }, 10000);
+    return {reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), reply->readAll()};
 }

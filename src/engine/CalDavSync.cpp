@@ -1,12 +1,22 @@
 #include "engine/CalDavSync.h"
 
+#include "engine/caldav/CalDavCache.h"
+#include "engine/caldav/CalDavHttp.h"
+#include "engine/caldav/CalDavMultistatus.h"
+#include "engine/caldav/CalDavPublish.h"
+#include "engine/caldav/CalDavRead.h"
+#include "engine/caldav/CalDavState.h"
+#include "shared/Clock.h"
 #include "shared/cSHAREDSettings.h"
+#include "shared/cSharedLogging.h"
 #include "storage/DataFiles.h"
+#include "storage/clsLayers.h"
 
+#include <QPointer>
 #include <QTimer>
 
-// Placeholder until the protocol work lands: every sync fails at once.
-struct CalDavSync::Impl {};
+#include <map>
+#include <memory>
 
 QString CalDavSyncResult::Summary() const {
     return QStringLiteral("Published %1, removed %2; read %3 users, %4 events")
@@ -16,26 +26,256 @@ QString CalDavSyncResult::Summary() const {
         .arg(eventsRead);
 }
 
+namespace {
+
+const QString kModule = QStringLiteral("CalDavSync");
+
+// One sync, from the state and cache files to their new versions: the own
+// collection (read first while the server is new to this state), publishing,
+// the own collection again (a published resource changed by someone else is
+// written again at once), then every listed user's collection. Nothing is
+// written unless every step succeeded.
+class SyncRun : public QObject {
+public:
+    SyncRun(cSHAREDSettings& settings, const CalDavAccount& account, QString owner,
+            QList<CalDavPublish::Resource> wanted, const QString& password,
+            std::function<void(const CalDavSyncResult&)> finish)
+        : m_settings(settings), m_account(account), m_owner(std::move(owner)),
+          m_http(account.user, password, this), m_wanted(std::move(wanted)),
+          m_finish(std::move(finish)) {}
+
+    void Begin() {
+        m_state = CalDavState::Load(DataFiles::CalDavStateFile(m_settings),
+                                    m_account.server.toString(), m_account.user);
+        CalDavCache::Events cached =
+            CalDavCache::Load(m_settings, DataFiles::CalDavCacheFile(m_settings), m_state);
+        // The collections in reading order, own first; users no longer listed drop out.
+        QList<CalDavState::Collection> collections;
+        QStringList users{m_account.user};
+        users += m_account.users;
+        for (const QString& user : users) {
+            const CalDavState::Collection* known = m_state.Find(user);
+            collections.append(known != nullptr ? *known : CalDavState::Collection{user, {}, {}});
+            m_events[user] = cached.value(user);
+        }
+        m_state.collections = collections;
+        if (m_state.collections.first().token.isEmpty()) {
+            readOwn([this] { publish([this] { readOthers(0); }); });
+        } else {
+            publish([this] {
+                readOwn([this] {
+                    if (m_ownOutcome.publishedChanged) {
+                        publish([this] { readOthers(0); });
+                    } else {
+                        readOthers(0);
+                    }
+                });
+            });
+        }
+    }
+
+private:
+    CalDavRead::Collection collection(const QString& user, bool own) const {
+        return {m_account.CollectionUrl(user), user, own, m_owner, DateOnly(Clock::now())};
+    }
+
+    void readOwn(std::function<void()> next) {
+        m_ownOutcome = {};
+        CalDavRead::Run(m_http, collection(m_account.user, true), m_state,
+                        m_state.collections.first(), m_events[m_account.user], m_ownOutcome,
+                        [this, next](const CalDavProblem& p) { p.failed ? fail(p) : next(); });
+    }
+
+    void publish(std::function<void()> next) {
+        CalDavPublish::Run(m_http, m_account.CollectionUrl(m_account.user), m_wanted, m_state,
+                           m_counts,
+                           [this, next](const CalDavProblem& p) { p.failed ? fail(p) : next(); });
+    }
+
+    void readOthers(qsizetype index) {
+        if (index + 1 >= m_state.collections.size()) {
+            commit();
+            return;
+        }
+        CalDavState::Collection& kept = m_state.collections[index + 1];
+        auto outcome = std::make_shared<CalDavRead::Outcome>();
+        CalDavRead::Run(m_http, collection(kept.user, false), m_state, kept, m_events[kept.user],
+                        *outcome, [this, index, outcome](const CalDavProblem& p) {
+                            if (p.failed) {
+                                fail(p);
+                                return;
+                            }
+                            m_othersRead += outcome->answered ? 1 : 0;
+                            readOthers(index + 1);
+                        });
+    }
+
+    void commit() {
+        CalDavCache::Events all;
+        for (auto it = m_events.begin(); it != m_events.end(); ++it) {
+            all.insert(it->first, it->second);
+        }
+        const QList<EventPtr> events = CalDavCache::InStateOrder(m_state, all);
+        QString error =
+            CalDavCache::Save(m_settings, DataFiles::CalDavCacheFile(m_settings), events);
+        if (error.isEmpty()) {
+            error = m_state.Save(DataFiles::CalDavStateFile(m_settings));
+        }
+        if (!error.isEmpty()) {
+            fail(CalDavProblem::Text(error));
+            return;
+        }
+        m_result.ok = true;
+        m_result.published = m_counts.published;
+        m_result.removed = m_counts.removed;
+        m_result.usersRead = m_othersRead + (m_ownOutcome.answered ? 1 : 0);
+        m_result.eventsRead = static_cast<int>(events.size());
+        m_result.requests = m_http.Requests();
+        Log().AddAction(m_result.Summary() +
+                            QStringLiteral(" (%1 requests)").arg(m_result.requests),
+                        QStringLiteral("Sync"), kModule);
+        done();
+    }
+
+    void fail(const CalDavProblem& problem) {
+        m_result.ok = false;
+        m_result.unreachable = problem.unreachable;
+        m_result.error = problem.error;
+        m_result.requests = m_http.Requests();
+        Log().AddAction(QStringLiteral("Sync failed: ") + problem.error, QStringLiteral("Sync"),
+                        kModule);
+        done();
+    }
+
+    void done() {
+        if (m_finish) {
+            auto finish = std::move(m_finish);
+            m_finish = nullptr;
+            finish(m_result);
+        }
+    }
+
+    cSHAREDSettings& m_settings;
+    CalDavAccount m_account;
+    QString m_owner;
+    CalDavHttp m_http;
+    QList<CalDavPublish::Resource> m_wanted;
+    std::function<void(const CalDavSyncResult&)> m_finish;
+    CalDavState m_state;
+    std::map<QString, QHash<QString, EventPtr>> m_events; // references stay valid
+    CalDavRead::Outcome m_ownOutcome;
+    CalDavPublish::Counts m_counts;
+    int m_othersRead = 0;
+    CalDavSyncResult m_result;
+};
+
+} // namespace
+
+struct CalDavSync::Impl {
+    QPointer<SyncRun> run;
+    bool pending = false;
+    QList<EventPtr> pendingEvents;
+    QString pendingPassword;
+};
+
 CalDavSync::CalDavSync(cSHAREDSettings& settings, QObject* parent)
-    : QObject(parent), m_settings(settings) {}
+    : QObject(parent), m_settings(settings), m_impl(new Impl) {}
 
-CalDavSync::~CalDavSync() = default;
-
-void CalDavSync::Start(const QList<EventPtr>& /*localEvents*/, const QString& /*password*/) {
-    emit started();
-    QTimer::singleShot(0, this, [this] {
-        CalDavSyncResult result;
-        result.unreachable = true;
-        result.error = QStringLiteral("CalDAV sync is not available yet.");
-        emit finished(result);
-    });
+CalDavSync::~CalDavSync() {
+    delete m_impl->run;
+    delete m_impl;
 }
 
-bool CalDavSync::Running() const { return false; }
+void CalDavSync::Start(const QList<EventPtr>& localEvents, const QString& password) {
+    if (m_impl->run) {
+        // One more sync after this one, with the latest events.
+        m_impl->pending = true;
+        m_impl->pendingEvents.clear();
+        for (const EventPtr& e : localEvents) {
+            m_impl->pendingEvents.append(std::make_shared<clsEvent>(*e));
+        }
+        m_impl->pendingPassword = password;
+        return;
+    }
+    const CalDavAccount account = CalDavAccount::FromSettings(m_settings);
+    const QString owner =
+        m_settings.sGet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Not Set"))).toText();
+    emit started();
+    const QString problem = account.Problem();
+    if (!problem.isEmpty()) {
+        QTimer::singleShot(0, this, [this, problem] {
+            CalDavSyncResult result;
+            result.error = problem;
+            emit finished(result);
+        });
+        return;
+    }
+    clsLayers layers(m_settings);
+    auto* run = new SyncRun(m_settings, account, owner,
+                            CalDavPublish::SharedResources(localEvents, owner, layers), password,
+                            [this](const CalDavSyncResult& result) {
+                                m_impl->run->deleteLater();
+                                m_impl->run = nullptr;
+                                emit finished(result);
+                                if (m_impl->pending && !m_impl->run) {
+                                    m_impl->pending = false;
+                                    Start(m_impl->pendingEvents, m_impl->pendingPassword);
+                                }
+                            });
+    m_impl->run = run;
+    QTimer::singleShot(0, run, [run] { run->Begin(); });
+}
 
-void CalDavSync::TestConnection(const CalDavAccount& /*account*/, const QString& /*password*/,
+bool CalDavSync::Running() const {
+    return !m_impl->run.isNull();
+}
+
+void CalDavSync::TestConnection(const CalDavAccount& account, const QString& password,
                                 std::function<void(bool, const QString&)> done) {
-    QTimer::singleShot(0, this, [done] { done(false, QStringLiteral("Not available yet.")); });
+    const QString problem = account.Problem();
+    if (!problem.isEmpty()) {
+        QTimer::singleShot(0, this, [done, problem] { done(false, problem); });
+        return;
+    }
+    // Logging in (the user's own folder on the server), then each listed
+    // user's collection (this user's own is not counted: it is made by the
+    // first sync).
+    auto* http = new CalDavHttp(account.user, password, this);
+    const QByteArray body = CalDavMultistatus::PropfindBody();
+    const CalDavHttp::Headers headers{{"Depth", "0"},
+                                      {"Content-Type", "application/xml; charset=utf-8"}};
+    const QUrl home = account.server.resolved(
+        QUrl(QString::fromLatin1(QUrl::toPercentEncoding(account.user)) + QLatin1Char('/')));
+    http->Send("PROPFIND", home, body, headers, [=](const CalDavReply& login) {
+        if (!login.Ok() && login.status != 404) {
+            http->deleteLater();
+            done(false, CalDavErrorLine(login));
+            return;
+        }
+        QList<CalDavJobs::Job> jobs;
+        auto readable = std::make_shared<int>(0);
+        for (const QString& user : account.users) {
+            jobs.append([=](CalDavJobs::Finish finish) {
+                http->Send("PROPFIND", account.CollectionUrl(user), body, headers,
+                           [=](const CalDavReply& reply) {
+                               *readable += reply.Ok() ? 1 : 0;
+                               finish(reply.status == 0 ? CalDavProblem::From(reply)
+                                                        : CalDavProblem{});
+                           });
+            });
+        }
+        CalDavJobs::Run(jobs, 4, [=](const CalDavProblem& p) {
+            http->deleteLater();
+            if (p.failed) {
+                done(false, p.error);
+                return;
+            }
+            done(true, QStringLiteral("Connected as %1; %2 of %3 users' calendars readable")
+                           .arg(account.user)
+                           .arg(*readable)
+                           .arg(account.users.size()));
+        });
+    });
 }
 
 QString CalDavSync::CacheFile(const cSHAREDSettings& settings) {

@@ -20,6 +20,7 @@ struct CalDavSyncResult {
     int removed = 0;          // resources deleted
     int usersRead = 0;        // collections read (other users', and this user's own)
     int eventsRead = 0;       // events in the merged set written to the cache
+    int requests = 0;         // requests sent to the server
 
     // "Published 2, removed 1; read 2 users, 14 events"
     QString Summary() const;
@@ -47,7 +48,9 @@ public:
     bool Running() const;
 
     // Checks the account: "Connected as Ann; 3 of 3 users' calendars
-    // readable", or what went wrong. done(ok, line) follows later.
+    // readable" (the users of CalDAVUsers, this user's own collection not
+    // counted: the first sync makes it), or what went wrong. done(ok, line)
+    // follows later.
     void TestConnection(const CalDavAccount& account, const QString& password,
                         std::function<void(bool ok, const QString& line)> done);
 

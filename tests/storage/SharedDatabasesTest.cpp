@@ -231,33 +231,19 @@ TEST_F(SharedFolder, TheServersCacheIsTheMergedSetAndTheFolderStaysUntouched) {
     ann.settings.sSet(QStringLiteral("NetworkMode"), SettingValue(QStringLiteral("caldav")));
     ann.settings.sSet(QStringLiteral("DataPath"), SettingValue(home.path()));
     const QString cache = DataFiles::CalDavCacheFile(ann.settings);
-    {
-        cSHAREDSettings other;
-        clsDbXml written(other);
-        written.SetDBFilename(cache);
-        const struct {
-            const char* desc;
-            const char* owner;
-            const char* layerName;
-            const char* onlyFor;
-        } rows[] = {{"bob to all", "Bob", "Shared", ""},
-                    {"bob work for Ann", "Bob", "Work", "Ann"},
-                    {"carl for Dave only", "Carl", "Shared", "Dave"}};
-        for (const auto& r : rows) {
-            EventPtr e = MakeEvent(r.desc, r.owner);
-            e->SharedLayerName = r.layerName;
-            e->ShareWithSpecific = *r.onlyFor != 0;
-            e->ShareNames = QString::fromLatin1(r.onlyFor) + "\r\n";
-            written.StoreRecord(e);
-        }
-        written.SaveDB();
-    }
-    const QByteArray cacheBytes = ReadFileBytes(cache);
+    const QByteArray cacheBytes =
+        Header() + "<TVO2>\r\n<EVENT><Desc>bob%20to%20all</Desc><Owner>Bob</Owner></EVENT>\r\n"
+                   "<EVENT><Desc>bob%20work</Desc><Owner>Bob</Owner><SharedLayerName>Work"
+                   "</SharedLayerName><ShareWithSpecific>-1</ShareWithSpecific><ShareNames>"
+                   "Ann%0D%0A</ShareNames></EVENT>\r\n<EVENT><Desc>carl%20for%20Dave</Desc>"
+                   "<Owner>Carl</Owner><ShareWithSpecific>-1</ShareWithSpecific><ShareNames>"
+                   "Dave%0D%0A</ShareNames></EVENT>\r\n</TVO2>\r\n";
+    ASSERT_TRUE(WriteFileBytes(cache, cacheBytes));
 
     clsDbXml expired(ann.settings, &ann.layers);
     DataFiles::LoadDatabases(ann.settings, *ann.local, expired, *ann.shared);
     clsDbXml& set = ann.shared->SharedSet();
-    EXPECT_EQ(ann.SharedDescs(), (QStringList{"bob to all", "bob work for Ann"}));
+    EXPECT_EQ(ann.SharedDescs(), (QStringList{"bob to all", "bob work"}));
     EXPECT_EQ(ann.layers.Layer(set.Events().at(1)->Layer()), "Work");
     EXPECT_FALSE(ann.local->Publishing()) << "the sync publishes, not the folder";
 

@@ -38,5 +38,5 @@ TEST_P(FuzzReplay, EveryCheckedInInputPasses) {
 INSTANTIATE_TEST_SUITE_P(Targets, FuzzReplay,
                          ::testing::Values("event_file", "shared_set", "legacy_dat",
                                            "settings_file", "task_list", "sounds_table",
-                                           "ics_import"),
+                                           "ics_import", "caldav_answer"),
                          [](const auto& info) { return std::string(info.param); });

@@ -40,6 +40,9 @@ as "$ann" ann-secret 0 --add "Picnic" --date 2030-06-03 --category Shared
 as "$ann" ann-secret 0 --sync
 [[ "$out" =~ $summary ]] || e2e_fail "--sync said: $out"
 [ -f "$ann/CalDAVState.json" ] || e2e_fail "Ann's sync left no state file"
+# On the server: each shared event of Ann's as <IDCode>.ics, with Tarvo's fields.
+picnic="$E2E_DIR/server/collections/collection-root/Ann/tarvo/$(e2e_id_of "$ann/Events.xml" Picnic).ics"
+grep -q '^X-TARVO-' "$picnic" || e2e_fail "no $picnic with X-TARVO- fields on the server"
 
 as "$bob" bob-secret 0 --sync
 [[ "$out" =~ $summary ]] || e2e_fail "Bob's --sync said: $out"

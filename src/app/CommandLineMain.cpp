@@ -156,7 +156,7 @@ int exportTo(const QString& file) {
 
 // One sync of the events database as loaded at start, with its result in the log.
 CalDavSyncResult syncHome(Home& home) {
-    const CalDavSyncResult result = CommandLineSync::Run(home.settings, home.events.Events());
+    CalDavSyncResult result = CommandLineSync::Run(home.settings, home.events.Events());
     Log().AddAction(QStringLiteral("Command line sync: ") +
                         (result.ok ? result.Summary() : result.error),
                     QStringLiteral("RunCommandLine"), QStringLiteral("CommandLineMain"));

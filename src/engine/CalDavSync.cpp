@@ -79,16 +79,16 @@ private:
         return {m_account.CollectionUrl(user), user, own, m_owner, DateOnly(Clock::now())};
     }
 
-    void readOwn(std::function<void()> next) {
+    void readOwn(const std::function<void()>& next) {
         m_ownOutcome = {};
         CalDavRead::Run(m_http, collection(m_account.user, true), m_state,
                         m_state.collections.first(), m_events[m_account.user], m_ownOutcome,
                         [this, next](const CalDavProblem& p) { p.failed ? fail(p) : next(); });
     }
 
-    void publish(std::function<void()> next) {
-        CalDavPublish::Run(m_http, m_account.CollectionUrl(m_account.user), m_wanted, m_state,
-                           m_counts,
+    void publish(const std::function<void()>& next) {
+        CalDavPublish::Run(m_http, m_account.CollectionUrl(m_account.user), m_wanted, m_owner,
+                           m_state, m_counts,
                            [this, next](const CalDavProblem& p) { p.failed ? fail(p) : next(); });
     }
 
@@ -211,6 +211,7 @@ void CalDavSync::Start(const QList<EventPtr>& localEvents, const QString& passwo
         return;
     }
     clsLayers layers(m_settings);
+    layers.LoadLayers();
     auto* run = new SyncRun(m_settings, account, owner,
                             CalDavPublish::SharedResources(localEvents, owner, layers), password,
                             [this](const CalDavSyncResult& result) {
@@ -246,36 +247,37 @@ void CalDavSync::TestConnection(const CalDavAccount& account, const QString& pas
                                       {"Content-Type", "application/xml; charset=utf-8"}};
     const QUrl home = account.server.resolved(
         QUrl(QString::fromLatin1(QUrl::toPercentEncoding(account.user)) + QLatin1Char('/')));
-    http->Send("PROPFIND", home, body, headers, [=](const CalDavReply& login) {
-        if (!login.Ok() && login.status != 404) {
-            http->deleteLater();
-            done(false, CalDavErrorLine(login));
-            return;
-        }
-        QList<CalDavJobs::Job> jobs;
-        auto readable = std::make_shared<int>(0);
-        for (const QString& user : account.users) {
-            jobs.append([=](CalDavJobs::Finish finish) {
-                http->Send("PROPFIND", account.CollectionUrl(user), body, headers,
-                           [=](const CalDavReply& reply) {
-                               *readable += reply.Ok() ? 1 : 0;
-                               finish(reply.status == 0 ? CalDavProblem::From(reply)
-                                                        : CalDavProblem{});
-                           });
-            });
-        }
-        CalDavJobs::Run(jobs, 4, [=](const CalDavProblem& p) {
-            http->deleteLater();
-            if (p.failed) {
-                done(false, p.error);
+    http->Send(
+        "PROPFIND", home, body, headers, [=, done = std::move(done)](const CalDavReply& login) {
+            if (!login.Ok() && login.status != 404) {
+                http->deleteLater();
+                done(false, CalDavErrorLine(login));
                 return;
             }
-            done(true, QStringLiteral("Connected as %1; %2 of %3 users' calendars readable")
-                           .arg(account.user)
-                           .arg(*readable)
-                           .arg(account.users.size()));
+            QList<CalDavJobs::Job> jobs;
+            auto readable = std::make_shared<int>(0);
+            for (const QString& user : account.users) {
+                jobs.append([=](const CalDavJobs::Finish& finish) {
+                    http->Send("PROPFIND", account.CollectionUrl(user), body, headers,
+                               [=](const CalDavReply& reply) {
+                                   *readable += reply.Ok() ? 1 : 0;
+                                   finish(reply.status == 0 ? CalDavProblem::From(reply)
+                                                            : CalDavProblem{});
+                               });
+                });
+            }
+            CalDavJobs::Run(jobs, 4, [=](const CalDavProblem& p) {
+                http->deleteLater();
+                if (p.failed) {
+                    done(false, p.error);
+                    return;
+                }
+                done(true, QStringLiteral("Connected as %1; %2 of %3 users' calendars readable")
+                               .arg(account.user)
+                               .arg(*readable)
+                               .arg(account.users.size()));
+            });
         });
-    });
 }
 
 QString CalDavSync::CacheFile(const cSHAREDSettings& settings) {

@@ -4,6 +4,7 @@
 #include "shared/cSHAREDSettings.h"
 #include "storage/DataFiles.h"
 #include "storage/clsDbXml.h"
+#include "storage/clsLayers.h"
 #include "support/RadicaleServer.h"
 #include "support/TestSupport.h"
 
@@ -20,41 +21,58 @@ namespace {
 
 // One user's Tarvo: settings, data folder and local events.
 struct User {
-    QString name;
     QTemporaryDir data;
     cSHAREDSettings settings;
     QList<EventPtr> events;
 
-    User(const QString& n, const QString& url, const QString& others) : name(n) {
-        settings.sSet(QStringLiteral("Owner"), SettingValue(n));
-        settings.sSet(QStringLiteral("DataPath"), SettingValue(data.path()));
+    User(const QString& name, const QString& url) {
+        const QString values[][2] = {{"Owner", name},           {"DataPath", data.path()},
+                                     {"NetworkMode", "caldav"}, {"CalDAVUrl", url},
+                                     {"CalDAVUser", name},      {"CalDAVUsers", "ann, bob, cy"}};
+        for (const auto& [key, value] : values) {
+            settings.sSet(key, SettingValue(value));
+        }
         settings.sSet(QStringLiteral("Networked"), SettingValue(true));
-        settings.sSet(QStringLiteral("NetworkMode"), SettingValue(QStringLiteral("caldav")));
-        settings.sSet(QStringLiteral("CalDAVUrl"), SettingValue(url));
-        settings.sSet(QStringLiteral("CalDAVUser"), SettingValue(n));
-        settings.sSet(QStringLiteral("CalDAVUsers"), SettingValue(others));
     }
     EventPtr Add(const QString& id, const QString& desc, int layer = 0) {
         auto e = std::make_shared<clsEvent>();
         e->IDCode = id;
-        e->setOwner(name);
+        e->setOwner(settings.sGet(QStringLiteral("Owner")).toText());
         e->setDesc(desc);
         e->setLayer(static_cast<int16_t>(layer));
         e->setDueDate(D(QStringLiteral("2031-05-04")));
         events.append(e);
         return e;
     }
-    // The cache's events as "owner:desc", as stored, or as a networked load shows them.
-    QStringList Cache(bool networked = false) {
+    QList<EventPtr> Cache(bool networked = false) {
         clsDbXml db(settings);
-        db.setNetworked(networked);
+        db.setNetworked(networked); // as storage loads it: the share-with filter applies
         db.LoadDB(DataFiles::CalDavCacheFile(settings));
+        return db.Events();
+    }
+    // The cache's events as "owner:desc/layer name", sorted.
+    QStringList Shown(bool networked = false) {
         QStringList out;
-        for (const EventPtr& e : db.Events()) {
-            out << e->Owner() + QLatin1Char(':') + e->Desc();
+        for (const EventPtr& e : Cache(networked)) {
+            out << e->Owner() + QLatin1Char(':') + e->Desc() + QLatin1Char('/') +
+                       e->SharedLayerName;
         }
         out.sort();
         return out;
+    }
+    QByteArray File(bool state) {
+        return ReadFileBytes(state ? DataFiles::CalDavStateFile(settings)
+                                   : DataFiles::CalDavCacheFile(settings));
+    }
+    // TestConnection's answer: "ok: line" or "failed: line".
+    QString TestConnection(const QString& password) {
+        CalDavSync sync(settings);
+        QString answer;
+        sync.TestConnection(
+            CalDavAccount::FromSettings(settings), password,
+            [&](bool ok, const QString& line) { answer = (ok ? "ok: " : "failed: ") + line; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !answer.isEmpty(); }, 20000));
+        return answer;
     }
 };
 
@@ -63,16 +81,15 @@ protected:
     void SetUp() override {
         START_RADICALE_OR_SKIP(server);
         for (const char* n : {"ann", "bob", "cy"}) {
-            users[n] = std::make_unique<User>(QString::fromLatin1(n), server.Url(),
-                                              QStringLiteral("ann, bob, cy"));
+            users[n] = std::make_unique<User>(QLatin1String(n), server.Url());
         }
     }
     User& U(const char* n) { return *users.at(n); }
-
-    CalDavSyncResult Sync(User& u, const QString& password = {}) {
-        CalDavSync sync(u.settings);
+    CalDavSyncResult Sync(const char* name, const QString& password = {}) {
+        CalDavSync sync(U(name).settings);
         QSignalSpy spy(&sync, &CalDavSync::finished);
-        sync.Start(u.events, password.isEmpty() ? server.Password(u.name) : password);
+        sync.Start(U(name).events,
+                   password.isEmpty() ? server.Password(QLatin1String(name)) : password);
         EXPECT_TRUE(spy.wait(60000));
         return spy.isEmpty() ? CalDavSyncResult{} : spy.at(0).at(0).value<CalDavSyncResult>();
     }
@@ -85,6 +102,7 @@ protected:
 
 TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCaches) {
     User& ann = U("ann");
+    ann.settings.sSet(clsLayers::SettingKey(3), SettingValue(QStringLiteral("Work")));
     EventPtr a = ann.Add("100001", "Team lunch");
     EventPtr b = ann.Add("100002", "Flagged", 3);
     b->SharedEvent = true;
@@ -92,184 +110,144 @@ TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOthersCa
     EventPtr c = ann.Add("100004", "Only for cy");
     c->ShareWithSpecific = true;
     c->ShareNames = QStringLiteral("cy\r\n");
-    struct Step {
+    const struct {
         std::function<void()> change;
-        QStringList resources;
+        QString resources; // ann's collection after the sync
         QString summary;
     } steps[] = {
-        {[] {},
-         {"100001.ics", "100002.ics", "100004.ics"},
-         "Published 3, removed 0; read 1 users, 0 events"},
-        {[&] { a->setDesc("Team lunch moved"); },
-         {"100001.ics", "100002.ics", "100004.ics"},
+        {[] {}, "100001 100002 100004", "Published 3, removed 0; read 1 users, 0 events"},
+        {[&] { a->setDesc("Moved"); }, "100001 100002 100004",
          "Published 1, removed 0; read 1 users, 0 events"},
-        {[&] { b->SharedEvent = false; },
-         {"100001.ics", "100004.ics"},
+        {[&] { b->SharedEvent = false; }, "100001 100004",
          "Published 0, removed 1; read 2 users, 0 events"},
-        {[&] { a->Deleted = true; },
-         {"100004.ics"},
-         "Published 0, removed 1; read 2 users, 0 events"},
+        {[&] { a->Deleted = true; }, "100004", "Published 0, removed 1; read 2 users, 0 events"},
     };
-    for (const Step& step : steps) {
+    for (const auto& step : steps) {
         step.change();
-        const CalDavSyncResult r = Sync(ann);
+        const CalDavSyncResult r = Sync("ann");
         ASSERT_TRUE(r.ok) << r.error.toStdString();
         EXPECT_EQ(r.Summary(), step.summary);
-        EXPECT_EQ(server.Resources("ann"), step.resources);
+        EXPECT_EQ(server.Resources("ann").join(' ').remove(".ics"), step.resources);
         if (&step == &steps[1]) {
-            EXPECT_TRUE(Get("/ann/tarvo/100001.ics").contains("SUMMARY:Team lunch moved"));
-            // Bob sees every shared event; the one for cy only until storage loads it.
-            ASSERT_TRUE(Sync(U("bob")).ok);
-            EXPECT_EQ(U("bob").Cache(),
-                      QStringList({"ann:Flagged", "ann:Only for cy", "ann:Team lunch moved"}));
-            EXPECT_EQ(U("bob").Cache(true), QStringList({"ann:Flagged", "ann:Team lunch moved"}));
+            EXPECT_TRUE(Get("/ann/tarvo/100001.ics").contains("SUMMARY:Moved"));
+            ASSERT_TRUE(Sync("bob").ok);
+            EXPECT_EQ(U("bob").Shown(), QStringList({"ann:Flagged/Work", "ann:Moved/Shared",
+                                                     "ann:Only for cy/Shared"}));
+            EXPECT_EQ(U("bob").Shown(true), QStringList({"ann:Flagged/Work", "ann:Moved/Shared"}));
         }
     }
-    ASSERT_TRUE(Sync(U("bob")).ok);
-    EXPECT_EQ(U("bob").Cache(), QStringList({"ann:Only for cy"}));
+    ASSERT_TRUE(Sync("bob").ok);
+    EXPECT_EQ(U("bob").Shown(), QStringList({"ann:Only for cy/Shared"}));
 }
 
 TEST_F(CalDavSyncTest, AnotherClientsEventSurvivesTheOwnersSyncAndReachesBothCaches) {
-    User& ann = U("ann");
-    ann.Add("100001", "Team lunch");
-    ASSERT_TRUE(Sync(ann).ok);
+    U("ann").Add("100001", "Team lunch");
+    ASSERT_TRUE(Sync("ann").ok);
     const QByteArray phone = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Phone//EN\r\n"
                              "BEGIN:VEVENT\r\nUID:phone-1\r\nDTSTAMP:20260101T000000Z\r\n"
                              "DTSTART;TZID=Europe/Berlin:20310601T100000\r\nSUMMARY:Dentist\r\n"
                              "END:VEVENT\r\nEND:VCALENDAR\r\n";
-    ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/phone-1.ics", phone).status, 201);
-    const QByteArray stored = Get("/ann/tarvo/phone-1.ics");
-    ann.events.clear(); // Tarvo unpublishes its own event, never the phone's
-    ASSERT_TRUE(Sync(ann).ok);
-    EXPECT_EQ(server.Resources("ann"), QStringList({"phone-1.ics"}));
-    EXPECT_EQ(Get("/ann/tarvo/phone-1.ics"), stored);
-    ASSERT_TRUE(Sync(U("bob")).ok);
-    EXPECT_EQ(ann.Cache(), QStringList({"ann:Dentist"}));
-    EXPECT_EQ(U("bob").Cache(), QStringList({"ann:Dentist"}));
-    // Read in local time (the tests run in UTC), with an ID code of its own.
-    clsDbXml db(U("bob").settings);
-    db.LoadDB(DataFiles::CalDavCacheFile(U("bob").settings));
-    ASSERT_EQ(db.Events().size(), 1);
-    EXPECT_EQ(FormatYMDHM(db.Events().at(0)->DueDate() + db.Events().at(0)->DueTime()),
-              QStringLiteral("2031-06-01 08:00"));
-    EXPECT_EQ(db.Events().at(0)->IDCode.size(), 6);
+    // Named as a Tarvo event of ann's that is shared next.
+    ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/100002.ics", phone).status, 201);
+    const QByteArray stored = Get("/ann/tarvo/100002.ics");
+    U("ann").events.clear(); // Tarvo unpublishes its own event, never the phone's
+    U("ann").Add("100002", "Not over the phone's");
+    ASSERT_TRUE(Sync("ann").ok);
+    ASSERT_TRUE(Sync("bob").ok);
+    EXPECT_EQ(server.Resources("ann"), QStringList({"100002.ics"}));
+    EXPECT_EQ(Get("/ann/tarvo/100002.ics"), stored);
+    EXPECT_EQ(U("ann").Shown(), QStringList({"ann:Dentist/"}));
+    ASSERT_EQ(U("bob").Shown(), QStringList({"ann:Dentist/"}));
+    // In local time (the tests run in UTC), with an ID code of its own.
+    const EventPtr e = U("bob").Cache().at(0);
+    EXPECT_EQ(FormatYMDHM(e->DueDate() + e->DueTime()), QStringLiteral("2031-06-01 08:00"));
+    EXPECT_EQ(e->IDCode.size(), 6);
 }
 
 TEST_F(CalDavSyncTest, TheOwnersCopyWinsOverAChangeBehindItsBack) {
     // Changed locally too (the write meets a 412), or not (the read notices).
     for (bool changedLocally : {true, false}) {
-        User& ann = U("ann");
-        ann.events.clear();
-        EventPtr a = ann.Add(changedLocally ? "200001" : "200002", "Original");
-        ASSERT_TRUE(Sync(ann).ok);
-        const QString path = QStringLiteral("/ann/tarvo/") + a->IDCode + QStringLiteral(".ics");
-        QByteArray other = Get(path);
-        other.replace("SUMMARY:Original", "SUMMARY:Changed elsewhere");
-        ASSERT_EQ(server.Request("PUT", "ann", path, other).status, 201);
+        U("ann").events.clear();
+        EventPtr a = U("ann").Add(changedLocally ? "200001" : "200002", "Original");
+        ASSERT_TRUE(Sync("ann").ok);
+        const QString path = QStringLiteral("/ann/tarvo/%1.ics").arg(a->IDCode);
+        ASSERT_EQ(server
+                      .Request("PUT", "ann", path,
+                               Get(path).replace("SUMMARY:Original", "SUMMARY:Elsewhere"))
+                      .status,
+                  201);
         if (changedLocally) {
             a->setDesc("Owner's change");
         }
-        const CalDavSyncResult r = Sync(ann);
+        const CalDavSyncResult r = Sync("ann");
         ASSERT_TRUE(r.ok) << r.error.toStdString();
         EXPECT_EQ(r.published, 1);
-        EXPECT_TRUE(Get(path).contains(QByteArray(QByteArray("SUMMARY:") + a->Desc().toUtf8())))
-            << changedLocally;
+        EXPECT_TRUE(Get(path).contains(QByteArray("SUMMARY:" + a->Desc().toUtf8())));
     }
 }
 
 TEST_F(CalDavSyncTest, FailuresLeaveCacheAndStateAndALaterSyncCatchesUp) {
-    User& ann = U("ann");
-    EventPtr a = ann.Add("100001", "Before");
-    ASSERT_TRUE(Sync(ann).ok);
-    const QByteArray cache = ReadFileBytes(DataFiles::CalDavCacheFile(ann.settings));
-    const QByteArray state = ReadFileBytes(DataFiles::CalDavStateFile(ann.settings));
+    EventPtr a = U("ann").Add("100001", "Before");
+    ASSERT_TRUE(Sync("ann").ok);
+    const QByteArray cache = U("ann").File(false), state = U("ann").File(true);
     a->setDesc("Offline change");
-
-    CalDavSyncResult r = Sync(ann, QStringLiteral("wrong"));
-    EXPECT_FALSE(r.ok);
-    EXPECT_FALSE(r.unreachable);
+    CalDavSyncResult r = Sync("ann", QStringLiteral("wrong"));
+    EXPECT_FALSE(r.ok || r.unreachable);
     EXPECT_EQ(r.error, "The CalDAV server refused the user name or password (401 Unauthorized)");
-
+    EXPECT_EQ(U("ann").TestConnection("wrong"), "failed: " + r.error);
+    ASSERT_TRUE(Sync("bob").ok); // cy has no collection yet
+    EXPECT_EQ(U("ann").TestConnection("pw-ann"),
+              "ok: Connected as ann; 1 of 2 users' calendars readable");
     server.Stop();
-    r = Sync(ann);
-    EXPECT_FALSE(r.ok);
-    EXPECT_TRUE(r.unreachable) << r.error.toStdString();
-    EXPECT_EQ(ReadFileBytes(DataFiles::CalDavCacheFile(ann.settings)), cache);
-    EXPECT_EQ(ReadFileBytes(DataFiles::CalDavStateFile(ann.settings)), state);
-
+    r = Sync("ann");
+    EXPECT_TRUE(!r.ok && r.unreachable) << r.error.toStdString();
+    EXPECT_EQ(U("ann").File(false), cache);
+    EXPECT_EQ(U("ann").File(true), state);
     ASSERT_TRUE(server.Start());
-    r = Sync(ann);
-    ASSERT_TRUE(r.ok) << r.error.toStdString();
-    EXPECT_EQ(r.published, 1);
+    r = Sync("ann");
+    EXPECT_EQ(r.published, 1) << r.error.toStdString();
     EXPECT_TRUE(Get("/ann/tarvo/100001.ics").contains("SUMMARY:Offline change"));
 }
 
 TEST_F(CalDavSyncTest, AnUnchangedResyncCostsOneRequestPerCollection) {
-    for (const char* n : {"bob", "cy"}) {
+    for (const char* n : {"bob", "cy", "ann"}) {
         for (int i = 0; i < 3; ++i) {
             U(n).Add(QStringLiteral("30000%1").arg(i), QStringLiteral("Event %1").arg(i));
         }
-        ASSERT_TRUE(Sync(U(n)).ok);
+        ASSERT_TRUE(Sync(n).ok);
     }
-    User& ann = U("ann");
-    ASSERT_TRUE(Sync(ann).ok);
-    const QByteArray cache = ReadFileBytes(DataFiles::CalDavCacheFile(ann.settings));
-    CalDavSyncResult r = Sync(ann);
+    const QByteArray cache = U("ann").File(false);
+    CalDavSyncResult r = Sync("ann");
     EXPECT_EQ(r.requests, 3);
     EXPECT_EQ(r.eventsRead, 6);
-    // A sync token the server no longer knows: everything is listed again,
-    // nothing downloaded again.
-    const QString stateFile = DataFiles::CalDavStateFile(ann.settings);
-    QByteArray state = ReadFileBytes(stateFile);
-    state.replace("http://radicale.org/ns/sync/", "http://radicale.org/ns/sync/x");
-    ASSERT_TRUE(WriteFileBytes(stateFile, state));
-    r = Sync(ann);
-    ASSERT_TRUE(r.ok) << r.error.toStdString();
-    EXPECT_EQ(r.requests, 6);
-    EXPECT_EQ(ReadFileBytes(DataFiles::CalDavCacheFile(ann.settings)), cache);
+    // A sync token the server no longer knows: each collection is listed
+    // again, nothing downloaded again.
+    const QString stateFile = DataFiles::CalDavStateFile(U("ann").settings);
+    ASSERT_TRUE(WriteFileBytes(stateFile, U("ann").File(true).replace("/ns/sync/", "/ns/sync/x")));
+    r = Sync("ann");
+    EXPECT_EQ(r.requests, 6) << r.error.toStdString();
+    EXPECT_EQ(U("ann").File(false), cache);
 }
 
 TEST_F(CalDavSyncTest, ASilentServerDoesNotBlock) {
     QTcpServer silent; // accepts and never answers
     ASSERT_TRUE(silent.listen(QHostAddress::LocalHost, 0));
-    User& ann = U("ann");
-    ann.settings.sSet(
+    U("ann").settings.sSet(
         QStringLiteral("CalDAVUrl"),
         SettingValue(QStringLiteral("http://127.0.0.1:%1/").arg(silent.serverPort())));
-    ann.Add("100001", "Waiting");
-    CalDavSync sync(ann.settings);
+    U("ann").Add("100001", "Waiting");
+    CalDavSync sync(U("ann").settings);
     int ticks = 0;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] { ++ticks; });
     timer.start(10);
     QElapsedTimer clock;
     clock.start();
-    sync.Start(ann.events, QStringLiteral("pw"));
+    sync.Start(U("ann").events, QStringLiteral("pw"));
     EXPECT_LT(clock.elapsed(), 100);
     QTest::qWait(500);
     EXPECT_TRUE(sync.Running());
-    EXPECT_GE(ticks, 20);
-}
-
-TEST_F(CalDavSyncTest, TestConnectionSaysWhoAndHowManyCalendarsAreReadable) {
-    ASSERT_TRUE(Sync(U("bob")).ok); // cy has no collection yet
-    struct Row {
-        QString password;
-        bool ok;
-        QString line;
-    } rows[] = {
-        {"pw-ann", true, "Connected as ann; 1 of 2 users' calendars readable"},
-        {"wrong", false, "The CalDAV server refused the user name or password (401 Unauthorized)"},
-    };
-    for (const Row& row : rows) {
-        CalDavSync sync(U("ann").settings);
-        std::optional<std::pair<bool, QString>> answer;
-        sync.TestConnection(CalDavAccount::FromSettings(U("ann").settings), row.password,
-                            [&](bool ok, const QString& line) { answer.emplace(ok, line); });
-        ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }, 20000));
-        EXPECT_EQ(answer->first, row.ok);
-        EXPECT_EQ(answer->second, row.line);
-    }
+    EXPECT_GE(ticks, 10); // of about 50, leaving room for a busy machine
 }
 
 } // namespace

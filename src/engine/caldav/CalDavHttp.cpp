@@ -81,6 +81,9 @@ void CalDavHttp::Send(const QByteArray& verb, const QUrl& url, const QByteArray&
     QNetworkRequest request(url);
     request.setRawHeader("Authorization", m_authorization);
     request.setTransferTimeout(m_timeoutMs);
+    // The password goes with every request: never to another server.
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::SameOriginRedirectPolicy);
     request.setAttribute(QNetworkRequest::CacheLoadControlAttribute,
                          QNetworkRequest::AlwaysNetwork);
     for (const auto& [name, value] : headers) {

@@ -23,12 +23,13 @@ int statusOf(const QString& line) {
     return parts.size() >= 2 ? parts.at(1).toInt() : 0;
 }
 
-QString pathOf(const QString& href) {
-    const QUrl url(href.trimmed());
-    return url.path(QUrl::FullyDecoded);
+// "" for an href that names no path on a server ("http:x", "mailto:a").
+QString pathOf(const QString& href, const QUrl& request) {
+    const QString path = request.resolved(QUrl(href.trimmed())).path(QUrl::FullyDecoded);
+    return path.startsWith(QLatin1Char('/')) ? path : QString();
 }
 
-void readResponse(QXmlStreamReader& xml, Answer& out) {
+void readResponse(QXmlStreamReader& xml, const QUrl& request, Answer& out) {
     Resource r;
     int propStatus = 0;
     QString etag;
@@ -55,7 +56,7 @@ void readResponse(QXmlStreamReader& xml, Answer& out) {
             continue;
         }
         if (is(xml, kDav, "href") && r.href.isEmpty()) {
-            r.href = pathOf(xml.readElementText());
+            r.href = pathOf(xml.readElementText(), request);
         } else if (is(xml, kDav, "status")) {
             const int status = statusOf(xml.readElementText());
             if (depth == 1) {
@@ -78,9 +79,9 @@ void readResponse(QXmlStreamReader& xml, Answer& out) {
 
 } // namespace
 
-Answer Parse(const QByteArray& bytes) {
+Answer Parse(const QByteArray& xmlBytes, const QUrl& request) {
     Answer out;
-    QXmlStreamReader xml(bytes);
+    QXmlStreamReader xml(xmlBytes);
     bool root = false;
     while (!xml.atEnd()) {
         xml.readNext();
@@ -102,7 +103,7 @@ Answer Parse(const QByteArray& bytes) {
             continue;
         }
         if (is(xml, kDav, "response")) {
-            readResponse(xml, out);
+            readResponse(xml, request, out);
         } else if (is(xml, kDav, "sync-token")) {
             out.syncToken = xml.readElementText().trimmed();
         }

@@ -4,6 +4,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 
 // The XML a calendar server answers to REPORT and PROPFIND (a DAV
 // multistatus), and the request bodies of the reports a sync sends.
@@ -24,9 +25,10 @@ struct Answer {
     QString problem;    // why the bytes are no multistatus or error body; "" when they are
 };
 
-// Reads a multistatus (or a DAV error body). Hrefs may be paths or whole
-// addresses; both come back as decoded paths.
-Answer Parse(const QByteArray& xml);
+// Reads a multistatus (or a DAV error body). Hrefs may be whole addresses,
+// paths or relative to the address asked (request); all come back as
+// decoded paths.
+Answer Parse(const QByteArray& xmlBytes, const QUrl& request);
 
 // REPORT sync-collection asking for the ETags of what changed since token
 // (everything when token is "").

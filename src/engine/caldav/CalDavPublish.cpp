@@ -1,5 +1,6 @@
 #include "engine/caldav/CalDavPublish.h"
 
+#include "shared/Clock.h"
 #include "shared/OwnerId.h"
 #include "shared/cSharedLogging.h"
 #include "storage/IcsEventMapping.h"
@@ -20,22 +21,36 @@ QUrl resourceUrl(const QUrl& collection, const QString& name) {
     return collection.resolved(QUrl(QString::fromLatin1(QUrl::toPercentEncoding(name))));
 }
 
+// Whether a resource's calendar data is an event this user's Tarvo wrote.
+bool publishedBy(const QByteArray& ics, const QString& owner) {
+    const IcsEventMapping::Calendar calendar = IcsEventMapping::ParseCalendar(ics);
+    for (icalcomponent* v : calendar.events) {
+        const IcsEventMapping::ReadEvent read =
+            IcsEventMapping::FromVEvent(v, DateOnly(Clock::now()), IcsEventMapping::Options{true});
+        return read.tarvoFields && OwnerId::Same(read.event->Owner(), owner);
+    }
+    return false;
+}
+
 // One resource written (or deleted) with the precondition its recorded ETag
 // gives; after a 412 the current ETag is fetched and the request made once
-// more with it.
+// more with it. A new name that is taken already is written over only when
+// the resource there is this user's own from Tarvo (published by a sync
+// whose state was not kept); another program's resource stays as it is.
 struct Writer : std::enable_shared_from_this<Writer> {
     CalDavHttp& http;
     QUrl url;
     QString name;
     const Resource* resource; // null: delete
+    QString owner;
     CalDavState& state;
     Counts& counts;
     CalDavJobs::Finish done;
 
-    Writer(CalDavHttp& h, QUrl u, QString n, const Resource* r, CalDavState& s, Counts& c,
-           CalDavJobs::Finish d)
-        : http(h), url(std::move(u)), name(std::move(n)), resource(r), state(s), counts(c),
-          done(std::move(d)) {}
+    Writer(CalDavHttp& h, QUrl u, QString n, const Resource* r, QString o, CalDavState& s,
+           Counts& c, CalDavJobs::Finish d)
+        : http(h), url(std::move(u)), name(std::move(n)), resource(r), owner(std::move(o)),
+          state(s), counts(c), done(std::move(d)) {}
 
     void send(const QByteArray& etag, bool retried) {
         CalDavHttp::Headers headers;
@@ -48,20 +63,29 @@ struct Writer : std::enable_shared_from_this<Writer> {
             headers.append(
                 qMakePair(QByteArray("Content-Type"), QByteArray("text/calendar; charset=utf-8")));
         }
+        const bool asNew = resource != nullptr && etag.isEmpty() && !retried;
         auto self = shared_from_this();
         http.Send(resource != nullptr ? "PUT" : "DELETE", url,
                   resource != nullptr ? resource->ics : QByteArray(), headers,
-                  [self, retried](const CalDavReply& reply) { self->answered(reply, retried); });
+                  [self, retried, asNew](const CalDavReply& reply) {
+                      self->answered(reply, retried, asNew);
+                  });
     }
 
-    void answered(const CalDavReply& reply, bool retried) {
+    void answered(const CalDavReply& reply, bool retried, bool asNew) {
         if (reply.status == 412 && !retried) {
             auto self = shared_from_this();
-            http.Send("HEAD", url, {}, {}, [self](const CalDavReply& head) {
-                if (head.Ok() || head.status == 404) {
-                    self->send(head.Ok() ? head.etag : QByteArray(), true);
+            http.Send(asNew ? "GET" : "HEAD", url, {}, {}, [self, asNew](const CalDavReply& now) {
+                if (asNew && now.Ok() && !publishedBy(now.body, self->owner)) {
+                    Log().AddAction(QStringLiteral("Not published: another program's resource "
+                                                   "has the name ") +
+                                        self->url.toString(),
+                                    QStringLiteral("Run"), QStringLiteral("CalDavPublish"));
+                    self->done({});
+                } else if (now.Ok() || now.status == 404) {
+                    self->send(now.Ok() ? now.etag : QByteArray(), true);
                 } else {
-                    self->done(CalDavProblem::From(head));
+                    self->done(CalDavProblem::From(now));
                 }
             });
             return;
@@ -111,14 +135,15 @@ QList<Resource> SharedResources(const QList<EventPtr>& events, const QString& ow
 }
 
 void Run(CalDavHttp& http, const QUrl& collection, const QList<Resource>& wanted,
-         CalDavState& state, Counts& counts, CalDavJobs::Finish done) {
+         const QString& owner, CalDavState& state, Counts& counts, CalDavJobs::Finish done) {
     QList<CalDavJobs::Job> jobs;
     QSet<QString> names;
     auto add = [&](const QString& name, const Resource* resource) {
-        jobs.append([&http, &state, &counts, url = resourceUrl(collection, name), name,
-                     resource](CalDavJobs::Finish finish) {
+        jobs.append([&http, &state, &counts, url = resourceUrl(collection, name), name, resource,
+                     owner](CalDavJobs::Finish finish) {
             const QByteArray etag = state.published.value(name).etag.toUtf8();
-            std::make_shared<Writer>(http, url, name, resource, state, counts, std::move(finish))
+            std::make_shared<Writer>(http, url, name, resource, owner, state, counts,
+                                     std::move(finish))
                 ->send(etag, false);
         });
     };

@@ -29,12 +29,12 @@ QList<Resource> SharedResources(const QList<EventPtr>& events, const QString& ow
 // Writes what changed since the state's record of what was published and
 // deletes what is no longer wanted, updating state.published as each request
 // succeeds. A resource changed by someone else since (412) is written again
-// over the current one: only its owner writes it.
+// over the current one: only its owner writes it. owner: the setting Owner.
 struct Counts {
     int published = 0;
     int removed = 0;
 };
 void Run(CalDavHttp& http, const QUrl& collection, const QList<Resource>& wanted,
-         CalDavState& state, Counts& counts, CalDavJobs::Finish done);
+         const QString& owner, CalDavState& state, Counts& counts, CalDavJobs::Finish done);
 
 } // namespace CalDavPublish

@@ -55,7 +55,7 @@ struct Reader : std::enable_shared_from_this<Reader> {
             missing(reply);
             return;
         }
-        const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(reply.body);
+        const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(reply.body, reply.url);
         if (!reply.Ok()) {
             // A token the server no longer knows: list everything again.
             if (!since.isEmpty() && answer.errors.contains(QLatin1String("valid-sync-token"))) {
@@ -125,7 +125,7 @@ struct Reader : std::enable_shared_from_this<Reader> {
         QList<CalDavJobs::Job> jobs;
         for (qsizetype i = 0; i < fetch.size(); i += kBatch) {
             auto self = shared_from_this();
-            jobs.append([self, batch = fetch.mid(i, kBatch)](CalDavJobs::Finish finish) {
+            jobs.append([self, batch = fetch.mid(i, kBatch)](const CalDavJobs::Finish& finish) {
                 self->http.Send(
                     "REPORT", self->c.url, CalDavMultistatus::MultigetBody(batch),
                     {{"Depth", "1"}, {"Content-Type", "application/xml; charset=utf-8"}},
@@ -145,7 +145,7 @@ struct Reader : std::enable_shared_from_this<Reader> {
         if (!reply.Ok()) {
             return CalDavProblem::From(reply);
         }
-        const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(reply.body);
+        const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(reply.body, reply.url);
         if (!answer.problem.isEmpty()) {
             return CalDavProblem::Text(answer.problem);
         }
@@ -197,9 +197,12 @@ struct Reader : std::enable_shared_from_this<Reader> {
             done(CalDavProblem::From(reply));
             return;
         }
-        // The user has not published anything yet.
-        Log().AddAction(QStringLiteral("No shared calendar yet at ") + c.url.toString(),
-                        QStringLiteral("Run"), kModule);
+        // The user has not published anything yet (logged when a collection
+        // read before went away, not at every sync of a user still to start).
+        if (!kept.token.isEmpty() || !kept.entries.isEmpty()) {
+            Log().AddAction(QStringLiteral("No shared calendar any more at ") + c.url.toString(),
+                            QStringLiteral("Run"), kModule);
+        }
         entries.clear();
         events.clear();
         keep();

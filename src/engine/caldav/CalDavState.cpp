@@ -42,12 +42,12 @@ CalDavState CalDavState::Load(const QString& path, const QString& server, const 
         state.published.insert(it.key(), {o.value(QLatin1String("etag")).toString(),
                                           o.value(QLatin1String("hash")).toString()});
     }
-    for (const QJsonValue& v : root.value(QLatin1String("collections")).toArray()) {
+    for (const QJsonValue v : root.value(QLatin1String("collections")).toArray()) {
         const QJsonObject o = v.toObject();
         Collection c{o.value(QLatin1String("user")).toString(),
                      o.value(QLatin1String("token")).toString(),
                      {}};
-        for (const QJsonValue& e : o.value(QLatin1String("entries")).toArray()) {
+        for (const QJsonValue e : o.value(QLatin1String("entries")).toArray()) {
             const QJsonArray a = e.toArray();
             c.entries.append(
                 {a.at(0).toString(), a.at(1).toString(), a.at(2).toString(), a.at(3).toString()});
@@ -79,8 +79,12 @@ QString CalDavState::Save(const QString& path) const {
                                            {QLatin1String("entries"), entries}});
     }
     root.insert(QLatin1String("collections"), collectionArray);
-    const AtomicFile::Result r =
-        AtomicFile::Write(path, QJsonDocument(root).toJson(QJsonDocument::Compact));
+    const QByteArray bytes = QJsonDocument(root).toJson(QJsonDocument::Compact);
+    QFile old(path);
+    if (old.open(QIODevice::ReadOnly) && old.readAll() == bytes) {
+        return {}; // unchanged: not even its time stamp moves
+    }
+    const AtomicFile::Result r = AtomicFile::Write(path, bytes);
     return r.ok() ? QString() : r.description;
 }
 

@@ -31,7 +31,7 @@ struct CalDavState {
     QMap<QString, Published> published; // by resource name ("123456.ics")
     QList<Collection> collections;
 
-    Collection* Find(const QString& user);
+    Collection* Find(const QString& name);
 
     // A missing or unreadable file, or one of another account, gives an
     // empty state for server and user.

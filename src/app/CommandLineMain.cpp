@@ -2,11 +2,13 @@
 
 #include "app/SingleInstance.h"
 #include "engine/CalendarTransfer.h"
+#include "engine/CommandLineSync.h"
 #include "engine/CommandLineWork.h"
 #include "engine/EventEditorInput.h"
 #include "shared/AppInfo.h"
 #include "shared/AppPaths.h"
 #include "shared/Clock.h"
+#include "shared/OwnerId.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedDateSubs.h"
 #include "shared/cSharedLogging.h"
@@ -104,12 +106,15 @@ int agenda(const QStringList& positional) {
     if (auto message = home.LoadSettings()) {
         return fail(CommandResult::kFileError, *message);
     }
-    // Only the events file (and in networked mode the shared ones) is read:
-    // no expired list, no backup, no log.
+    // Only the events file (and in networked mode the other users' shared
+    // events: the shared folder's files, or the calendar server's cache) is
+    // read: no expired list, no backup, no log.
     const bool networked = DataFiles::Networked(home.settings);
     const DateValue today = TodayDate();
-    QList<EventPtr> events = EventFileSnapshot::Read(
-        DataFiles::EventsFile(home.settings), home.events.CurrentOwner(), networked, today + days);
+    const QString owner = home.events.CurrentOwner();
+    const QList<EventPtr> events = EventFileSnapshot::Read(DataFiles::EventsFile(home.settings),
+                                                           owner, networked, today + days);
+    QList<EventPtr> others;
     if (networked) {
         // Other users' category names take only slots free of own events.
         home.layers.setOwnEventsTest([&events](int layer) {
@@ -117,14 +122,21 @@ int agenda(const QStringList& positional) {
                                [layer](const EventPtr& e) { return e->Layer() == layer; });
         });
         home.shared.ReloadSharedSet();
-        events.append(home.shared.SharedSet().Events());
+        // One's own shared events are among one's own events already.
+        for (const EventPtr& e : home.shared.SharedSet().Events()) {
+            if (!OwnerId::Same(e->Owner(), owner)) {
+                others.append(e);
+            }
+        }
     }
     const QStringList lines =
-        CommandLineWork::Agenda(events, home.layers, today, days, home.DateStyle());
+        CommandLineWork::Agenda(events, others, home.layers, today, days, home.DateStyle());
     if (lines.isEmpty()) {
         out(QStringLiteral("Nothing due from ") +
-            cSharedDateSubs::ForDateStyle(home.DateStyle()).ShortFormatDate(today) + QStringLiteral(" to ") +
-            cSharedDateSubs::ForDateStyle(home.DateStyle()).ShortFormatDate(today + days) + QLatin1Char('.'));
+            cSharedDateSubs::ForDateStyle(home.DateStyle()).ShortFormatDate(today) +
+            QStringLiteral(" to ") +
+            cSharedDateSubs::ForDateStyle(home.DateStyle()).ShortFormatDate(today + days) +
+            QLatin1Char('.'));
     } else {
         out(lines.join(QLatin1Char('\n')));
     }
@@ -142,7 +154,29 @@ int exportTo(const QString& file) {
                                            QFileInfo(file).absoluteFilePath()));
 }
 
-// --add and --import: the running copy does it when there is one.
+// One sync of the events database as loaded at start, with its result in the log.
+CalDavSyncResult syncHome(Home& home) {
+    CalDavSyncResult result = CommandLineSync::Run(home.settings, home.events.Events());
+    Log().AddAction(QStringLiteral("Command line sync: ") +
+                        (result.ok ? result.Summary() : result.error),
+                    QStringLiteral("RunCommandLine"), QStringLiteral("CommandLineMain"));
+    Log().WriteActionsToLog();
+    return result;
+}
+
+int syncNow() {
+    Home home;
+    if (auto message = home.LoadSettings()) {
+        return fail(CommandResult::kFileError, *message);
+    }
+    Log().LogEvent(QStringLiteral("Command line: sync"));
+    DataFiles::LoadDatabases(home.settings, home.events, home.expired, home.shared);
+    return report(CommandLineSync::SyncResult(syncHome(home)));
+}
+
+// --add and --import: the running copy does it when there is one (and, with
+// a calendar server, its own sync follows); otherwise the work is done here
+// and in the calendar-server mode a sync follows.
 int storeWork(const QByteArray& request) {
     if (const std::optional<QByteArray> reply = SingleInstance::Request(request, kReplyTimeoutMs)) {
         return report(CommandLineWork::ReplyResult(*reply));
@@ -154,9 +188,14 @@ int storeWork(const QByteArray& request) {
     Log().LogEvent(QStringLiteral("Command line: ") + CommandLineWork::RequestSummary(request));
     DataFiles::LoadDatabases(home.settings, home.events, home.expired, home.shared);
     EventStore store = home.Store();
-    const QByteArray reply = CommandLineWork::Perform(request, store, TodayDate());
+    const CommandResult work =
+        CommandLineWork::ReplyResult(CommandLineWork::Perform(request, store, TodayDate()));
     Log().WriteActionsToLog();
-    return report(CommandLineWork::ReplyResult(reply));
+    if (work.exitCode != CommandResult::kDone || !DataFiles::CalDavMode(home.settings)) {
+        return report(work);
+    }
+    out(work.message);
+    return report(CommandLineSync::AfterChange(syncHome(home)));
 }
 
 } // namespace
@@ -189,7 +228,13 @@ int RunCommandLine(QCoreApplication& app) {
                                      QStringLiteral("Show the version."));
     const QCommandLineOption agendaOption(
         QStringLiteral("agenda"),
-        QStringLiteral("List every event due from today through DAYS days ahead (default 7)."));
+        QStringLiteral("List every event due from today through DAYS days ahead (default 7); "
+                       "networked, other users' shared events too, with their names."));
+    const QCommandLineOption syncOption(
+        QStringLiteral("sync"),
+        QStringLiteral("Networked through a CalDAV server: publish your shared events and read "
+                       "the others' now (the password from the secret store or "
+                       "TARVO_CALDAV_PASSWORD)."));
     const QCommandLineOption exportOption(QStringLiteral("export"),
                                           QStringLiteral("Write all events to an iCalendar file."),
                                           QStringLiteral("FILE"));
@@ -209,8 +254,8 @@ int RunCommandLine(QCoreApplication& app) {
     const QCommandLineOption categoryOption(QStringLiteral("category"),
                                             QStringLiteral("With --add: its category."),
                                             QStringLiteral("NAME"));
-    parser.addOptions({help, version, agendaOption, exportOption, importOption, addOption,
-                       dateOption, timeOption, categoryOption});
+    parser.addOptions({help, version, agendaOption, syncOption, exportOption, importOption,
+                       addOption, dateOption, timeOption, categoryOption});
     parser.addPositionalArgument(QStringLiteral("DAYS"),
                                  QStringLiteral("With --agenda: how many days ahead."),
                                  QStringLiteral("[DAYS]"));
@@ -226,11 +271,12 @@ int RunCommandLine(QCoreApplication& app) {
         return CommandResult::kDone;
     }
 
-    const int actions = int(parser.isSet(agendaOption)) + int(parser.isSet(exportOption)) +
-                        int(parser.isSet(importOption)) + int(parser.isSet(addOption));
+    const int actions = int(parser.isSet(agendaOption)) + int(parser.isSet(syncOption)) +
+                        int(parser.isSet(exportOption)) + int(parser.isSet(importOption)) +
+                        int(parser.isSet(addOption));
     if (actions != 1) {
         return fail(CommandResult::kBadInput,
-                    QStringLiteral("Give one of --agenda, --export, --import or --add "
+                    QStringLiteral("Give one of --agenda, --sync, --export, --import or --add "
                                    "(tarvo --help lists them)."));
     }
     const bool addParts =
@@ -246,6 +292,9 @@ int RunCommandLine(QCoreApplication& app) {
 
     if (parser.isSet(agendaOption)) {
         return agenda(parser.positionalArguments());
+    }
+    if (parser.isSet(syncOption)) {
+        return syncNow();
     }
     if (parser.isSet(exportOption)) {
         return exportTo(parser.value(exportOption));

@@ -90,8 +90,8 @@ CommandResult Add(const AddRequest& request, EventStore& store, DateValue today)
                                       QStringLiteral("\" on ") + when + QLatin1Char('.')};
 }
 
-QStringList Agenda(const QList<EventPtr>& events, const clsLayers& layers, DateValue today,
-                   int days, int dateStyle) {
+QStringList Agenda(const QList<EventPtr>& events, const QList<EventPtr>& others,
+                   const clsLayers& layers, DateValue today, int days, int dateStyle) {
     struct Item {
         DateValue day;
         double time; // -1 for untimed events, which come first on their day
@@ -99,7 +99,10 @@ QStringList Agenda(const QList<EventPtr>& events, const clsLayers& layers, DateV
     };
     const DateValue last = today + days;
     QList<Item> items;
-    for (const EventPtr& e : events) {
+    QList<EventPtr> all = events;
+    all.append(others);
+    for (qsizetype i = 0; i < all.size(); ++i) {
+        const EventPtr& e = all.at(i);
         if (!e || e->Deleted) {
             continue;
         }
@@ -107,13 +110,15 @@ QStringList Agenda(const QList<EventPtr>& events, const clsLayers& layers, DateV
         const QString category = layer >= 0 && layer < clsLayers::kAllCategories
                                      ? layers.Layer(layer).trimmed()
                                      : QString();
+        QString text = oneLine(e->Desc());
+        if (!category.isEmpty()) {
+            text += QStringLiteral("  [") + category + QLatin1Char(']');
+        }
+        if (i >= events.size()) {
+            text += QStringLiteral("  from ") + oneLine(e->Owner().trimmed());
+        }
         auto add = [&](DateValue day) {
-            const double time = e->AlarmSet() ? TimeOnly(e->DueTime()) : -1;
-            items.append(
-                {day, time,
-                 oneLine(e->Desc()) + (category.isEmpty()
-                                           ? QString()
-                                           : QStringLiteral("  [") + category + QLatin1Char(']'))});
+            items.append({day, e->AlarmSet() ? TimeOnly(e->DueTime()) : -1, text});
         };
         DateValue due = DateOnly(e->DueDate());
         if (!e->Recurring()) {

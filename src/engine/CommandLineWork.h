@@ -24,10 +24,11 @@ CommandResult Add(const AddRequest& request, EventStore& store, DateValue today)
 
 // The agenda lines: every occurrence from today through today + days, one
 // line each ("Mon 03/06/2030 09:30  Dentist  [Work]"), by date and time,
-// dates in the date style. events are walked through their occurrences
-// (their due dates move): pass copies loaded for the purpose.
-QStringList Agenda(const QList<EventPtr>& events, const clsLayers& layers, DateValue today,
-                   int days, int dateStyle);
+// dates in the date style. others are other users' shared events, whose
+// lines end with their owner ("  from Bob"). The events are walked through
+// their occurrences (their due dates move): pass copies loaded for the purpose.
+QStringList Agenda(const QList<EventPtr>& events, const QList<EventPtr>& others,
+                   const clsLayers& layers, DateValue today, int days, int dateStyle);
 
 // A request line for the running copy, and its handling there: the reply
 // line carries the result.

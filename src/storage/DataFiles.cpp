@@ -169,8 +169,12 @@ void LoadDatabases(cSHAREDSettings& settings, clsDbXml& events, clsDbXml& expire
     if (networked) {
         shared.SharedSet().setNetworked(true);
         shared.ReloadSharedSet();
+    }
+    if (networked && !CalDavMode(settings)) {
         shared.AttachTo(events);
     } else {
+        // In the calendar-server mode the caller attaches the publisher that
+        // starts a sync; the folder's publisher must not stay on.
         events.setPublisher({});
     }
 }

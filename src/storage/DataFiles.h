@@ -43,7 +43,10 @@ QString CalDavStateFile(const cSHAREDSettings& settings);
 // Binds and loads the events and expired databases (as in single-user mode,
 // and keeping a list whose changes could not be saved yet); in networked mode
 // also loads the other users' shared events and makes every save of the
-// events database publish this user's shared events. With logProgress, start-up's
+// events database publish this user's shared events to the shared folder.
+// In the calendar-server mode the shared events come from the cache file and
+// the events database is left without a publisher (the caller attaches one
+// that starts a sync). With logProgress, start-up's
 // progress lines are logged between the steps.
 void LoadDatabases(cSHAREDSettings& settings, clsDbXml& events, clsDbXml& expired,
                    SharedDatabases& shared, bool logProgress = false);

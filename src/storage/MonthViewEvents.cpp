@@ -2,6 +2,7 @@
 
 #include "shared/AppPaths.h"
 #include "shared/cSHAREDSettings.h"
+#include "storage/DataFiles.h"
 
 MonthViewEvents::MonthViewEvents(cSHAREDSettings& settings, clsLayers* layers)
     : m_settings(settings), m_local(settings, layers), m_shared(settings, layers) {}
@@ -12,6 +13,10 @@ bool MonthViewEvents::Networked() const {
 
 void MonthViewEvents::Load(const QString& eventsFile) {
     m_local.LoadDB(eventsFile);
+    if (DataFiles::CalDavMode(m_settings)) {
+        m_shared.LoadMergedFile(DataFiles::CalDavCacheFile(m_settings));
+        return;
+    }
     const QString folder =
         m_settings.sGet(QStringLiteral("SharedDatapath"), SettingValue(QString()))
             .toText()

@@ -19,7 +19,8 @@ public:
 
     // Loads eventsFile (the user's "Events.xml", as it is: nothing filtered,
     // no layer mapped) and, when the setting "SharedDatapath" names a folder,
-    // the users listed in its "TVOShared.ini". Missing files give no events.
+    // the users listed in its "TVOShared.ini" (in the calendar-server mode
+    // the cache file instead). Missing files give no events.
     void Load(const QString& eventsFile);
 
     // Local events first, then the shared ones, each in file order.

@@ -5,6 +5,7 @@
 #include "shared/TextCodec.h"
 #include "shared/cSHAREDSettings.h"
 #include "shared/cSharedLogging.h"
+#include "storage/DataFiles.h"
 #include "storage/SharedUserList.h"
 #include "storage/clsLayers.h"
 
@@ -47,6 +48,11 @@ void SharedDatabases::AttachTo(clsDbXml& local) {
 }
 
 void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
+    if (DataFiles::CalDavMode(m_settings)) {
+        // The calendar server's sync publishes; the shared folder is left alone.
+        ReloadSharedSet();
+        return;
+    }
     if (SharedFolder().trimmed().isEmpty()) {
         // Without a shared folder the file would land wherever the program
         // happens to run.
@@ -87,6 +93,10 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
 }
 
 void SharedDatabases::ReloadSharedSet() {
+    if (DataFiles::CalDavMode(m_settings)) {
+        m_sharedSet.LoadMergedFile(DataFiles::CalDavCacheFile(m_settings));
+        return;
+    }
     // No shared folder: an empty set rather than a list file looked up
     // wherever the program runs.
     m_sharedSet.LoadMultiple(SharedFolder().trimmed().isEmpty() ? QString() : UserListFile());
@@ -167,6 +177,13 @@ bool sameFile(const QString& a, const QString& b) {
 } // namespace
 
 QString SharedDatabases::ChangeOwnId(const QString& oldId, const QString& newId, clsDbXml* local) {
+    if (DataFiles::CalDavMode(m_settings)) {
+        // Nothing of the shared folder belongs to this mode; the next sync
+        // publishes under the server account, whatever the ID.
+        m_settings.sSet(QStringLiteral("Owner"), newId.trimmed());
+        ReloadSharedSet();
+        return {};
+    }
     const QString folder = SharedFolder();
     const QString oldFile = AppPaths::JoinPath(folder, SharedFileName(oldId.trimmed()));
     const bool renamed = oldId.trimmed() != newId.trimmed() && OwnerId::Problem(oldId).isEmpty() &&
@@ -204,6 +221,9 @@ QString SharedDatabases::ChangeOwnId(const QString& oldId, const QString& newId,
 }
 
 QString SharedDatabases::StopSharing(const QString& ownId) {
+    if (DataFiles::CalDavMode(m_settings)) {
+        return {}; // nothing of this user lies in the shared folder
+    }
     QString error;
     if (!SharedUserList::Modify(
             UserListFile(),

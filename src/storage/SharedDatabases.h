@@ -12,6 +12,9 @@ class clsLayers;
 // the other users' shared events, and the object that rewrites this user's
 // own "Shared_" + owner + ".xml". Each shared file has one writer, its
 // owner: nothing here writes a file named after anybody else.
+// In the calendar-server mode (DataFiles::CalDavMode) the merged set is the
+// server's cache file instead, and nothing here writes to the shared folder:
+// publishing, changing the ID and stopping only touch the settings and the set.
 class SharedDatabases {
 public:
     SharedDatabases(cSHAREDSettings& settings, clsLayers& layers);
@@ -25,7 +28,8 @@ public:
     // layer 0 or flagged shared and belong to this user (each given its
     // layer's name), then reloads the merged set.
     void PublishSharedEvents(const clsDbXml& local);
-    // LoadMultiple of the user list file.
+    // LoadMultiple of the user list file; in the calendar-server mode
+    // LoadMergedFile of the cache file.
     void ReloadSharedSet();
 
     // The setting "SharedDatapath".

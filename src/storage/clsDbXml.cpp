@@ -516,6 +516,18 @@ void clsDbXml::LoadMultiple(const QString& listPath) {
     m_stamp = fileStamp(m_fileName);
 }
 
+void clsDbXml::LoadMergedFile(const QString& path) {
+    clearList();
+    m_mergedSet = true;
+    m_networked = true;
+    m_listFile.clear();
+    m_listStamp = 0;
+    m_sharedFiles = QStringList{path};
+    m_sharedStamps = QList<qint64>{fileStamp(path)};
+    Log().AddAction(QStringLiteral("Loading shared events from ") + path);
+    LoadDB(path, true);
+}
+
 void clsDbXml::refuseLarge(const QString& file, qint64 limit) {
     if (m_refused.contains(file)) {
         return; // told when it was first found too large

@@ -85,6 +85,12 @@ public:
     // (or a user list over kMaxUserListBytes) is left out, logged and posted
     // to the status bar once.
     void LoadMultiple(const QString& listPath);
+    // Builds the merged set from one file that already holds every other
+    // user's shared events (the calendar server's cache), with the same
+    // filter and layer mapping; DBFilename becomes that file, which is never
+    // written here. DatabaseChanged follows its time stamp; a missing file
+    // gives an empty set.
+    void LoadMergedFile(const QString& path);
 
     // Networked mode changes how LoadDB filters and maps layers.
     bool Networked() const { return m_networked; }

@@ -1,8 +1,10 @@
 // The command line's work without a process around it: --add through the
-// editor's rules, the agenda's lines, and imports that add everything or
-// change nothing, also when sent as a request line to a running copy.
+// editor's rules, the agenda's lines, imports that add everything or change
+// nothing, also when sent as a request line to a running copy, and --sync.
 #include "engine/CommandLineWork.h"
+#include "engine/CalDavPassword.h"
 #include "engine/CalendarTransfer.h"
+#include "engine/CommandLineSync.h"
 #include "shared/cSHAREDSettings.h"
 #include "storage/IcsEventMapping.h"
 #include "storage/clsDbXml.h"
@@ -94,10 +96,14 @@ TEST_F(CommandLineWorkTest, AgendaListsEveryOccurrenceInOrder) {
     const QList<EventPtr> list = {gym, call, make("Later", "2030-06-09", false, 1),
                                   make("Gone", "2030-05-31", false, 1),
                                   make("Post", "2030-06-07", false, 1)};
-    EXPECT_EQ(CommandLineWork::Agenda(list, layers, TodayDate(), 7, 1),
-              (QStringList{
-                  "Mon 03/06/2030        Gym  [Work]", "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
-                  "Fri 07/06/2030        Gym  [Work]", "Fri 07/06/2030        Post  [Shared]"}));
+    auto bobs = make("Picnic", "2030-06-07", false, 1); // another user's, by where it came from
+    bobs->setOwner(" Bob ");
+    EXPECT_EQ(CommandLineWork::Agenda(list, {bobs}, layers, TodayDate(), 7, 1),
+              (QStringList{"Mon 03/06/2030        Gym  [Work]",
+                           "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
+                           "Fri 07/06/2030        Gym  [Work]",
+                           "Fri 07/06/2030        Post  [Shared]",
+                           "Fri 07/06/2030        Picnic  [Shared]  from Bob"}));
 }
 
 TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {
@@ -155,4 +161,36 @@ TEST_F(CommandLineWorkTest, DatesAfterTheYear3000StayOutOfCalendarFiles) {
     const IcsEventMapping::Calendar written = IcsEventMapping::ParseCalendar(ReadFileBytes(out));
     EXPECT_EQ(written.error, QString());
     EXPECT_EQ(written.events.size(), 1);
+}
+
+// --sync and the sync after --add: what is not set up is said before any
+// network work; an unreachable server keeps a saved change's exit code 0.
+TEST_F(CommandLineWorkTest, SyncSaysWhatIsMissingAndKeepsAnOfflineChange) {
+    settings.sSet(QStringLiteral("Networked"), true);
+    settings.sSet(QStringLiteral("CalDAVUser"), QStringLiteral("ann"));
+    const struct {
+        const char* mode;
+        const char* url;
+        const char* password; // nullptr: none stored
+        const char* error;    // "": unreachable (nothing listens on the discard port)
+    } cases[] = {
+        {"folder", "http://127.0.0.1:9/", "pw", "Tarvo does not share through a CalDAV server"},
+        {"caldav", "", "pw", "The CalDAV account is incomplete: No CalDAV server address is set."},
+        {"caldav", "http://127.0.0.1:9/", nullptr,
+         "Store it in Settings or set TARVO_CALDAV_PASSWORD."},
+        {"caldav", "http://127.0.0.1:9/", "pw", ""},
+    };
+    for (const auto& c : cases) {
+        settings.sSet(QStringLiteral("NetworkMode"), c.mode);
+        settings.sSet(QStringLiteral("CalDAVUrl"), c.url);
+        c.password != nullptr ? qputenv(CalDavPassword::kEnvironmentVariable, c.password)
+                              : qunsetenv(CalDavPassword::kEnvironmentVariable);
+        const CalDavSyncResult r = CommandLineSync::Run(settings, events.Events());
+        EXPECT_FALSE(r.ok);
+        EXPECT_EQ(r.unreachable, *c.error == 0) << r.error.toStdString();
+        EXPECT_TRUE(r.error.contains(QString::fromUtf8(c.error))) << r.error.toStdString();
+        EXPECT_EQ(CommandLineSync::SyncResult(r).exitCode, 2);
+        EXPECT_EQ(CommandLineSync::AfterChange(r).exitCode, r.unreachable ? 0 : 2);
+    }
+    qunsetenv(CalDavPassword::kEnvironmentVariable);
 }

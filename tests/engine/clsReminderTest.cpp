@@ -4,7 +4,10 @@
 #include "engine/RefreshTick.h"
 #include "shared/Clock.h"
 #include "shared/cSHAREDSettings.h"
+#include "storage/DataFiles.h"
+#include "storage/SharedDatabases.h"
 #include "storage/clsDbXml.h"
+#include "storage/clsLayers.h"
 #include "support/FakeReminderWindows.h"
 #include "support/LogLines.h"
 #include "support/ScriptedDialogs.h"
@@ -179,10 +182,14 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
 }
 
 // A run-a-file alarm opens its file (blanks trimmed) or logs its absence; in
-// networked mode another user's file is never opened, only shown.
+// networked mode another user's file is never opened, only shown, whether the
+// other users' events come from the shared folder or the calendar server's cache.
 TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
     FixedClock clock("2009-03-05 07:00");
     settings.sSet(QStringLiteral("Networked"), true);
+    settings.sSet(QStringLiteral("SharedDatapath"), home.path());
+    settings.sSet(QStringLiteral("DataPath"), home.path());
+    WriteFileBytes(home.file("TVOShared.ini"), "Ann\r\nBob\r\n");
     const QString script = home.file("backup.sh");
     WriteFileBytes(script, "#!/bin/sh\n");
     EventPtr present = addAlarm("Run backup", "2009-03-05", 7, 0, 0);
@@ -192,22 +199,40 @@ TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
     missing->ExecFile = true;
     missing->Filename = home.file("gone.sh");
     addAlarm("Ann's alarm", "2009-03-05", 7, 0, 0);
-    clsDbXml shared(settings);
-    EventPtr bobs = addAlarm("Bob's task", "2009-03-05", 7, 0, 0, &shared, "Bob");
-    bobs->ExecFile = true;
-    bobs->Filename = script;
-    services.shared = &shared;
-    CheckAlarms(services);
+    clsLayers layers(settings);
+    SharedDatabases others(settings, layers);
+    const struct {
+        const char* mode;
+        QString file; // where Bob's shared events are read from
+    } sources[] = {{"folder", home.file("Shared_Bob.xml")},
+                   {"caldav", DataFiles::CalDavCacheFile(settings)}};
+    for (const auto& source : sources) {
+        SCOPED_TRACE(source.mode);
+        settings.sSet(QStringLiteral("NetworkMode"), source.mode);
+        clsDbXml bobsFile(settings);
+        bobsFile.SetDBFilename(source.file);
+        EventPtr bobs = addAlarm("Bob's task", "2009-03-05", 7, 0, 0, &bobsFile, "Bob");
+        bobs->ExecFile = true;
+        bobs->Filename = script;
+        bobsFile.SaveDB();
+        others.ReloadSharedSet();
+        services.shared = &others.SharedSet();
+        opener.opened.clear();
+        windows.made.clear();
+        logStart = LoggedTexts().size();
+        CheckAlarms(services);
 
-    EXPECT_EQ(opener.opened, QStringList{script});
-    QStringList shown;
-    for (const FakeReminderWindow* w : windows.shown()) {
-        shown += w->lines;
+        EXPECT_EQ(opener.opened, QStringList{script});
+        QStringList shown;
+        for (const FakeReminderWindow* w : windows.shown()) {
+            shown += w->lines;
+        }
+        EXPECT_EQ(shown, QStringList({"Ann's alarm", "Bob's task"}));
+        const QStringList log = newLogLines();
+        EXPECT_TRUE(log.contains("Can't run " + missing->Filename + " - file not found"));
+        EXPECT_EQ(log.filter(script).filter("Bob").size(), 1);
+        QFile::remove(source.file);
     }
-    EXPECT_EQ(shown, QStringList({"Ann's alarm", "Bob's task"}));
-    const QStringList log = newLogLines();
-    EXPECT_TRUE(log.contains("Can't run " + missing->Filename + " - file not found"));
-    EXPECT_EQ(log.filter(script).filter("Bob").size(), 1);
 }
 
 TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {

@@ -2,6 +2,7 @@
 // settings, layers and databases as their own program would.
 #include "StorageFixture.h"
 
+#include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
 #include "storage/SharedUserList.h"
 #include "storage/clsDbXml.h"
@@ -243,6 +244,50 @@ TEST_F(SharedFolder, WithoutAFolderOrAUserListNothingIsPublishedOrRead) {
     // The list comes back: the set counts as changed, so it is read again.
     ASSERT_TRUE(WriteFileBytes(File("TVOShared.ini"), "Ann\r\nBob\r\n"));
     EXPECT_TRUE(ann.shared->SharedSet().DatabaseChanged());
+}
+
+// Through a calendar server the merged set is the sync's cache file: the same
+// filter and layer mapping, never saved, and nothing goes to the shared folder.
+TEST_F(SharedFolder, TheServersCacheIsTheMergedSetAndTheFolderStaysUntouched) {
+    User ann("Ann", folder, home.path());
+    ann.settings.sSet(QStringLiteral("NetworkMode"), SettingValue(QStringLiteral("caldav")));
+    ann.settings.sSet(QStringLiteral("DataPath"), SettingValue(home.path()));
+    const QString cache = DataFiles::CalDavCacheFile(ann.settings);
+    const QByteArray cacheBytes =
+        Header() + "<TVO2>\r\n<EVENT><Desc>bob%20to%20all</Desc><Owner>Bob</Owner></EVENT>\r\n"
+                   "<EVENT><Desc>bob%20work</Desc><Owner>Bob</Owner><SharedLayerName>Work"
+                   "</SharedLayerName><ShareWithSpecific>-1</ShareWithSpecific><ShareNames>"
+                   "Ann%0D%0A</ShareNames></EVENT>\r\n<EVENT><Desc>carl%20for%20Dave</Desc>"
+                   "<Owner>Carl</Owner><ShareWithSpecific>-1</ShareWithSpecific><ShareNames>"
+                   "Dave%0D%0A</ShareNames></EVENT>\r\n</TVO2>\r\n";
+    ASSERT_TRUE(WriteFileBytes(cache, cacheBytes));
+
+    clsDbXml expired(ann.settings, &ann.layers);
+    DataFiles::LoadDatabases(ann.settings, *ann.local, expired, *ann.shared);
+    clsDbXml& set = ann.shared->SharedSet();
+    EXPECT_EQ(ann.SharedDescs(), (QStringList{"bob to all", "bob work"}));
+    EXPECT_EQ(ann.layers.Layer(set.Events().at(1)->Layer()), "Work");
+    EXPECT_FALSE(ann.local->Publishing()) << "the sync publishes, not the folder";
+
+    ann.Add("ann layer zero", 0, false);
+    ann.local->SaveDB();
+    ann.shared->PublishSharedEvents(*ann.local);
+    set.SaveDB();
+    EXPECT_EQ(ReadFileBytes(cache), cacheBytes) << "the merged set is never saved";
+    EXPECT_TRUE(ann.shared->ChangeOwnId("Ann", "Anna", ann.local.get()).isEmpty());
+    EXPECT_TRUE(ann.shared->StopSharing("Anna").isEmpty());
+    EXPECT_EQ(QDir(folder).entryList(QDir::Files), QStringList{"TVOShared.ini"});
+    EXPECT_EQ(ReadFileBytes(File("TVOShared.ini")), " Ann \r\n\r\n  Bob\r\n   \r\nCarl \r\n");
+
+    // Changes follow the cache's time stamp; a missing cache is an empty set.
+    EXPECT_FALSE(set.DatabaseChanged());
+    ASSERT_TRUE(QFile::remove(cache));
+    EXPECT_TRUE(set.DatabaseChanged());
+    ann.shared->ReloadSharedSet();
+    EXPECT_EQ(set.RecordCount(), 0);
+    EXPECT_FALSE(set.DatabaseChanged());
+    ASSERT_TRUE(WriteFileBytes(cache, cacheBytes));
+    EXPECT_TRUE(set.DatabaseChanged());
 }
 
 } // namespace

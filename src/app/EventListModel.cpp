@@ -135,7 +135,7 @@ void EventListModel::AddLocal(const FillContext& fc, int layer) {
 }
 
 void EventListModel::AddShared(const FillContext& fc, int layer) {
-    Log().AddAction(QStringLiteral("Loading multiple databases from ") + m_shared.UserListFile());
+    Log().AddAction(QStringLiteral("Loading multiple databases from ") + m_shared.MergedSource());
     m_shared.ReloadSharedSet();
     const QList<EventPtr>& list = m_shared.SharedSet().Events();
     if (list.isEmpty()) {

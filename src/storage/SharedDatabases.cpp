@@ -92,6 +92,11 @@ void SharedDatabases::PublishSharedEvents(const clsDbXml& local) {
     ReloadSharedSet();
 }
 
+QString SharedDatabases::MergedSource() const {
+    return DataFiles::CalDavMode(m_settings) ? DataFiles::CalDavCacheFile(m_settings)
+                                             : UserListFile();
+}
+
 void SharedDatabases::ReloadSharedSet() {
     if (DataFiles::CalDavMode(m_settings)) {
         m_sharedSet.LoadMergedFile(DataFiles::CalDavCacheFile(m_settings));

@@ -31,6 +31,8 @@ public:
     // LoadMultiple of the user list file; in the calendar-server mode
     // LoadMergedFile of the cache file.
     void ReloadSharedSet();
+    // Where ReloadSharedSet reads from: the user list file, or the cache file.
+    QString MergedSource() const;
 
     // The setting "SharedDatapath".
     QString SharedFolder() const;

@@ -51,9 +51,8 @@ TEST_F(EditorRules, TimeBoxChecks) {
         EventEditorInput in = valid();
         in.time = QString::fromLatin1(typed);
         const EventEditorOutcome out = save(in);
-        EXPECT_EQ(out.message, QString::fromLatin1(R::kTimeRange)) << typed;
-        EXPECT_EQ(out.focus, QStringLiteral("txtTime"));
-        EXPECT_EQ(in.time, QString::fromLatin1(typed));
+        EXPECT_EQ(std::tie(out.message, out.focus, in.time),
+                  std::make_tuple(QString(R::kTimeRange), QString("txtTime"), QString(typed)));
     }
 }
 
@@ -100,10 +99,9 @@ TEST_F(EditorRules, RefusalsNameTheFaultAndTheBoxToCorrect) {
         in.recurrenceType = c.type;
         in.*c.box = QString::fromLatin1(c.typed);
         const EventEditorOutcome out = save(in);
-        EXPECT_FALSE(out.saved) << c.typed;
-        EXPECT_EQ(out.message, c.message);
-        EXPECT_EQ(out.focus, QLatin1String(c.focus)) << c.typed;
-        EXPECT_EQ(out.title, QLatin1String(c.title)) << c.typed;
+        EXPECT_EQ(std::tie(out.saved, out.message, out.focus, out.title),
+                  std::make_tuple(false, c.message, QString(c.focus), QString(c.title)))
+            << c.typed;
         if (c.message == R::kNoDescription) { // the first rows: the event is still new
             EXPECT_TRUE(event.Desc().isEmpty()) << "a refused description writes nothing";
         }
@@ -138,8 +136,7 @@ TEST_F(EditorRules, RecurrenceTabsWriteTheirFields) {
     in.dayOfMonth = QStringLiteral("31");
     in.monthNamesIndex = 12; // "Every Month"
     ASSERT_TRUE(save(in).saved);
-    EXPECT_EQ(event.DayOfMonth(), 31);
-    EXPECT_EQ(event.MonthNumber(), 13);
+    EXPECT_EQ(QList<int>({event.DayOfMonth(), event.MonthNumber()}), QList<int>({31, 13}));
     in.monthNamesIndex = 0; // January
     ASSERT_TRUE(save(in).saved);
     EXPECT_EQ(event.MonthNumber(), 1);
@@ -149,9 +146,8 @@ TEST_F(EditorRules, RecurrenceTabsWriteTheirFields) {
     in.dayNameIndex = 0;   // Sunday
     in.monthsIndex = 0;    // "Every Month"
     ASSERT_TRUE(save(in).saved);
-    EXPECT_EQ(event.Daynumber(), 5);
-    EXPECT_EQ(event.DayOfWeek(), 1);
-    EXPECT_EQ(event.MonthNumber(), 0);
+    EXPECT_EQ(QList<int>({event.Daynumber(), event.DayOfWeek(), event.MonthNumber()}),
+              QList<int>({5, 1, 0}));
     in.monthsIndex = 12; // December
     ASSERT_TRUE(save(in).saved);
     EXPECT_EQ(event.MonthNumber(), 12);
@@ -161,15 +157,16 @@ TEST_F(EditorRules, RecurrenceTabsWriteTheirFields) {
     in.weeklyStart = QStringLiteral("17/03/2009");
     ASSERT_TRUE(save(in).saved);
     EXPECT_EQ(event.Period(), 2);
-    EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-03-17")) << "the picked date replaces today";
-    // Start dates follow the date style; ISO dates are read whatever the style.
-    settings.sSet(QStringLiteral("DateStyle"), 2);
-    in.weeklyStart = QStringLiteral("03/18/2009");
-    ASSERT_TRUE(save(in).saved);
-    EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-03-18"));
-    in.weeklyStart = QStringLiteral("2009-03-05");
-    ASSERT_TRUE(save(in).saved);
-    EXPECT_DOUBLE_EQ(event.StartDate(), D("2009-03-05"));
+    // The picked date replaces today; start dates follow the date style, and ISO
+    // dates are read whatever the style.
+    for (const auto& [style, typed, start] : {std::tuple{1, "17/03/2009", "2009-03-17"},
+                                              {2, "03/18/2009", "2009-03-18"},
+                                              {2, "2009-03-05", "2009-03-05"}}) {
+        settings.sSet(QStringLiteral("DateStyle"), style);
+        in.weeklyStart = QString::fromLatin1(typed);
+        ASSERT_TRUE(save(in).saved) << typed;
+        EXPECT_DOUBLE_EQ(event.StartDate(), D(start)) << typed;
+    }
 }
 
 TEST_F(EditorRules, AFailedCheckLeavesEarlierFieldsWrittenAndLaterOnesAlone) {
@@ -178,9 +175,9 @@ TEST_F(EditorRules, AFailedCheckLeavesEarlierFieldsWrittenAndLaterOnesAlone) {
     EventEditorInput in = valid();
     in.dailyStart = QStringLiteral("DD/MM/YYYY");
     EXPECT_FALSE(save(in).saved);
-    EXPECT_EQ(event.Desc(), QStringLiteral("Dentist"));
-    EXPECT_EQ(event.DaysWarning(), 2);
-    EXPECT_EQ(event.Period(), 0) << "the failing tab wrote nothing";
+    EXPECT_EQ(std::make_tuple(event.Desc(), event.DaysWarning(), event.Period()),
+              std::make_tuple(QString("Dentist"), int16_t(2), int16_t(0)))
+        << "the failing tab wrote nothing";
 
     clsEvent untouched;
     untouched.setDesc(QStringLiteral("old"));
@@ -224,10 +221,10 @@ TEST_F(EditorRules, SharingAndEmail) {
         in.emailTo = c.specific;
         in.email = QStringLiteral("fred@home.test");
         ASSERT_TRUE(save(in).saved);
-        EXPECT_EQ(event.SharedEvent, c.shared);
-        EXPECT_EQ(event.ShareWithSpecific, c.shared && c.specific);
-        EXPECT_EQ(event.ShareNames, QString::fromLatin1(c.names));
-        EXPECT_EQ(event.Email, c.specific ? in.email : QString());
+        EXPECT_EQ(
+            std::tie(event.SharedEvent, event.ShareWithSpecific, event.ShareNames, event.Email),
+            std::make_tuple(c.shared, c.shared && c.specific, QString(c.names),
+                            c.specific ? in.email : QString()));
     }
     EXPECT_EQ(settings.sGet(QStringLiteral("DefaultEmail")).toText(),
               QStringLiteral("fred@home.test"))
@@ -238,13 +235,11 @@ TEST_F(EditorRules, SoundAndFileToRun) {
     const QString chosen = home.file(QStringLiteral("bell.wav"));
     ASSERT_TRUE(WriteFileBytes(chosen, "RIFF"));
     EventEditorInput in = valid();
-    in.makeNoise = true;
+    in.makeNoise = in.runFile = true;
     in.wavFile = chosen;
-    in.runFile = true;
     in.execFile = QStringLiteral("/tmp/report.txt");
     ASSERT_TRUE(save(in).saved);
-    EXPECT_EQ(event.WavFile, chosen);
-    EXPECT_EQ(event.Filename, QStringLiteral("/tmp/report.txt"));
+    EXPECT_EQ(QStringList({event.WavFile, event.Filename}), QStringList({chosen, in.execFile}));
 
     in.wavFile = home.file(QStringLiteral("gone.wav"));
     ASSERT_TRUE(save(in).saved);
@@ -252,8 +247,7 @@ TEST_F(EditorRules, SoundAndFileToRun) {
         << "a missing sound gives the default";
     EXPECT_EQ(in.wavFile, event.WavFile) << "the label shows the sound used";
 
-    in.makeNoise = false;
-    in.runFile = false;
+    in.makeNoise = in.runFile = false;
     ASSERT_TRUE(save(in).saved);
     EXPECT_FALSE(event.PlayWav || event.ExecFile);
     EXPECT_TRUE(event.WavFile.isEmpty() && in.wavFile.isEmpty());
@@ -264,13 +258,9 @@ TEST_F(EditorRules, SoundAndFileToRun) {
 TEST_F(EditorRules, PreviewStartsWithTodayWhenTheRuleGivesToday) {
     EventEditorInput in = valid();
     in.dailyPeriod = QStringLiteral("1");
-    const OccurrencePreview daily = OccurrencePreview::Of(in, event, settings);
-    QStringList days;
-    for (const DateValue d : daily.dates) {
-        days << FormatYMD(d);
-    }
-    EXPECT_EQ(days,
-              (QStringList{"2009-03-05", "2009-03-06", "2009-03-07", "2009-03-08", "2009-03-09"}));
+    const DateValue today = D("2009-03-05");
+    EXPECT_EQ(OccurrencePreview::Of(in, event, settings).dates,
+              (QList<DateValue>{today, today + 1, today + 2, today + 3, today + 4}));
     EXPECT_TRUE(event.Desc().isEmpty()) << "the edited event is left alone";
 
     in.recurrenceType = clsEvent::DaysOfWeek; // no day ticked
@@ -287,9 +277,8 @@ TEST(EditorAlarmAdvice, ShowsTheAlarmMomentOnATwelveHourClock) {
                                     {"HH:MM", "30", ""},
                                     {"10:00", "soon", ""}};
     for (const auto& [time, minutes, advice] : cases) {
-        EXPECT_EQ(
-            EventEditorRules::AlarmAdvice(QString::fromLatin1(time), QString::fromLatin1(minutes)),
-            QString::fromLatin1(advice))
+        EXPECT_EQ(R::AlarmAdvice(QString::fromLatin1(time), QString::fromLatin1(minutes)),
+                  QString::fromLatin1(advice))
             << time << " - " << minutes;
     }
 }

@@ -13,7 +13,6 @@
 #include "support/ScriptedDialogs.h"
 #include "support/TestSupport.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMap>
@@ -47,6 +46,27 @@ protected:
         e->setMinutesWarning(static_cast<int16_t>(warning));
         e->setAlarmTime(e->DueTime() - TimeSerial(0, warning));
         return e;
+    }
+    // An alarm without warning that opens a file.
+    EventPtr addRun(const QString& desc, const QString& due, int h, int m, const QString& file,
+                    clsDbXml* db = nullptr, const QString& owner = "Ann") {
+        EventPtr e = addAlarm(desc, due, h, m, 0, db, owner);
+        e->ExecFile = true;
+        e->Filename = file;
+        return e;
+    }
+    // A repeating event's rule.
+    static void repeat(const EventPtr& e, int32_t type, int16_t period, const QString& start) {
+        e->setRecurring(true);
+        e->setRecurrenceType(type);
+        e->setPeriod(period);
+        e->setStartDate(D(start));
+    }
+    // The networked set-up, with "Ann" and "Bob" in the shared folder's user list.
+    void networked() {
+        settings.sSet(QStringLiteral("Networked"), true);
+        settings.sSet(QStringLiteral("SharedDatapath"), home.path());
+        WriteFileBytes(home.file("TVOShared.ini"), "Ann\r\nBob\r\n");
     }
     // Saves and reads the events back, as the program does between runs.
     void saveAndReload() {
@@ -89,18 +109,16 @@ TEST_F(ReminderEngine, ComingUpAndTodayWindowsAndTheirNotifications) {
     FakeReminderWindow* comingUp = windows.withHeading("COMING UP");
     FakeReminderWindow* today = windows.withHeading("TODAY!");
     ASSERT_TRUE(comingUp != nullptr && today != nullptr);
-    EXPECT_EQ(comingUp->lines, (QStringList{"In 3 days: Dentist", "In 1 day: Bill"}));
-    EXPECT_EQ(today->lines, (QStringList{"Birthday", "Call"}));
-    EXPECT_TRUE(today->soundFlag);
-    EXPECT_EQ(today->soundFile, "/sounds/a.wav");
+    EXPECT_EQ(std::tie(comingUp->lines, today->lines, today->soundFlag, today->soundFile),
+              std::make_tuple(QStringList{"In 3 days: Dentist", "In 1 day: Bill"},
+                              QStringList{"Birthday", "Call"}, true, QString("/sounds/a.wav")));
     const QStringList log = newLogLines();
     EXPECT_TRUE(log.contains("Showing upcoming reminders") &&
                 log.contains("Showing today's reminders"));
-    const FakeDesktopNotifier::Sent soonestFirst{
-        "COMING UP", {"In 1 day: Bill", "In 3 days: Dentist"}, false};
-    EXPECT_EQ(notifier.sent.value(0), soonestFirst);
-    EXPECT_EQ(notifier.sent.size(), 3);
-    EXPECT_TRUE(notifier.sent.contains(FakeDesktopNotifier::Sent{"TODAY!", today->lines, false}));
+    using Sent = FakeDesktopNotifier::Sent;
+    const Sent soonestFirst{"COMING UP", {"In 1 day: Bill", "In 3 days: Dentist"}, false};
+    EXPECT_EQ(notifier.sent,
+              (QList<Sent>{soonestFirst, soonestFirst, {"TODAY!", today->lines, false}}));
 
     settings.sSet(QStringLiteral("DesktopNotifications"), false);
     ShowReminders(services);
@@ -112,10 +130,7 @@ TEST_F(ReminderEngine, ComingUpAndTodayWindowsAndTheirNotifications) {
 // codes; each file is saved once, and not at all when nothing changed.
 TEST_F(ReminderEngine, PassedEventsRollForwardOrLeaveInOneSave) {
     FixedClock clock("2009-03-05 08:00");
-    EventPtr weekly = add("Team meeting", "2009-03-04", true);
-    weekly->setRecurrenceType(clsEvent::Weekly);
-    weekly->setPeriod(1);
-    weekly->setStartDate(D("2009-03-04"));
+    repeat(add("Team meeting", "2009-03-04"), clsEvent::Weekly, 1, "2009-03-04");
     const QString onceId = add("Parcel", "2009-03-04")->IDCode;
     add("Letter", "2009-03-03")->IDCode.clear();
     add("Card", "2009-03-02")->IDCode.clear();
@@ -131,8 +146,8 @@ TEST_F(ReminderEngine, PassedEventsRollForwardOrLeaveInOneSave) {
 
     EXPECT_EQ(saves, 1);
     const QStringList log = newLogLines();
-    EXPECT_TRUE(log.contains("Event expired and updated: 04/03/2009 Team meeting"));
-    EXPECT_TRUE(log.contains("Event expired and deleted: 04/03/2009 Parcel"));
+    EXPECT_TRUE(log.contains("Event expired and updated: 04/03/2009 Team meeting") &&
+                log.contains("Event expired and deleted: 04/03/2009 Parcel"));
     clsDbXml reread(settings);
     reread.LoadDB(events.DBFilename());
     QStringList left;
@@ -174,9 +189,9 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
         CheckAlarms(services);
         EXPECT_EQ(windows.shown().size(), t.fires ? 1u : 0u) << t.now;
         if (FakeReminderWindow* alarm = windows.withHeading("ALARM!")) {
-            EXPECT_EQ(alarm->lines, QStringList{"Doctor"});
-            EXPECT_TRUE(alarm->soundFlag && alarm->topmost);
-            EXPECT_TRUE(notifier.sent.last().heading == "ALARM!" && notifier.sent.last().critical);
+            EXPECT_EQ(std::tie(alarm->lines, alarm->soundFlag, alarm->topmost,
+                               notifier.sent.last().heading, notifier.sent.last().critical),
+                      std::make_tuple(QStringList{"Doctor"}, true, true, "ALARM!", true));
         }
     }
 }
@@ -186,18 +201,12 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
 // other users' events come from the shared folder or the calendar server's cache.
 TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
     FixedClock clock("2009-03-05 07:00");
-    settings.sSet(QStringLiteral("Networked"), true);
-    settings.sSet(QStringLiteral("SharedDatapath"), home.path());
+    networked();
     settings.sSet(QStringLiteral("DataPath"), home.path());
-    WriteFileBytes(home.file("TVOShared.ini"), "Ann\r\nBob\r\n");
     const QString script = home.file("backup.sh");
     WriteFileBytes(script, "#!/bin/sh\n");
-    EventPtr present = addAlarm("Run backup", "2009-03-05", 7, 0, 0);
-    present->ExecFile = true;
-    present->Filename = "  " + script + " ";
-    EventPtr missing = addAlarm("Run missing", "2009-03-05", 7, 0, 0);
-    missing->ExecFile = true;
-    missing->Filename = home.file("gone.sh");
+    addRun("Run backup", "2009-03-05", 7, 0, "  " + script + " ");
+    EventPtr missing = addRun("Run missing", "2009-03-05", 7, 0, home.file("gone.sh"));
     addAlarm("Ann's alarm", "2009-03-05", 7, 0, 0);
     clsLayers layers(settings);
     SharedDatabases others(settings, layers);
@@ -211,9 +220,7 @@ TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
         settings.sSet(QStringLiteral("NetworkMode"), source.mode);
         clsDbXml bobsFile(settings);
         bobsFile.SetDBFilename(source.file);
-        EventPtr bobs = addAlarm("Bob's task", "2009-03-05", 7, 0, 0, &bobsFile, "Bob");
-        bobs->ExecFile = true;
-        bobs->Filename = script;
+        addRun("Bob's task", "2009-03-05", 7, 0, script, &bobsFile, "Bob");
         bobsFile.SaveDB();
         others.ReloadSharedSet();
         services.shared = &others.SharedSet();
@@ -236,18 +243,15 @@ TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
 }
 
 TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
-    EventPtr mine = add("Mine", "2009-03-05");
-    mine->setOwner(" ann "); // the same user, as publishing compares
-    EventPtr bobs = add("Bob's", "2009-03-05");
-    bobs->setOwner("Bob");
+    EventPtr mine = add("Mine", "2009-03-05", false, nullptr, " ann "); // the same user
+    EventPtr bobs = add("Bob's", "2009-03-05", false, nullptr, "Bob");
 
     settings.sSet(QStringLiteral("Networked"), true);
     EXPECT_FALSE(DeleteEvent(services, bobs->IDCode));
     EXPECT_EQ(dialogs.texts(),
               QStringList{"You're not the owner of this event.  Only Bob can delete it."});
-    EXPECT_FALSE(bobs->Deleted);
     EXPECT_TRUE(DeleteEvent(services, mine->IDCode));
-    EXPECT_TRUE(mine->Deleted);
+    EXPECT_TRUE(mine->Deleted && !bobs->Deleted);
 
     settings.sSet(QStringLiteral("Networked"), false);
     EXPECT_TRUE(DeleteEvent(services, bobs->IDCode)) << "single-user mode has no owners to check";
@@ -257,8 +261,7 @@ TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
     auto old = std::make_shared<clsEvent>();
     expired.StoreRecord(old, true);
     EXPECT_FALSE(DeleteExpiredEvent(services, "000000"));
-    EXPECT_TRUE(DeleteExpiredEvent(services, old->IDCode));
-    EXPECT_TRUE(old->Deleted);
+    EXPECT_TRUE(DeleteExpiredEvent(services, old->IDCode) && old->Deleted);
 }
 
 // ---- the refresh tick ----
@@ -287,14 +290,8 @@ protected:
 TEST_F(RefreshTickTest, ANewDayShowsRemindersOnceAndEachAlarmIsRaisedOnceInItsMinute) {
     FixedClock clock("2009-03-05 08:44");
     add("Today's thing", "2009-03-05");
-    EventPtr daily = addAlarm("Pills", "2009-03-05", 9, 0, 15);
-    daily->setRecurring(true);
-    daily->setRecurrenceType(clsEvent::EveryXDays);
-    daily->setPeriod(1);
-    daily->setStartDate(D("2009-03-05"));
-    EventPtr run = addAlarm("Backup", "2009-03-05", 8, 45, 0);
-    run->ExecFile = true;
-    run->Filename = home.file("Events.xml");
+    repeat(addAlarm("Pills", "2009-03-05", 9, 0, 15), clsEvent::EveryXDays, 1, "2009-03-05");
+    addRun("Backup", "2009-03-05", 8, 45, home.file("Events.xml"));
     events.SaveDB();
     const QDateTime stamp = QFileInfo(events.DBFilename()).lastModified();
     const struct {
@@ -314,10 +311,10 @@ TEST_F(RefreshTickTest, ANewDayShowsRemindersOnceAndEachAlarmIsRaisedOnceInItsMi
         for (const auto& w : windows.made) {
             ++headings[w->heading];
         }
-        EXPECT_EQ(refills, t.refills) << t.advance;
-        EXPECT_EQ(headings.value("TODAY!"), t.today) << t.advance;
-        EXPECT_EQ(headings.value("ALARM!"), t.alarms) << t.advance;
-        EXPECT_EQ(opener.opened.size(), t.opened) << t.advance;
+        EXPECT_EQ(QList<qsizetype>({refills, headings.value("TODAY!"), headings.value("ALARM!"),
+                                    opener.opened.size()}),
+                  QList<qsizetype>({t.refills, t.today, t.alarms, t.opened}))
+            << t.advance;
         if (t.refills == 1) {
             EXPECT_EQ(QFileInfo(events.DBFilename()).lastModified(), stamp)
                 << "the ticks of one day touch no data file";
@@ -330,12 +327,9 @@ TEST_F(RefreshTickTest, ANewDayShowsRemindersOnceAndEachAlarmIsRaisedOnceInItsMi
 
 TEST_F(RefreshTickTest, NetworkedRefillsWhenTheSharedFilesChange) {
     FixedClock clock("2009-03-05 10:00");
-    settings.sSet(QStringLiteral("Networked"), true);
-    settings.sSet(QStringLiteral("SharedDatapath"), home.path());
-    const QString list = home.file("TVOShared.ini");
-    WriteFileBytes(list, "Ann\r\nBob\r\n");
+    networked();
     clsDbXml shared(settings);
-    shared.LoadMultiple(list);
+    shared.LoadMultiple(home.file("TVOShared.ini"));
     services.shared = &shared;
 
     tick.TimerRefresh_Timer();
@@ -355,9 +349,7 @@ TEST_F(RefreshTickTest, MissedAlarmsAreListedAfterAStartOrAClockJump) {
     EventPtr daily = addAlarm("Pills", "2009-03-05", 9, 0, 0);
     daily->setRecurring(true);
     daily->setWeekDays(254); // every day
-    EventPtr run = addAlarm("Backup", "2009-03-05", 8, 30, 0);
-    run->ExecFile = true;
-    run->Filename = home.file("Events.xml");
+    addRun("Backup", "2009-03-05", 8, 30, home.file("Events.xml"));
     addAlarm("Too old", "2009-02-25", 8, 0, 0);
     addAlarm("Yesterday", "2009-03-04", 7, 0, 0);
     addAlarm("Now", "2009-03-05", 7, 0, 0);

@@ -3,8 +3,6 @@
 #include "storage/clsDB2.h"
 
 #include "StorageFixture.h"
-#include "shared/cSharedLogging.h"
-#include "storage/clsDbXml.h"
 #include "storage/clsSounds.h"
 #include "support/ScriptedDialogs.h"
 
@@ -24,27 +22,19 @@ struct LegacyRecord {
     int16_t daysWarning = 0, minutesWarning = 0, recurrenceType = 0, weekDays = 0, dayOfMonth = 0,
             monthNumber = 0, daynumber = 0, dayOfWeek = 0, period = 0, layer = 0;
     int32_t daysLeft = 0;
-    QByteArray desc, idCode, owner, filename, email;
+    QByteArray desc{}, idCode{}, owner{}, filename{}, email{};
 
     // The 498 bytes of one record: little-endian numbers, -1 for true,
     // blank-padded text.
     QByteArray bytes() const {
         QByteArray r(498, '\0');
-        for (const auto& [at, v] : {std::pair{0, -int(deleted)},
-                                    {218, -int(recurring)},
-                                    {220, int(daysWarning)},
-                                    {222, int(minutesWarning)},
-                                    {244, int(recurrenceType)},
-                                    {246, -int(alarmSet)},
-                                    {248, int(weekDays)},
-                                    {250, int(dayOfMonth)},
-                                    {252, int(monthNumber)},
-                                    {254, int(daynumber)},
-                                    {256, int(dayOfWeek)},
-                                    {266, int(period)},
-                                    {272, int(layer)},
-                                    {288, -int(sharedEvent)},
-                                    {298, -int(execFile)}}) {
+        // clang-format off
+        for (const auto& [at, v] : {std::pair{0, -int(deleted)}, {218, -int(recurring)},
+                {220, int(daysWarning)}, {222, int(minutesWarning)}, {244, int(recurrenceType)},
+                {246, -int(alarmSet)}, {248, int(weekDays)}, {250, int(dayOfMonth)},
+                {252, int(monthNumber)}, {254, int(daynumber)}, {256, int(dayOfWeek)},
+                {266, int(period)}, {272, int(layer)}, {288, -int(sharedEvent)},
+                {298, -int(execFile)}}) {
             qToLittleEndian<qint16>(static_cast<qint16>(v), r.data() + at);
         }
         qToLittleEndian<qint32>(daysLeft, r.data() + 268);
@@ -52,13 +42,11 @@ struct LegacyRecord {
              {std::pair{2, dueDate}, {10, dueTime}, {258, startDate}, {290, alarmTime}}) {
             qToLittleEndian<quint64>(std::bit_cast<quint64>(v), r.data() + at);
         }
-        for (const auto& [at, size, v] : {std::tuple{18, 200, desc},
-                                          {232, 12, idCode},
-                                          {274, 14, owner},
-                                          {300, 150, filename},
-                                          {450, 48, email}}) {
+        for (const auto& [at, size, v] : {std::tuple{18, 200, desc}, {232, 12, idCode},
+                {274, 14, owner}, {300, 150, filename}, {450, 48, email}}) {
             r.replace(at, size, v.left(size).leftJustified(size, ' '));
         }
+        // clang-format on
         return r;
     }
 };
@@ -91,14 +79,11 @@ TEST(LegacyRecordReading, EveryFieldComesFromItsOffset) {
                            "ann@example.com"}));
 
     // Text filling its whole width is kept whole.
-    LegacyRecord full;
-    full.desc = QByteArray(199, 'x') + 'y';
-    full.email = QByteArray(48, 'm');
-    full.idCode = "123456789012";
+    const LegacyRecord full{
+        .desc = QByteArray(199, 'x') + 'y', .idCode = "123456789012", .email = QByteArray(48, 'm')};
     const EventPtr f = clsDB2::TransferTypeToObject(full.bytes());
-    EXPECT_EQ(f->Desc(), QString::fromLatin1(full.desc));
-    EXPECT_EQ(f->Email.size(), 48);
-    EXPECT_EQ(f->IDCode, "123456789012");
+    EXPECT_EQ(QStringList({f->Desc(), f->Email, f->IDCode}),
+              QStringList({QString::fromLatin1(full.desc), QString(48, 'm'), "123456789012"}));
 }
 
 // A date outside years 100 to 9999 is damage: logged, read as 0, and the
@@ -146,13 +131,11 @@ protected:
     }
     static LegacyRecord Rec(const char* id, const char* desc, const char* owner = "",
                             bool deleted = false) {
-        LegacyRecord r;
-        r.deleted = deleted;
-        r.dueDate = D("2009-03-05");
-        r.desc = desc;
-        r.idCode = id;
-        r.owner = owner;
-        return r;
+        return {.deleted = deleted,
+                .dueDate = D("2009-03-05"),
+                .desc = desc,
+                .idCode = id,
+                .owner = owner};
     }
     static QStringList Ids(const QList<EventPtr>& events) {
         QStringList ids;

@@ -89,10 +89,7 @@ TEST(LegacyRecordReading, EveryFieldComesFromItsOffset) {
 // A date outside years 100 to 9999 is damage: logged, read as 0, and the
 // rest of the record is read all the same.
 TEST(LegacyRecordReading, DatesOfYears100To9999AreReadOthersAreDamage) {
-    const struct {
-        double value;
-        bool read;
-    } cases[] = {
+    const std::pair<double, bool> cases[] = {
         {-657434.5, true},  // 0100-01-01 12:00: the fraction counts away from zero
         {-657434.0, true},  // 0100-01-01
         {2958465.99, true}, // 9999-12-31 23:45
@@ -100,18 +97,18 @@ TEST(LegacyRecordReading, DatesOfYears100To9999AreReadOthersAreDamage) {
         {2958466.0, false}, // 10000-01-01
         {1e300, false},     {std::numeric_limits<double>::quiet_NaN(), false},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.value);
+    for (const auto& [value, read] : cases) {
+        SCOPED_TRACE(value);
         LegacyRecord r = FullRecord();
-        r.alarmTime = c.value;
+        r.alarmTime = value;
         const qsizetype before = Log().pendingActions().size();
         const EventPtr e = clsDB2::TransferTypeToObject(r.bytes());
-        EXPECT_EQ(e->AlarmTime(), c.read ? c.value : 0.0);
+        EXPECT_EQ(e->AlarmTime(), read ? value : 0.0);
         EXPECT_EQ(e->Desc(), "Dentist 10:30, caf\u00e9 <&> %");
         EXPECT_EQ(Log().pendingActions().mid(before),
-                  c.read ? QStringList()
-                         : QStringList{QStringLiteral(
-                               "Overflow (6) in TransferTypeToObject AlarmTime of module clsDB2")});
+                  read ? QStringList()
+                       : QStringList{QStringLiteral(
+                             "Overflow (6) in TransferTypeToObject AlarmTime of module clsDB2")});
     }
 }
 
@@ -194,9 +191,9 @@ TEST_F(LegacyDatabaseTest, StartUpConvertsEachFileOnceAndTellsTheUserOnce) {
     settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Zoe"))); // read as saved
     const QList<EventPtr> events = LoadEvents(home.file("Events.xml"));
     const QStringList ids = Ids(events);
-    ASSERT_EQ(ids.size(), 3);
-    EXPECT_EQ(ids.mid(0, 2), QStringList({"222222", "111111"}));
-    EXPECT_EQ(ids[2].size(), 6) << "given a code on the way";
+    // The last one is given a code on the way.
+    EXPECT_EQ(std::tuple(ids.size(), ids.mid(0, 2), ids.value(2).size()),
+              std::tuple(3, QStringList({"222222", "111111"}), 6));
     QStringList seen;
     for (const EventPtr& e : events) {
         seen << e->Owner() + ' ' + e->SharedLayerName + ' ' + e->WavFile +

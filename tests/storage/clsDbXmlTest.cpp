@@ -206,12 +206,8 @@ TEST_F(DbXml, NetworkedLoadingFiltersByShareNamesAndMapsLayersByName) {
     for (int i = 1; i <= 18; ++i) {
         layers.setLayer(i, QStringLiteral("Mine %1").arg(i)); // only 19 is free
     }
-    struct Row {
-        const char *desc, *names, *layerName;
-        bool specific, visible;
-        int16_t layer, loadedLayer;
-    };
-    const Row rows[] = {
+    // desc, share names, layer name, for specific users, visible, layer, layer once loaded
+    const std::tuple<const char*, const char*, const char*, bool, bool, int16_t, int16_t> rows[] = {
         {"for all, known layer", "", "Mine 4", false, true, 9, 4},
         {"for Ann", "Bob\r\nANN\r\n", "Mine 4", true, true, 4, 4},
         {"for JoAnn", "JoAnn\r\n", "", true, true, 6, 6}, // tail match, kept layer
@@ -221,12 +217,12 @@ TEST_F(DbXml, NetworkedLoadingFiltersByShareNamesAndMapsLayersByName) {
     };
     clsDbXml writer(settings, nullptr);
     writer.SetDBFilename(path());
-    for (const Row& r : rows) {
-        auto e = MakeEvent(QString::fromLatin1(r.desc), QStringLiteral("Bob"));
-        e->ShareWithSpecific = r.specific;
-        e->ShareNames = QString::fromLatin1(r.names);
-        e->SharedLayerName = QString::fromLatin1(r.layerName);
-        e->setLayer(r.layer);
+    for (const auto& [desc, names, layerName, specific, visible, layer, loadedLayer] : rows) {
+        auto e = MakeEvent(QString::fromLatin1(desc), QStringLiteral("Bob"));
+        e->ShareWithSpecific = specific;
+        e->ShareNames = QString::fromLatin1(names);
+        e->SharedLayerName = QString::fromLatin1(layerName);
+        e->setLayer(layer);
         writer.StoreRecord(e);
     }
     writer.SaveDB();
@@ -239,11 +235,11 @@ TEST_F(DbXml, NetworkedLoadingFiltersByShareNamesAndMapsLayersByName) {
     db.setNetworked(true);
     db.LoadDB(path());
     const QStringList loaded = Descs(db.Events());
-    for (const Row& r : rows) {
-        const auto at = loaded.indexOf(QString::fromLatin1(r.desc));
-        ASSERT_EQ(at >= 0, r.visible) << r.desc;
-        if (r.visible) {
-            EXPECT_EQ(db.Events().at(at)->Layer(), r.loadedLayer) << r.desc;
+    for (const auto& [desc, names, layerName, specific, visible, layer, loadedLayer] : rows) {
+        const auto at = loaded.indexOf(QString::fromLatin1(desc));
+        ASSERT_EQ(at >= 0, visible) << desc;
+        if (visible) {
+            EXPECT_EQ(db.Events().at(at)->Layer(), loadedLayer) << desc;
         }
     }
     EXPECT_EQ(layers.Layer(19), QStringLiteral("Travel"));

@@ -45,44 +45,42 @@ protected:
 TEST_F(DbXml, CodesAreUniqueSixDigitsAndAnEditedRecordMovesToTheEnd) {
     static const QRegularExpression sixDigits(QStringLiteral("^\\d{6}$"));
     QSet<QString> codes;
+    clsDbXml many(settings);
     for (int i = 0; i < 5000; ++i) { // deleted records keep their codes
         auto e = MakeEvent(QString::number(i));
         e->Deleted = (i % 3 == 0);
-        db.StoreRecord(e);
+        many.StoreRecord(e);
         ASSERT_TRUE(sixDigits.match(e->IDCode).hasMatch() && e->IDCode.toInt() <= 100000);
         codes.insert(e->IDCode);
     }
     EXPECT_EQ(codes.size(), 5000);
 
-    clsDbXml small(settings, &layers);
-    small.SetDBFilename(path());
-    const auto a = MakeEvent(QStringLiteral("A"));
-    const auto b = MakeEvent(QStringLiteral("B"));
+    const auto a = MakeEvent(QStringLiteral("A")), b = MakeEvent(QStringLiteral("B"));
     for (const auto& e : {a, b, MakeEvent(QStringLiteral("C"))}) {
-        small.StoreRecord(e);
+        db.StoreRecord(e);
     }
     // An edited copy with A's code replaces A and goes to the end.
     auto edited = MakeEvent(QStringLiteral("A2"));
     edited->IDCode = a->IDCode;
-    small.StoreRecord(edited);
-    EXPECT_EQ(small.ReadEvent(a->IDCode), edited);
-    small.SaveDB();
+    db.StoreRecord(edited);
+    EXPECT_EQ(db.ReadEvent(a->IDCode), edited);
+    db.SaveDB();
     EXPECT_EQ(DescsInFile(), (QStringList{"B", "C", "A2"}));
     // Storing as new gives another code and keeps the original.
     auto copy = MakeEvent(QStringLiteral("copy"));
     copy->IDCode = b->IDCode;
-    small.StoreRecord(copy, true);
-    EXPECT_EQ(std::tuple(copy->IDCode != b->IDCode, small.RecordCount()), std::tuple(true, 4));
+    db.StoreRecord(copy, true);
+    EXPECT_EQ(std::tuple(copy->IDCode != b->IDCode, db.RecordCount()), std::tuple(true, 4));
     // One event object in two lists: a new code given by one list is found by the other.
     clsDbXml other(settings);
     other.StoreRecord(edited, true);
-    EXPECT_EQ(small.ReadEvent(edited->IDCode), edited);
+    EXPECT_EQ(db.ReadEvent(edited->IDCode), edited);
     // Two events with one code (a hand-merged file): taking one leaves the other found.
     auto twin = MakeEvent(QStringLiteral("B twin"));
     twin->IDCode = b->IDCode;
-    small.InsertRecord(0, twin);
-    EXPECT_TRUE(small.TakeRecord(b));
-    EXPECT_EQ(small.ReadEvent(b->IDCode), twin);
+    db.InsertRecord(0, twin);
+    EXPECT_TRUE(db.TakeRecord(b));
+    EXPECT_EQ(db.ReadEvent(b->IDCode), twin);
 }
 
 TEST_F(DbXml, DeletingAndSavingAReadOnlyFile) {

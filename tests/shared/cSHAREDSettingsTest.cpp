@@ -16,10 +16,6 @@ namespace {
 class SettingsFileTest : public ::testing::Test {
 protected:
     QString ini() const { return home.file(QStringLiteral("Tvo.ini")); }
-    void load(const QByteArray& bytes) {
-        ASSERT_TRUE(WriteFileBytes(ini(), bytes));
-        settings.LoadSettings(ini());
-    }
     QByteArray saved() {
         EXPECT_TRUE(settings.SaveSettings(ini()));
         return ReadFileBytes(ini());
@@ -48,21 +44,18 @@ TEST_F(SettingsFileTest, SavesUpperCasedKeysIntegersInPrintLayoutWindows1252AndC
 // place; bare LF ends a line. True and false words (any case, blanks around)
 // become -1 and 0 when the file is loaded, and read as booleans when set as text.
 TEST_F(SettingsFileTest, LinesKeysDuplicatesAndTruthWords) {
-    load("OWNER,Fred,Smith\r\nno comma here\r\n,starts with comma\r\n  ,blank key\r\n"
-         "GOOD,1\nB,2\r\n\r\ngood,3\r\nNOSOUNDS,-1 \r\nT, true \r\nF,FALSE\r\nX,truely\r\n");
+    ASSERT_TRUE(WriteFileBytes(
+        ini(), "OWNER,Fred,Smith\r\nno comma here\r\n,starts with comma\r\n  ,blank key\r\n"
+               "GOOD,1\nB,2\r\n\r\ngood,3\r\nNOSOUNDS,-1 \r\nT, true \r\nF,FALSE\r\nX,truely\r\n"));
+    settings.LoadSettings(ini());
     EXPECT_EQ(saved(), QByteArray("OWNER,Fred,Smith\r\nGOOD,3\r\nB,2\r\nNOSOUNDS,-1 \r\nT,-1 \r\n"
                                   "F, 0 \r\nX,truely\r\n"));
-    EXPECT_EQ(settings.sGet("owner").toText(), QStringLiteral("Fred,Smith"));
-    EXPECT_EQ(settings.sGet("NoSounds"), SettingValue("-1 "));
-    EXPECT_TRUE(settings.sGet("NoSounds").toBool());
-    EXPECT_EQ(settings.sGet("F"), SettingValue(0));
-    EXPECT_TRUE(reports.texts().isEmpty());
+    EXPECT_EQ(std::tuple(settings.sGet("owner").toText(), settings.sGet("NoSounds"),
+                         settings.sGet("NoSounds").toBool(), settings.sGet("F"), reports.texts()),
+              std::tuple("Fred,Smith", SettingValue("-1 "), true, SettingValue(0), QStringList()));
 
-    const QList<QPair<const char*, SettingValue>> set = {{" true ", true},
-                                                         {"False", false},
-                                                         {"truth", SettingValue("truth")},
-                                                         {"-1", SettingValue("-1")}};
-    for (const auto& [stored, expected] : set) {
+    for (const auto& [stored, expected] : QList<QPair<const char*, SettingValue>>{
+             {" true ", true}, {"False", false}, {"truth", "truth"}, {"-1", "-1"}}) {
         settings.sSet("K", stored);
         EXPECT_EQ(settings.sGet("K"), expected) << stored;
     }
@@ -71,9 +64,9 @@ TEST_F(SettingsFileTest, LinesKeysDuplicatesAndTruthWords) {
 TEST_F(SettingsFileTest, LoadReplacesEverythingAndMissingOrUnreadableFilesLeaveItEmpty) {
     settings.sSet("Old", 1);
     settings.LoadSettings(home.file(QStringLiteral("missing.ini")));
-    EXPECT_EQ(settings.SettingsCount(), 0);
-    EXPECT_EQ(settings.sGet("Old", 7).toInt(), 7);
-    EXPECT_TRUE(reports.texts().isEmpty());
+    EXPECT_EQ(
+        std::tuple(settings.SettingsCount(), settings.sGet("Old", 7).toInt(), reports.texts()),
+        std::tuple(0, 7, QStringList()));
 
     // A folder under the file's name cannot be read as a file.
     ASSERT_TRUE(QDir(home.path()).mkdir(QStringLiteral("Tvo.ini")));
@@ -152,19 +145,17 @@ TEST_F(SettingsSaveFailureTest, ReadOnlyFileIsMadeWritableOrLeftAloneAndToldOnce
     EXPECT_EQ(reports.secondTexts(), QStringList{SaveFailures::AdviceText()});
     access.canMakeWritable = true; // the user fixed it: the next save writes, without a word
     EXPECT_TRUE(settings.SaveSettings(ini()));
-    EXPECT_EQ(ReadFileBytes(ini()), kNew);
-    EXPECT_FALSE(AtomicFile::IsReadOnly(ini()));
-    EXPECT_EQ(reports.texts().size(), 1);
-    EXPECT_EQ(dialogs.count(), 0);
+    EXPECT_EQ(std::tuple(ReadFileBytes(ini()), AtomicFile::IsReadOnly(ini()),
+                         reports.texts().size(), dialogs.count()),
+              std::tuple(kNew, false, 1, 0));
 }
 
 TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancel) {
     access.failures = {AtomicFile::Status::DiskFull, AtomicFile::Status::DiskFull};
     dialogs.answerRetry().answerRetry();
     EXPECT_TRUE(settings.SaveSettings(ini()));
-    EXPECT_EQ(access.writes, 3);
-    EXPECT_EQ(ReadFileBytes(ini()), kNew);
-    ASSERT_EQ(dialogs.count(), 2);
+    ASSERT_EQ(std::tuple(access.writes, ReadFileBytes(ini()), dialogs.count()),
+              std::tuple(3, kNew, 2));
     EXPECT_EQ(dialogs.shown().first().kind, ScriptedDialogs::Kind::RetryCancel);
     EXPECT_TRUE(dialogs.shown().first().text.startsWith(
         QStringLiteral("You've run out of disk space on drive ")));
@@ -175,9 +166,8 @@ TEST_F(SettingsSaveFailureTest, FullDiskAsksRetryCancel) {
     access.failures = {AtomicFile::Status::DiskFull};
     dialogs.answerCancel();
     EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(access.writes, 4);
-    EXPECT_EQ(ReadFileBytes(ini()), kOld);
-    EXPECT_TRUE(dialogs.allAnswersUsed());
+    EXPECT_EQ(std::tuple(access.writes, ReadFileBytes(ini()), dialogs.allAnswersUsed()),
+              std::tuple(4, kOld, true));
     cSHAREDSettings withoutDialogs; // answers Cancel itself
     withoutDialogs.setFileAccess(&access);
     access.failures = {AtomicFile::Status::DiskFull};
@@ -196,27 +186,23 @@ TEST_F(SettingsSaveFailureTest, OtherErrorsGoToTheErrorReport) {
     EXPECT_TRUE(settings.SaveSettings(ini()));
     access.failures = {AtomicFile::Status::AccessDenied, AtomicFile::Status::AccessDenied};
     EXPECT_FALSE(settings.SaveSettings(ini()));
-    EXPECT_EQ(access.writes, 4);
-    EXPECT_EQ(access.makeWritableCalls, 1);
-    EXPECT_EQ(reports.texts().size(), 2);
-    EXPECT_EQ(dialogs.count(), 0);
+    EXPECT_EQ(std::tuple(access.writes, access.makeWritableCalls, reports.texts().size(),
+                         dialogs.count()),
+              std::tuple(4, 1, 2, 0));
 }
 
-TEST_F(SettingsFileTest, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
-    const QByteArray old = "OLD,contents\r\n";
-    ASSERT_TRUE(WriteFileBytes(ini(), old));
+TEST_F(SettingsSaveFailureTest, AWriteThatFailsHalfWayLeavesTheOldFileIntact) {
     for (int i = 0; i < 200; ++i) {
         settings.sSet(QStringLiteral("Key%1").arg(i), QString(40, QLatin1Char('x')));
     }
 
     // A file size limit makes the real write fail part of the way through.
-    const bool ok = [&] {
+    bool ok = true;
+    {
         const FileSizeLimit limit(1024);
-        return settings.SaveSettings(ini());
-    }();
-
-    EXPECT_FALSE(ok);
-    EXPECT_EQ(ReadFileBytes(ini()), old);
+        ok = settings.SaveSettings(ini());
+    }
+    EXPECT_EQ(std::tuple(ok, ReadFileBytes(ini())), std::tuple(false, kOld));
     ASSERT_EQ(reports.texts().size(), 1);
     EXPECT_TRUE(reports.texts().first().startsWith(QStringLiteral("Unable to save ") + ini()));
     // No half-written temporary is left beside it.

@@ -67,12 +67,10 @@ TEST_F(Logging, ActionsAreBufferedUntilTheTwentyFirst) {
     log.AddAction("a21");
     const QStringList lines = fileLines(logPath);
     ASSERT_EQ(lines.size(), before + 21);
-    EXPECT_EQ(lines.mid(before, 3),
+    // ... and nothing stays pending.
+    EXPECT_EQ(lines.mid(before, 3) << lines.last() << log.pendingActions(),
               QStringList({"1 14:03:22, plain", "1 14:04:57, x in P of module M",
-                           "1 14:04:57, d of module M"}));
-    EXPECT_EQ(lines.last(), "1 14:04:57, a21");
-    EXPECT_TRUE(log.pendingActions().isEmpty());
-
+                           "1 14:04:57, d of module M", "1 14:04:57, a21"}));
 }
 
 // Without a file name, or while the file cannot be opened, actions wait;
@@ -119,13 +117,11 @@ TEST_F(Logging, AFileThatCannotBeDeletedIsAppendedTo) {
     const QString folder = home.file("ro");
     QDir().mkpath(folder);
     const QString file = AppPaths::JoinPath(folder, "log.txt");
-    const QString probe = AppPaths::JoinPath(folder, "probe");
     WriteFileBytes(file, "1 10:00:00, earlier\r\n");
-    WriteFileBytes(probe, "x");
     const auto all = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
     QFile::setPermissions(folder, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     bool appendOnly = false;
-    if (QFile::remove(probe)) {
+    if (QFileInfo(folder).isWritable()) {
         // This user (root) deletes anything in a read-only folder; an
         // append-only file attribute stops even root from deleting it.
         QFile::setPermissions(folder, all);

@@ -5,7 +5,6 @@
 #include "shared/SaveFailures.h"
 #include "storage/DataFiles.h"
 #include "storage/SharedDatabases.h"
-#include "storage/clsDbXml.h"
 #include "support/RecordedErrorReports.h"
 
 #include <QDateTime>
@@ -22,13 +21,14 @@ protected:
 
     QString path() const { return home.file(QStringLiteral("Events.xml")); }
 
-    QStringList DescsInFile() {
+    static QStringList Descs(const QList<EventPtr>& events) {
         QStringList descs;
-        for (const EventPtr& e : LoadEvents(path())) {
+        for (const EventPtr& e : events) {
             descs << e->Desc();
         }
         return descs;
     }
+    QStringList DescsInFile() { return Descs(LoadEvents(path())); }
 
     // Moves the file's time stamp so that a change is seen whatever the
     // file system's time resolution.
@@ -45,45 +45,42 @@ protected:
 TEST_F(DbXml, CodesAreUniqueSixDigitsAndAnEditedRecordMovesToTheEnd) {
     static const QRegularExpression sixDigits(QStringLiteral("^\\d{6}$"));
     QSet<QString> codes;
+    clsDbXml many(settings);
     for (int i = 0; i < 5000; ++i) { // deleted records keep their codes
         auto e = MakeEvent(QString::number(i));
         e->Deleted = (i % 3 == 0);
-        db.StoreRecord(e);
+        many.StoreRecord(e);
         ASSERT_TRUE(sixDigits.match(e->IDCode).hasMatch() && e->IDCode.toInt() <= 100000);
         codes.insert(e->IDCode);
     }
     EXPECT_EQ(codes.size(), 5000);
 
-    clsDbXml small(settings, &layers);
-    small.SetDBFilename(path());
-    const auto a = MakeEvent(QStringLiteral("A"));
-    const auto b = MakeEvent(QStringLiteral("B"));
+    const auto a = MakeEvent(QStringLiteral("A")), b = MakeEvent(QStringLiteral("B"));
     for (const auto& e : {a, b, MakeEvent(QStringLiteral("C"))}) {
-        small.StoreRecord(e);
+        db.StoreRecord(e);
     }
     // An edited copy with A's code replaces A and goes to the end.
     auto edited = MakeEvent(QStringLiteral("A2"));
     edited->IDCode = a->IDCode;
-    small.StoreRecord(edited);
-    EXPECT_EQ(small.ReadEvent(a->IDCode), edited);
-    small.SaveDB();
+    db.StoreRecord(edited);
+    EXPECT_EQ(db.ReadEvent(a->IDCode), edited);
+    db.SaveDB();
     EXPECT_EQ(DescsInFile(), (QStringList{"B", "C", "A2"}));
     // Storing as new gives another code and keeps the original.
     auto copy = MakeEvent(QStringLiteral("copy"));
     copy->IDCode = b->IDCode;
-    small.StoreRecord(copy, true);
-    EXPECT_NE(copy->IDCode, b->IDCode);
-    EXPECT_EQ(small.RecordCount(), 4);
+    db.StoreRecord(copy, true);
+    EXPECT_EQ(std::tuple(copy->IDCode != b->IDCode, db.RecordCount()), std::tuple(true, 4));
     // One event object in two lists: a new code given by one list is found by the other.
     clsDbXml other(settings);
     other.StoreRecord(edited, true);
-    EXPECT_EQ(small.ReadEvent(edited->IDCode), edited);
+    EXPECT_EQ(db.ReadEvent(edited->IDCode), edited);
     // Two events with one code (a hand-merged file): taking one leaves the other found.
     auto twin = MakeEvent(QStringLiteral("B twin"));
     twin->IDCode = b->IDCode;
-    small.InsertRecord(0, twin);
-    EXPECT_TRUE(small.TakeRecord(b));
-    EXPECT_EQ(small.ReadEvent(b->IDCode), twin);
+    db.InsertRecord(0, twin);
+    EXPECT_TRUE(db.TakeRecord(b));
+    EXPECT_EQ(db.ReadEvent(b->IDCode), twin);
 }
 
 TEST_F(DbXml, DeletingAndSavingAReadOnlyFile) {
@@ -91,19 +88,17 @@ TEST_F(DbXml, DeletingAndSavingAReadOnlyFile) {
     db.StoreRecord(a);
     db.StoreRecord(MakeEvent(QStringLiteral("B")));
     db.DeleteRecord(a->IDCode);
-    EXPECT_TRUE(a->Deleted);
-    EXPECT_EQ(db.RecordCount(), 2);
-    EXPECT_EQ(DescsInFile(), QStringList{"B"});
+    EXPECT_EQ(std::tuple(a->Deleted, db.RecordCount(), DescsInFile()),
+              std::tuple(true, 2, QStringList{"B"}));
     db.DeleteRecord(QStringLiteral("999999x")); // unknown: still saves
     db.LoadDB(path());
-    EXPECT_EQ(db.RecordCount(), 1);
-    EXPECT_FALSE(db.ReadEvent(a->IDCode));
+    EXPECT_EQ(std::tuple(db.RecordCount(), db.ReadEvent(a->IDCode)), std::tuple(1, nullptr));
     // A read-only file is made writable and saved.
     ASSERT_TRUE(QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::ReadUser));
     db.StoreRecord(MakeEvent(QStringLiteral("new")));
     db.SaveDB();
-    EXPECT_EQ(DescsInFile(), (QStringList{"B", "new"}));
-    EXPECT_FALSE(db.HasUnsavedChanges());
+    EXPECT_EQ(std::tuple(DescsInFile(), db.HasUnsavedChanges()),
+              std::tuple(QStringList{"B", "new"}, false));
 }
 
 TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
@@ -114,8 +109,7 @@ TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
     SaveEvents(path(), {MakeEvent(QStringLiteral("from elsewhere"))});
     EXPECT_TRUE(db.DatabaseChanged());
     db.LoadDB(path());
-    EXPECT_EQ(db.RecordCount(), 1);
-    EXPECT_FALSE(db.DatabaseChanged());
+    EXPECT_EQ(std::tuple(db.RecordCount(), db.DatabaseChanged()), std::tuple(1, false));
 
     // Our own save does not count as a change; a later write elsewhere does,
     // and so does a stamp that moved backwards.
@@ -140,8 +134,7 @@ TEST_F(DbXml, AFailedSaveIsToldOnceAndTheEventsWaitForTheNextSave) {
     db.StoreRecord(MakeEvent(QStringLiteral("second")));
     db.SaveDB();
     EXPECT_TRUE(db.HasUnsavedChanges());
-    ASSERT_EQ(reports.texts(), QStringList{QStringLiteral("Unable to save ") + file +
-                                           QStringLiteral(": Path not found.")});
+    ASSERT_EQ(reports.texts(), QStringList{"Unable to save " + file + ": Path not found."});
     EXPECT_EQ(reports.secondTexts().first(), SaveFailures::AdviceText());
     // Reloading the databases (after the options) keeps what is not saved.
     settings.sSet(QStringLiteral("DataPath"), SettingValue(folder));
@@ -152,8 +145,7 @@ TEST_F(DbXml, AFailedSaveIsToldOnceAndTheEventsWaitForTheNextSave) {
 
     ASSERT_TRUE(QDir().mkpath(folder));
     db.SaveDB();
-    EXPECT_FALSE(db.HasUnsavedChanges());
-    EXPECT_EQ(LoadEvents(file).size(), 2);
+    EXPECT_EQ(std::tuple(db.HasUnsavedChanges(), LoadEvents(file).size()), std::tuple(false, 2));
 
     QDir(folder).removeRecursively(); // fails again: told again
     db.SaveDB();
@@ -195,9 +187,8 @@ TEST_F(DbXml, OwnerOperationsCompareTrimmedNamesAndSave) {
         db.StoreRecord(e);
     }
     db.RenameOwner(QStringLiteral("BOB "), QStringLiteral("Robert"));
-    EXPECT_EQ(bob->Owner(), QStringLiteral("Robert"));
-    EXPECT_EQ(bob2->Owner(), QStringLiteral("Robert"));
-    EXPECT_EQ(ann->Owner(), QStringLiteral(" Ann "));
+    EXPECT_EQ(QStringList({bob->Owner(), bob2->Owner(), ann->Owner()}),
+              QStringList({"Robert", "Robert", " Ann "}));
     EXPECT_TRUE(ReadFileBytes(path()).contains("<Owner>Robert</Owner>"));
 
     db.SetAllToSingleUser();
@@ -213,31 +204,23 @@ TEST_F(DbXml, NetworkedLoadingFiltersByShareNamesAndMapsLayersByName) {
     for (int i = 1; i <= 18; ++i) {
         layers.setLayer(i, QStringLiteral("Mine %1").arg(i)); // only 19 is free
     }
-    struct Row {
-        const char* desc;
-        bool specific;
-        const char* names;
-        const char* layerName;
-        int16_t layer;
-        bool visible;
-        int16_t loadedLayer;
-    };
-    const Row rows[] = {
-        {"for all, known layer", false, "", "Mine 4", 9, true, 4},
-        {"for Ann", true, "Bob\r\nANN\r\n", "Mine 4", 4, true, 4},
-        {"for JoAnn", true, "JoAnn\r\n", "", 6, true, 6}, // tail match, kept layer
-        {"for Anne", true, "Anne\r\n", "Mine 1", 1, false, 0},
-        {"new layer", false, "", "Travel", 3, true, 19},
-        {"no slot left", false, "", "Hobby", 7, true, 7},
+    // desc, share names, layer name, for specific users, visible, layer, layer once loaded
+    const std::tuple<const char*, const char*, const char*, bool, bool, int16_t, int16_t> rows[] = {
+        {"for all, known layer", "", "Mine 4", false, true, 9, 4},
+        {"for Ann", "Bob\r\nANN\r\n", "Mine 4", true, true, 4, 4},
+        {"for JoAnn", "JoAnn\r\n", "", true, true, 6, 6}, // tail match, kept layer
+        {"for Anne", "Anne\r\n", "Mine 1", true, false, 1, 0},
+        {"new layer", "", "Travel", false, true, 3, 19},
+        {"no slot left", "", "Hobby", false, true, 7, 7},
     };
     clsDbXml writer(settings, nullptr);
     writer.SetDBFilename(path());
-    for (const Row& r : rows) {
-        auto e = MakeEvent(QString::fromLatin1(r.desc), QStringLiteral("Bob"));
-        e->ShareWithSpecific = r.specific;
-        e->ShareNames = QString::fromLatin1(r.names);
-        e->SharedLayerName = QString::fromLatin1(r.layerName);
-        e->setLayer(r.layer);
+    for (const auto& [desc, names, layerName, specific, visible, layer, loadedLayer] : rows) {
+        auto e = MakeEvent(QString::fromLatin1(desc), QStringLiteral("Bob"));
+        e->ShareWithSpecific = specific;
+        e->ShareNames = QString::fromLatin1(names);
+        e->SharedLayerName = QString::fromLatin1(layerName);
+        e->setLayer(layer);
         writer.StoreRecord(e);
     }
     writer.SaveDB();
@@ -249,15 +232,12 @@ TEST_F(DbXml, NetworkedLoadingFiltersByShareNamesAndMapsLayersByName) {
 
     db.setNetworked(true);
     db.LoadDB(path());
-    QStringList loaded;
-    for (const EventPtr& e : db.Events()) {
-        loaded << e->Desc();
-    }
-    for (const Row& r : rows) {
-        const auto at = loaded.indexOf(QString::fromLatin1(r.desc));
-        ASSERT_EQ(at >= 0, r.visible) << r.desc;
-        if (r.visible) {
-            EXPECT_EQ(db.Events().at(at)->Layer(), r.loadedLayer) << r.desc;
+    const QStringList loaded = Descs(db.Events());
+    for (const auto& [desc, names, layerName, specific, visible, layer, loadedLayer] : rows) {
+        const auto at = loaded.indexOf(QString::fromLatin1(desc));
+        ASSERT_EQ(at >= 0, visible) << desc;
+        if (visible) {
+            EXPECT_EQ(db.Events().at(at)->Layer(), loadedLayer) << desc;
         }
     }
     EXPECT_EQ(layers.Layer(19), QStringLiteral("Travel"));
@@ -267,8 +247,7 @@ TEST_F(DbXml, AnUnreadableFileGivesNoRecordsAndIsLoggedUnderTheOldLabels) {
     ASSERT_TRUE(QDir().mkpath(path())); // a folder where the file should be
     db.LoadDB(path());
     EXPECT_EQ(db.RecordCount(), 0);
-    EXPECT_TRUE(
-        NewLogLines().join('\n').contains(QStringLiteral("in LoadAllEvents of module clsDB2")));
+    EXPECT_TRUE(NewLogLines().join('\n').contains("in LoadAllEvents of module clsDB2"));
 }
 
 } // namespace

@@ -280,6 +280,49 @@ void CalDavSync::TestConnection(const CalDavAccount& account, const QString& pas
         });
 }
 
+void CalDavSync::StopSharing(const CalDavAccount& account, const QString& password,
+                             const QString& stateFile,
+                             std::function<void(bool, const QString&)> done) {
+    struct Run {
+        CalDavState state;
+        CalDavPublish::Counts counts;
+    };
+    auto run = std::make_shared<Run>();
+    run->state = CalDavState::Load(stateFile, account.server.toString(), account.user);
+    const QString owner =
+        m_settings.sGet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Not Set"))).toText();
+    auto finish = [run, stateFile, done = std::move(done)](const CalDavProblem& p) {
+        QString error = p.failed ? p.error : run->state.Save(stateFile);
+        if (p.failed && run->counts.removed > 0) {
+            run->state.Save(stateFile); // what was removed is no longer recorded
+        }
+        const QString line =
+            error.isEmpty()
+                ? QStringLiteral("Stopped sharing on the CalDAV server: removed %1 events")
+                      .arg(run->counts.removed)
+                : QStringLiteral("Could not stop sharing on the CalDAV server; %1 events stay "
+                                 "there: %2")
+                      .arg(run->state.published.size())
+                      .arg(error);
+        Log().AddAction(line, QStringLiteral("StopSharing"), kModule);
+        done(error.isEmpty(), line);
+    };
+    const QString problem = account.Problem();
+    QTimer::singleShot(0, this, [=] {
+        if (!problem.isEmpty()) {
+            finish(CalDavProblem::Text(problem));
+            return;
+        }
+        auto* http = new CalDavHttp(account.user, password, this);
+        // Publishing an empty set deletes every resource the state records.
+        CalDavPublish::Run(*http, account.CollectionUrl(account.user), {}, owner, run->state,
+                           run->counts, [http, finish](const CalDavProblem& p) {
+                               http->deleteLater();
+                               finish(p);
+                           });
+    });
+}
+
 QString CalDavSync::CacheFile(const cSHAREDSettings& settings) {
     return DataFiles::CalDavCacheFile(settings);
 }

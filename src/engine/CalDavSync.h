@@ -54,6 +54,18 @@ public:
     void TestConnection(const CalDavAccount& account, const QString& password,
                         std::function<void(bool ok, const QString& line)> done);
 
+    // Takes back what this user published on the server (the resources the
+    // state file at stateFile records for this account; another program's
+    // resources stay), using the account and password given: those in force
+    // before a change of mode. The state file then records nothing
+    // published, so a later sync publishes afresh; collections read stay
+    // recorded. Nothing is read. done(ok, line) follows later, the line also
+    // logged: "Stopped sharing on the CalDAV server: removed 2 events", or
+    // the server's refusal (the events not removed stay recorded).
+    void StopSharing(const CalDavAccount& account, const QString& password,
+                     const QString& stateFile,
+                     std::function<void(bool ok, const QString& line)> done);
+
     // Data folder + "CalDAVShared.xml": the merged set, in the event-file format.
     static QString CacheFile(const cSHAREDSettings& settings);
     // Data folder + "CalDAVState.json": names and ETags of what this user

@@ -1,6 +1,7 @@
 // The calendar-server sync against a real server on loopback: what reaches
 // the server, what lands in each user's cache, and what a failure leaves.
 #include "engine/CalDavSync.h"
+#include "engine/caldav/CalDavState.h"
 #include "shared/cSHAREDSettings.h"
 #include "storage/DataFiles.h"
 #include "storage/clsDbXml.h"
@@ -215,6 +216,41 @@ TEST_F(CalDavSyncTest, AnUnchangedResyncCostsOneRequestPerCollection) {
     r = Sync("ann");
     EXPECT_EQ(r.requests, 6) << r.error.toStdString();
     EXPECT_EQ(U("ann").File(false), cache);
+}
+
+TEST_F(CalDavSyncTest, StopSharingRemovesOnlyWhatTarvoPublishedAndALaterSyncPublishesAfresh) {
+    User& ann = U("ann");
+    ann.Add("100001", "Team lunch");
+    ann.Add("100002", "Review");
+    ASSERT_TRUE(Sync("ann").ok);
+    const QByteArray phone = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Phone//EN\r\n"
+                             "BEGIN:VEVENT\r\nUID:phone-1\r\nDTSTAMP:20260101T000000Z\r\n"
+                             "DTSTART:20310601T100000Z\r\nSUMMARY:Dentist\r\n"
+                             "END:VEVENT\r\nEND:VCALENDAR\r\n";
+    ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/phone-1.ics", phone).status, 201);
+    const CalDavAccount account = CalDavAccount::FromSettings(ann.settings);
+    const QString stateFile = DataFiles::CalDavStateFile(ann.settings);
+    const auto stop = [&](const QString& password) {
+        CalDavSync sync(ann.settings);
+        QString answer;
+        sync.StopSharing(account, password, stateFile, [&](bool ok, const QString& line) {
+            answer = (ok ? "ok: " : "failed: ") + line;
+        });
+        EXPECT_TRUE(answer.isEmpty()); // the caller never waits
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !answer.isEmpty(); }, 20000));
+        return answer;
+    };
+    EXPECT_EQ(stop("wrong"), "failed: Could not stop sharing on the CalDAV server; 2 events stay "
+                             "there: The CalDAV server refused the user name or password (401 "
+                             "Unauthorized)");
+    EXPECT_EQ(server.Resources("ann").size(), 3);
+    EXPECT_EQ(stop("pw-ann"), "ok: Stopped sharing on the CalDAV server: removed 2 events");
+    EXPECT_EQ(server.Resources("ann"), QStringList({"phone-1.ics"}));
+    EXPECT_TRUE(
+        CalDavState::Load(stateFile, account.server.toString(), "ann").published.isEmpty());
+    const CalDavSyncResult again = Sync("ann");
+    EXPECT_EQ(again.published, 2) << again.error.toStdString();
+    EXPECT_EQ(server.Resources("ann").size(), 3);
 }
 
 TEST_F(CalDavSyncTest, ASilentServerDoesNotBlock) {

@@ -59,6 +59,10 @@ public:
     void MonthView();
     void EditLayers();
     void EditOptions();
+    // The options window left CalDAV mode and the user chose to stop
+    // sharing: takes back what this user published, without waiting; the
+    // outcome goes to the status bar.
+    void StopCalDavSharing();
     void ManualBackup();
     void ViewBackups();
     void CheckForUpdate();

@@ -13,6 +13,9 @@
 #include "app/dialogs/frmShareWith.h"
 #include "app/dialogs/frmTasks.h"
 #include "app/frmMain.h"
+#include "engine/CalDavAccount.h"
+#include "engine/CalDavPassword.h"
+#include "engine/CalDavSync.h"
 #include "engine/ShareableUsers.h"
 #include "engine/clsReminder.h"
 #include "shared/AppInfo.h"
@@ -271,11 +274,35 @@ void frmMain::EditLayers() {
 void frmMain::EditOptions() {
     m_refreshTimer.stop();
     frmOptions options(m_app, this);
+    connect(&options, &frmOptions::calDavSharingStopped, this, &frmMain::StopCalDavSharing);
     options.exec();
     if (!options.Cancelled()) {
         ReloadDatabases();
     }
     m_refreshTimer.start(RefreshTick::IntervalMs());
+}
+
+void frmMain::StopCalDavSharing() {
+    const CalDavAccount account = CalDavAccount::FromSettings(m_app.settings);
+    const QString stateFile = DataFiles::CalDavStateFile(m_app.settings);
+    auto* sync = new CalDavSync(m_app.settings, this);
+    auto shown = [this, sync](bool, const QString& line) {
+        statusBar()->showMessage(line, kNoticeMs);
+        sync->deleteLater();
+    };
+    CalDavPassword::Read(account, sync,
+                         [=](const QString& password, const QString& error) {
+                             if (error.isEmpty()) {
+                                 sync->StopSharing(account, password, stateFile, shown);
+                                 return;
+                             }
+                             const QString line =
+                                 QStringLiteral("Could not stop sharing on the CalDAV server: ") +
+                                 error;
+                             Log().AddAction(line, QStringLiteral("StopCalDavSharing"),
+                                             QStringLiteral("frmMain"));
+                             shown(false, line);
+                         });
 }
 
 void frmMain::Tasklist() {

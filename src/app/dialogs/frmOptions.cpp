@@ -434,6 +434,18 @@ void frmOptions::cmdSave_Click() {
                   "other users keep seeing them. The shared copy will no longer be updated."));
         }
     }
+    if (DataFiles::CalDavMode(settings) && !calDav) {
+        // Leaving the calendar server: the same question. The window does
+        // not wait for the server; its owner takes the events back with the
+        // account as it still stands in the settings.
+        if (m_context.dialogs.AskYesNo(S("Stop sharing your events with the other users?"))) {
+            emit calDavSharingStopped();
+        } else {
+            m_context.dialogs.Message(
+                S("Your shared events stay on the CalDAV server as they are now, and the other "
+                  "users keep seeing them. They will no longer be updated."));
+        }
+    }
 
     settings.sSet(QStringLiteral("DisableAutoUpdateCheck"), chkDisableAutoUpdate->isChecked());
     settings.sSet(QStringLiteral("SilentStart"), chkSilentStart->isChecked());

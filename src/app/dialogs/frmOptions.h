@@ -65,6 +65,10 @@ public:
 signals:
     // Emitted by a successful save, before the window hides.
     void Saved();
+    // Emitted by a save that leaves CalDAV mode when the user chose to stop
+    // sharing there, before any setting changes: the receiver takes back
+    // what this user published, with the account and password as they are.
+    void calDavSharingStopped();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

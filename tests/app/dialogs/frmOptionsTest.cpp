@@ -269,6 +269,27 @@ TEST_F(OptionsWindow, CalDavServerChoiceIsStoredWithoutThePassword) {
     EXPECT_FALSE(ini.contains("s3cret"));
 }
 
+// Leaving the calendar server asks the shared folder's question; only Yes
+// has the window's owner take the events back (the server part is
+// CalDavSyncTest's), No says they stay.
+TEST_F(OptionsWindow, LeavingCalDavAsksWhetherToStopSharing) {
+    for (const bool yes : {false, true}) {
+        settings.sSet(QStringLiteral("Networked"), true);
+        settings.sSet(QStringLiteral("NetworkMode"), QStringLiteral("caldav"));
+        settings.sSet(QStringLiteral("Owner"), QStringLiteral("ann"));
+        open();
+        QSignalSpy stopped(window.get(), &frmOptions::calDavSharingStopped);
+        button("optSingle")->click();
+        dialogs.clear();
+        yes ? dialogs.answerYes() : dialogs.answerNo();
+        button("cmdSave")->click();
+        EXPECT_EQ(dialogs.texts().value(0), "Stop sharing your events with the other users?");
+        EXPECT_EQ(dialogs.texts().value(1).startsWith("Your shared events stay on the CalDAV"),
+                  !yes);
+        EXPECT_EQ(stopped.size(), yes ? 1 : 0);
+    }
+}
+
 // Leaving networked use (its question and the emptied shared file are run by
 // networked_family_events.sh) makes the owner "Single", events and all.
 TEST_F(OptionsWindow, SwitchingToSingleUserStoresSingleAndTakesOverTheEvents) {

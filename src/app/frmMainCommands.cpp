@@ -290,19 +290,16 @@ void frmMain::StopCalDavSharing() {
         statusBar()->showMessage(line, kNoticeMs);
         sync->deleteLater();
     };
-    CalDavPassword::Read(account, sync,
-                         [=](const QString& password, const QString& error) {
-                             if (error.isEmpty()) {
-                                 sync->StopSharing(account, password, stateFile, shown);
-                                 return;
-                             }
-                             const QString line =
-                                 QStringLiteral("Could not stop sharing on the CalDAV server: ") +
-                                 error;
-                             Log().AddAction(line, QStringLiteral("StopCalDavSharing"),
-                                             QStringLiteral("frmMain"));
-                             shown(false, line);
-                         });
+    CalDavPassword::Read(account, sync, [=](const QString& password, const QString& error) {
+        if (error.isEmpty()) {
+            sync->StopSharing(account, password, stateFile, shown);
+            return;
+        }
+        const QString line =
+            QStringLiteral("Could not stop sharing on the CalDAV server: ") + error;
+        Log().AddAction(line, QStringLiteral("StopCalDavSharing"), QStringLiteral("frmMain"));
+        shown(false, line);
+    });
 }
 
 void frmMain::Tasklist() {

@@ -246,8 +246,7 @@ TEST_F(CalDavSyncTest, StopSharingRemovesOnlyWhatTarvoPublishedAndALaterSyncPubl
     EXPECT_EQ(server.Resources("ann").size(), 3);
     EXPECT_EQ(stop("pw-ann"), "ok: Stopped sharing on the CalDAV server: removed 2 events");
     EXPECT_EQ(server.Resources("ann"), QStringList({"phone-1.ics"}));
-    EXPECT_TRUE(
-        CalDavState::Load(stateFile, account.server.toString(), "ann").published.isEmpty());
+    EXPECT_TRUE(CalDavState::Load(stateFile, account.server.toString(), "ann").published.isEmpty());
     const CalDavSyncResult again = Sync("ann");
     EXPECT_EQ(again.published, 2) << again.error.toStdString();
     EXPECT_EQ(server.Resources("ann").size(), 3);

@@ -298,8 +298,10 @@ void CalDavSync::StopSharing(const CalDavAccount& account, const QString& passwo
         }
         const QString line =
             error.isEmpty()
-                ? QStringLiteral("Stopped sharing on the CalDAV server: removed %1 events")
+                ? QStringLiteral("Stopped sharing on the CalDAV server: removed %1 %2")
                       .arg(run->counts.removed)
+                      .arg(run->counts.removed == 1 ? QStringLiteral("event")
+                                                    : QStringLiteral("events"))
                 : QStringLiteral("Could not stop sharing on the CalDAV server; %1 events stay "
                                  "there: %2")
                       .arg(run->state.published.size())

@@ -141,10 +141,15 @@ TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
     const QString wav = home.file(QStringLiteral("bell.wav"));
     ASSERT_TRUE(WriteFileBytes(wav, "RIFF"));
 
-    for (int type = 0; type <= 5; ++type) {
-        clsEvent original;
+    // type, week days, day of month, month, period, day of week, day number, start
+    const RuleFields rules[] = {
+        {0, 2 + 8 + 64, 0, 0, 0, 0, 0, "2009-03-05"}, {1, 0, 31, 13, 0, 0, 0, "2009-03-05"},
+        {2, 0, 0, 0, 6, 0, 0, "2008-11-30"},          {3, 0, 0, 0, 6, 0, 0, "2008-11-30"},
+        {4, 0, 0, 11, 0, 3, 5, "2009-03-05"},         {5, 0, 0, 0, 6, 0, 0, "2008-11-30"}};
+    for (const RuleFields& rule : rules) {
+        const int type = rule.type;
+        clsEvent original = RepeatingEvent(rule, QStringLiteral("Line one\nLine two"));
         original.IDCode = QStringLiteral("123456");
-        original.setDesc(QStringLiteral("Line one\nLine two"));
         original.setLayer(7);
         original.setAlarmSet(true);
         original.setDueTime(TimeSerial(18, 45));
@@ -161,15 +166,6 @@ TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
         original.ShareWithSpecific = true;
         original.ShareNames = QStringLiteral("Bob\r\nAnn\r\n");
         original.setOwner(QStringLiteral("Fred"));
-        original.setRecurrenceType(type);
-        original.setWeekDays(type == 0 ? 2 + 8 + 64 : 0);
-        original.setDayOfMonth(type == 1 ? 31 : 0);
-        original.setMonthNumber(type == 1 ? 13 : type == 4 ? 11 : 0);
-        original.setDaynumber(type == 4 ? 5 : 0);
-        original.setDayOfWeek(type == 4 ? 3 : 0);
-        original.setPeriod(type == 2 || type == 3 || type == 5 ? 6 : 0);
-        original.setStartDate(type == 2 || type == 3 || type == 5 ? D("2008-11-30")
-                                                                  : D("2009-03-05"));
         original.setDueDate(D("2009-05-31"));
 
         event = original;
@@ -243,12 +239,8 @@ TEST_F(EventEditor, DependentControlsFollowTheirBoxesAndPickersFillTheirLabels) 
 // with its new due date and days left, and writes it. (Adding and
 // publishing through the real program: tests/e2e/networked_shared_category.sh.)
 TEST_F(EventEditor, EditCommandStoresTheListedEventInPlace) {
-    auto listed = std::make_shared<clsEvent>();
-    listed->setDesc(QStringLiteral("Dentist"));
-    listed->setRecurrenceType(clsEvent::EveryXDays);
-    listed->setPeriod(7);
-    listed->setStartDate(D("2009-03-01"));
-    listed->setRecurring(true);
+    auto listed = std::make_shared<clsEvent>(
+        RepeatingEvent({clsEvent::EveryXDays, 0, 0, 0, 7, 0, 0, "2009-03-01"}, "Dentist"));
     listed->setDaysLeft(-5); // as an expired copy left it
     events.StoreRecord(listed);
     auto whenEditorOpens = [](const char* desc, QStringList clicks, const char* period = "7") {

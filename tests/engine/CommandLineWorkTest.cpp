@@ -99,11 +99,10 @@ TEST_F(CommandLineWorkTest, AgendaListsEveryOccurrenceInOrder) {
     auto bobs = make("Picnic", "2030-06-07", false, 1); // another user's, by where it came from
     bobs->setOwner(" Bob ");
     EXPECT_EQ(CommandLineWork::Agenda(list, {bobs}, layers, TodayDate(), 7, 1),
-              (QStringList{"Mon 03/06/2030        Gym  [Work]",
-                           "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
-                           "Fri 07/06/2030        Gym  [Work]",
-                           "Fri 07/06/2030        Post  [Shared]",
-                           "Fri 07/06/2030        Picnic  [Shared]  from Bob"}));
+              (QStringList{
+                  "Mon 03/06/2030        Gym  [Work]", "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
+                  "Fri 07/06/2030        Gym  [Work]", "Fri 07/06/2030        Post  [Shared]",
+                  "Fri 07/06/2030        Picnic  [Shared]  from Bob"}));
 }
 
 TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {

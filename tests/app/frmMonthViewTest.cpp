@@ -77,8 +77,7 @@ TEST_F(MonthView, LayerComboFiltersAndNamesTheWindow) {
     auto* combo = view->findChild<QComboBox*>("cmbLayers");
     const struct {
         int layer;
-        const char* box;
-        const char* title;
+        const char *box, *title;
     } cases[] = {
         {2, "5\nwork\n", "TVO Monthly View (Work)"},
         {0, "5\nflagged\n", "TVO Monthly View (Shared)"},

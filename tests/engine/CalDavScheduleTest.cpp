@@ -19,11 +19,11 @@ TEST(CalDavSchedule, TicksAnswersStatusAndLog) {
     // what: 'T' a refresh tick (started when it wants a sync), 'O' a sync
     // that worked (published count in error), 'U' no answer, 'F' a refusal.
     const struct {
+        // status: after the step
+        // logged: '-' for a tick that starts nothing
         const char* at;
         char what;
-        const char* error;
-        const char* status; // after the step
-        const char* logged; // '-' for a tick that starts nothing
+        const char *error, *status, *logged;
     } steps[] = {
         {"10:00:00", 'T', "", "Syncing with the CalDAV server\u2026", ""},
         {"10:00:02", 'O', "2", "Synced 10:00",

@@ -168,10 +168,9 @@ TEST_F(CommandLineWorkTest, SyncSaysWhatIsMissingAndKeepsAnOfflineChange) {
     settings.sSet(QStringLiteral("Networked"), true);
     settings.sSet(QStringLiteral("CalDAVUser"), QStringLiteral("ann"));
     const struct {
-        const char* mode;
-        const char* url;
-        const char* password; // nullptr: none stored
-        const char* error;    // "": unreachable (nothing listens on the discard port)
+        // password: nullptr: none stored
+        // error: "": unreachable (nothing listens on the discard port)
+        const char *mode, *url, *password, *error;
     } cases[] = {
         {"folder", "http://127.0.0.1:9/", "pw", "Tarvo does not share through a CalDAV server"},
         {"caldav", "", "pw", "The CalDAV account is incomplete: No CalDAV server address is set."},

@@ -173,8 +173,7 @@ TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
         save();
         ASSERT_TRUE(window->Saved()) << "type " << type << ": " << dialogs.lastText().toStdString();
 
-        QByteArray saved;
-        QByteArray expected;
+        QByteArray saved, expected;
         EventXmlCodec::AppendBlock(saved, event);
         EventXmlCodec::AppendBlock(expected, original);
         EXPECT_EQ(saved, expected) << type;

@@ -67,14 +67,8 @@ protected:
 // and nothing is stored.
 TEST_F(OptionsWindow, RefusedSavesStoreNothing) {
     const struct {
-        const char* way;
-        const char* id;
-        const char* folder;
-        const char* url;
-        const char* user;
-        const char* password;
-        const char* says;
-        const char* focus; // "" = not checked
+        // focus: "" = not checked
+        const char *way, *id, *folder, *url, *user, *password, *says, *focus;
     } cases[] = {
         {"optSingle", "  ", "net", "", "", "", "You must specify a user ID", ""},
         {"optNetworked", "..\\..\\Fred", "net", "", "", "", "shared folder", ""},
@@ -128,12 +122,10 @@ TEST_F(OptionsWindow, SharedListShownAddedToAndRemovedFrom) {
     settings.sSet(QStringLiteral("DateStyle"), 2);
     settings.sSet(QStringLiteral("NoSounds"), true);
     open();
-    EXPECT_EQ(box("txtSharedDBPath")->text(), folder + QLatin1Char('/'));
-    EXPECT_EQ(box("txtOwner")->text(), "Fred");
-    EXPECT_TRUE(Control<QRadioButton>(window.get(), "optUSDate")->isChecked());
-    EXPECT_TRUE(check("chkNoSound")->isChecked());
+    EXPECT_EQ(QStringList({box("txtSharedDBPath")->text(), box("txtOwner")->text()}) + userNames(),
+              (QStringList{folder + QLatin1Char('/'), "Fred", "Fred", "Bob"}));
+    EXPECT_TRUE(button("optUSDate")->isChecked() && check("chkNoSound")->isChecked());
     EXPECT_TRUE(Control<QGroupBox>(window.get(), "FrameNetwork")->isEnabled());
-    EXPECT_EQ(userNames(), (QStringList{"Fred", "Bob"}));
 
     const struct {
         const char* id;
@@ -188,8 +180,7 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFileAndMissesTheSoundFile
     box("txtDatapath")->setText(home.file("data/"));
     button("optUSDate")->click();
     const struct {
-        const char* box;
-        const char* key;
+        const char *box, *key;
         bool stored; // after a click on the box as a first start shows it
     } checks[] = {{"chkSilentStart", "SilentStart", true},
                   {"chkNoAutoBackups", "NoAutoBackups", true},

@@ -79,24 +79,22 @@ TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
 }
 
 TEST_F(CommandLineWorkTest, AgendaListsEveryOccurrenceInOrder) {
-    auto make = [](const char* desc, const char* due, bool recurring, int type) {
-        auto e = std::make_shared<clsEvent>();
-        e->setDesc(QString::fromLatin1(desc));
+    // One-offs are of type 1; a rule with week days repeats.
+    auto make = [](const char* desc, const char* due, const RuleFields& rule = {1}) {
+        auto e = std::make_shared<clsEvent>(RepeatingEvent(rule, QString::fromLatin1(desc)));
+        e->setRecurring(rule.weekDays != 0);
         e->setDueDate(D(QString::fromLatin1(due)));
-        e->setRecurring(recurring);
-        e->setRecurrenceType(type);
         return e;
     };
-    auto gym = make("Gym", "2030-05-27", true, clsEvent::DaysOfWeek); // not rolled on yet
-    gym->setWeekDays(2 | 32);                                         // Monday and Friday
+    // Monday and Friday, not rolled on yet.
+    auto gym = make("Gym", "2030-05-27", {clsEvent::DaysOfWeek, 2 | 32});
     gym->setLayer(3);
-    auto call = make("Call\r\nMum", "2030-06-03", false, 1);
+    auto call = make("Call\r\nMum", "2030-06-03");
     call->setAlarmSet(true);
     call->setDueTime(TimeSerial(7, 5));
-    const QList<EventPtr> list = {gym, call, make("Later", "2030-06-09", false, 1),
-                                  make("Gone", "2030-05-31", false, 1),
-                                  make("Post", "2030-06-07", false, 1)};
-    auto bobs = make("Picnic", "2030-06-07", false, 1); // another user's, by where it came from
+    const QList<EventPtr> list = {gym, call, make("Later", "2030-06-09"),
+                                  make("Gone", "2030-05-31"), make("Post", "2030-06-07")};
+    auto bobs = make("Picnic", "2030-06-07"); // another user's, by where it came from
     bobs->setOwner(" Bob ");
     EXPECT_EQ(CommandLineWork::Agenda(list, {bobs}, layers, TodayDate(), 7, 1),
               (QStringList{

@@ -37,7 +37,15 @@ protected:
     void click(const char* name) {
         QTest::mouseClick(view->findChild<QPushButton*>(QString::fromLatin1(name)), Qt::LeftButton);
     }
+    // Prints with that button to the PDF file and returns its text.
+    QString print(const char* button, const QString& pdf) {
+        printer = std::make_unique<PdfPrintSetup>(pdf);
+        view->setPrintSetup(printer.get());
+        click(button);
+        return PdfText(pdf);
+    }
 
+    std::unique_ptr<PdfPrintSetup> printer; // outlives the view that uses it
     std::unique_ptr<frmMonthView> view;
 };
 
@@ -111,21 +119,13 @@ TEST_F(MonthView, EventListAndPrintoutsWithTheirHeadings) {
     EXPECT_EQ(lines.value(0), "Events for March 2009");
     EXPECT_EQ(lines.value(2), "Mon 2\tGym");
 
-    const QString calendarPdf = home.file("calendar.pdf");
-    PdfPrintSetup toCalendar(calendarPdf);
-    view->setPrintSetup(&toCalendar);
-    click("cmdPrintCal");
-    const QString calendar = PdfText(calendarPdf);
+    const QString calendar = print("cmdPrintCal", home.file("calendar.pdf"));
     EXPECT_TRUE(calendar.contains("Calendar for March 2009")) << calendar.toStdString();
     EXPECT_TRUE(calendar.contains("Printed 10/03/2009"));
     EXPECT_TRUE(calendar.contains("Dentist"));
     EXPECT_EQ(calendar.count("Gym"), 5) << "every Monday of March 2009";
 
-    const QString listPdf = home.file("list.pdf");
-    PdfPrintSetup toList(listPdf);
-    view->setPrintSetup(&toList);
-    click("cmd_print");
-    const QString list = PdfText(listPdf);
+    const QString list = print("cmd_print", home.file("list.pdf"));
     EXPECT_TRUE(list.contains("Events for March 2009")) << list.toStdString();
     EXPECT_TRUE(list.contains("Printed 10/03/2009"));
     EXPECT_LT(list.indexOf("Gym"), list.indexOf("Dentist")) << "day by day: the 2nd before the 5th";
@@ -133,10 +133,8 @@ TEST_F(MonthView, EventListAndPrintoutsWithTheirHeadings) {
     EXPECT_EQ(dialogs.count(), 0);
 
     const QString nowhere = home.file("no/such/folder/out.pdf");
-    PdfPrintSetup broken(nowhere);
-    view->setPrintSetup(&broken);
     for (const char* button : {"cmdPrintCal", "cmd_print"}) {
-        click(button);
+        print(button, nowhere);
         EXPECT_EQ(dialogs.lastText(), "Unable to print. " + nowhere + " not ready");
     }
     EXPECT_EQ(dialogs.count(), 2);

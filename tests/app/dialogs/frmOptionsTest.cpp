@@ -102,8 +102,7 @@ TEST_F(OptionsWindow, RefusedSavesStoreNothing) {
         check("chkSilentStart")->click();
         button("cmdSave")->click();
         ASSERT_EQ(dialogs.count(), 1) << c.says;
-        EXPECT_TRUE(dialogs.lastText().contains(QString::fromLatin1(c.says)))
-            << dialogs.lastText().toStdString();
+        EXPECT_TRUE(dialogs.lastText().contains(c.says)) << dialogs.lastText().toStdString();
         EXPECT_EQ(dialogs.shown().last().icon, UserDialogs::Icon::Warning);
         if (*c.focus) {
             EXPECT_EQ(window->focusWidget(), box(c.focus));
@@ -143,7 +142,7 @@ TEST_F(OptionsWindow, SharedListShownAddedToAndRemovedFrom) {
         box("txtSharedDBPath")->setText(c.folder ? folder : QString());
         button("cmdAddUser")->click();
         EXPECT_EQ(dialogs.count(), *c.says ? 1 : 0) << c.id;
-        EXPECT_TRUE(dialogs.lastText().contains(QString::fromUtf8(c.says)))
+        EXPECT_TRUE(dialogs.lastText().contains(c.says))
             << c.id << ": " << dialogs.lastText().toStdString();
     }
     EXPECT_EQ(ReadFileBytes(list), QByteArray("Fred\r\nBob\r\nCarl\r\n"));

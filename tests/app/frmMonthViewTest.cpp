@@ -20,32 +20,38 @@ protected:
     MonthView() {
         settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
         settings.sSet(QStringLiteral("DataPath"), home.path());
-        layers.setLayer(2, QStringLiteral("Work"));
+        layers.setLayer(2, "Work");
     }
     void open() { view = std::make_unique<frmMonthView>(context); }
 
     // Stored and saved: the view reads the file.
     EventPtr add(const QString& desc, const QString& due, int layer = 1) {
-        EventPtr e = DialogsFixture::add(events, desc, due, QStringLiteral("Ann"), layer);
+        EventPtr e = DialogsFixture::add(events, desc, due, "Ann", layer);
         events.SaveDB();
         return e;
     }
 
     // Day box of a day of the shown month.
     QString dayBox(int day) const { return view->BoxText(view->Calendar().BoxOfDay(day)); }
-    QString dateLabel() const {
-        return view->findChild<QLabel*>(QStringLiteral("lblDate"))->text();
-    }
+    QString dateLabel() const { return view->findChild<QLabel*>("lblDate")->text(); }
     void click(const char* name) {
         QTest::mouseClick(view->findChild<QPushButton*>(QString::fromLatin1(name)), Qt::LeftButton);
     }
+    // Prints with that button to the PDF file and returns its text.
+    QString print(const char* button, const QString& pdf) {
+        printer = std::make_unique<PdfPrintSetup>(pdf);
+        view->setPrintSetup(printer.get());
+        click(button);
+        return PdfText(pdf);
+    }
 
+    std::unique_ptr<PdfPrintSetup> printer; // outlives the view that uses it
     std::unique_ptr<frmMonthView> view;
 };
 
 // The buttons wrap months and years; today is light orange only in its month.
 TEST_F(MonthView, NavigationWrapsAndTodayIsMarkedInItsMonthOnly) {
-    FixedClock clock(QStringLiteral("2009-01-10 09:00"));
+    FixedClock clock("2009-01-10 09:00");
     open();
     const char* const steps[][2] = {
         {"cmd_prevmonth", "December 2008"}, {"cmd_nextmonth", "January 2009"},
@@ -69,18 +75,17 @@ TEST_F(MonthView, NavigationWrapsAndTodayIsMarkedInItsMonthOnly) {
 }
 
 TEST_F(MonthView, LayerComboFiltersAndNamesTheWindow) {
-    FixedClock clock(QStringLiteral("2009-03-10 09:00"));
-    add(QStringLiteral("work"), QStringLiteral("2009-03-05"), 2);
-    add(QStringLiteral("home"), QStringLiteral("2009-03-05"), 3);
-    add(QStringLiteral("flagged"), QStringLiteral("2009-03-05"), 3)->SharedEvent = true;
+    FixedClock clock("2009-03-10 09:00");
+    add("work", "2009-03-05", 2);
+    add("home", "2009-03-05", 3);
+    add("flagged", "2009-03-05", 3)->SharedEvent = true;
     events.SaveDB();
     const QByteArray before = ReadFileBytes(events.DBFilename());
     open();
-    auto* combo = view->findChild<QComboBox*>(QStringLiteral("cmbLayers"));
+    auto* combo = view->findChild<QComboBox*>("cmbLayers");
     const struct {
         int layer;
-        const char* box;
-        const char* title;
+        const char *box, *title;
     } cases[] = {
         {2, "5\nwork\n", "TVO Monthly View (Work)"},
         {0, "5\nflagged\n", "TVO Monthly View (Shared)"},
@@ -98,11 +103,10 @@ TEST_F(MonthView, LayerComboFiltersAndNamesTheWindow) {
 }
 
 TEST_F(MonthView, EventListAndPrintoutsWithTheirHeadings) {
-    FixedClock clock(QStringLiteral("2009-03-10 09:00"));
-    add(QStringLiteral("Dentist"), QStringLiteral("2009-03-05"));
-    add(QStringLiteral("Parents' evening at the school, bring the signed forms"),
-        QStringLiteral("2009-03-06"));
-    auto gym = add(QStringLiteral("Gym"), QStringLiteral("2009-03-02"));
+    FixedClock clock("2009-03-10 09:00");
+    add("Dentist", "2009-03-05");
+    add("Parents' evening at the school, bring the signed forms", "2009-03-06");
+    auto gym = add("Gym", "2009-03-02");
     gym->setRecurring(true);
     gym->setRecurrenceType(clsEvent::Weekly);
     gym->setPeriod(1);
@@ -112,39 +116,26 @@ TEST_F(MonthView, EventListAndPrintoutsWithTheirHeadings) {
     click("cmdViewEvents"); // the month as plain text
     const QStringList lines =
         Control<QPlainTextEdit>(view.get(), "txtEventList")->toPlainText().split(QLatin1Char('\n'));
-    EXPECT_EQ(lines.value(0), QStringLiteral("Events for March 2009"));
-    EXPECT_EQ(lines.value(2), QStringLiteral("Mon 2\tGym"));
+    EXPECT_EQ(lines.value(0), "Events for March 2009");
+    EXPECT_EQ(lines.value(2), "Mon 2\tGym");
 
-    const QString calendarPdf = home.file(QStringLiteral("calendar.pdf"));
-    PdfPrintSetup toCalendar(calendarPdf);
-    view->setPrintSetup(&toCalendar);
-    click("cmdPrintCal");
-    const QString calendar = PdfText(calendarPdf);
-    EXPECT_TRUE(calendar.contains(QStringLiteral("Calendar for March 2009")))
-        << calendar.toStdString();
-    EXPECT_TRUE(calendar.contains(QStringLiteral("Printed 10/03/2009")));
-    EXPECT_TRUE(calendar.contains(QStringLiteral("Dentist")));
-    EXPECT_EQ(calendar.count(QStringLiteral("Gym")), 5) << "every Monday of March 2009";
+    const QString calendar = print("cmdPrintCal", home.file("calendar.pdf"));
+    EXPECT_TRUE(calendar.contains("Calendar for March 2009")) << calendar.toStdString();
+    EXPECT_TRUE(calendar.contains("Printed 10/03/2009"));
+    EXPECT_TRUE(calendar.contains("Dentist"));
+    EXPECT_EQ(calendar.count("Gym"), 5) << "every Monday of March 2009";
 
-    const QString listPdf = home.file(QStringLiteral("list.pdf"));
-    PdfPrintSetup toList(listPdf);
-    view->setPrintSetup(&toList);
-    click("cmd_print");
-    const QString list = PdfText(listPdf);
-    EXPECT_TRUE(list.contains(QStringLiteral("Events for March 2009"))) << list.toStdString();
-    EXPECT_TRUE(list.contains(QStringLiteral("Printed 10/03/2009")));
-    EXPECT_LT(list.indexOf(QStringLiteral("Gym")), list.indexOf(QStringLiteral("Dentist")))
-        << "day by day: the 2nd before the 5th";
-    EXPECT_TRUE(list.contains(QStringLiteral("signed forms"))) << "whole descriptions";
+    const QString list = print("cmd_print", home.file("list.pdf"));
+    EXPECT_TRUE(list.contains("Events for March 2009")) << list.toStdString();
+    EXPECT_TRUE(list.contains("Printed 10/03/2009"));
+    EXPECT_LT(list.indexOf("Gym"), list.indexOf("Dentist")) << "day by day: the 2nd before the 5th";
+    EXPECT_TRUE(list.contains("signed forms")) << "whole descriptions";
     EXPECT_EQ(dialogs.count(), 0);
 
-    const QString nowhere = home.file(QStringLiteral("no/such/folder/out.pdf"));
-    PdfPrintSetup broken(nowhere);
-    view->setPrintSetup(&broken);
+    const QString nowhere = home.file("no/such/folder/out.pdf");
     for (const char* button : {"cmdPrintCal", "cmd_print"}) {
-        click(button);
-        EXPECT_EQ(dialogs.lastText(),
-                  QStringLiteral("Unable to print. ") + nowhere + QStringLiteral(" not ready"));
+        print(button, nowhere);
+        EXPECT_EQ(dialogs.lastText(), "Unable to print. " + nowhere + " not ready");
     }
     EXPECT_EQ(dialogs.count(), 2);
 }

@@ -19,11 +19,11 @@ TEST(CalDavSchedule, TicksAnswersStatusAndLog) {
     // what: 'T' a refresh tick (started when it wants a sync), 'O' a sync
     // that worked (published count in error), 'U' no answer, 'F' a refusal.
     const struct {
+        // status: after the step
+        // logged: '-' for a tick that starts nothing
         const char* at;
         char what;
-        const char* error;
-        const char* status; // after the step
-        const char* logged; // '-' for a tick that starts nothing
+        const char *error, *status, *logged;
     } steps[] = {
         {"10:00:00", 'T', "", "Syncing with the CalDAV server\u2026", ""},
         {"10:00:02", 'O', "2", "Synced 10:00",
@@ -54,7 +54,7 @@ TEST(CalDavSchedule, TicksAnswersStatusAndLog) {
     CalDavSchedule schedule;
     EXPECT_EQ(schedule.Status(), QString());
     for (const auto& s : steps) {
-        const DateValue now = D(QStringLiteral("2009-03-05 ") + QString::fromLatin1(s.at).left(5)) +
+        const DateValue now = D("2009-03-05 " + QString::fromLatin1(s.at).left(5)) +
                               QString::fromLatin1(s.at).right(2).toInt() / 86400.0;
         if (s.what == 'T') {
             const bool wants = schedule.TickWantsSync(now);
@@ -73,25 +73,24 @@ TEST(CalDavSchedule, TicksAnswersStatusAndLog) {
     }
 
     // No account or no password: nothing syncs, and the status says why.
-    schedule.Block(QStringLiteral("No password is stored for ann at http://127.0.0.1/"));
-    EXPECT_FALSE(schedule.TickWantsSync(D(QStringLiteral("2009-03-05 11:00"))));
-    EXPECT_EQ(schedule.Status(),
-              QStringLiteral("No password is stored for ann at http://127.0.0.1/"));
+    schedule.Block("No password is stored for ann at http://127.0.0.1/");
+    EXPECT_FALSE(schedule.TickWantsSync(D("2009-03-05 11:00")));
+    EXPECT_EQ(schedule.Status(), "No password is stored for ann at http://127.0.0.1/");
     schedule.Reset();
-    EXPECT_TRUE(schedule.TickWantsSync(D(QStringLiteral("2009-03-05 11:00"))));
+    EXPECT_TRUE(schedule.TickWantsSync(D("2009-03-05 11:00")));
 }
 
 // Saves of the events database start syncs, a burst of them only one.
 TEST(CalDavAutoSync, OneSyncAfterStartUpAndOneAfterABurstOfSaves) {
     TempHome home;
-    WriteFileBytes(home.file(QStringLiteral("Tvo.ini")),
+    WriteFileBytes(home.file("Tvo.ini"),
                    "NETWORKED,-1\r\nNETWORKMODE,caldav\r\nCALDAVURL,http://127.0.0.1:9/\r\n"
                    "CALDAVUSER,ann\r\n");
     cSHAREDSettings settings;
-    settings.LoadSettings(home.file(QStringLiteral("Tvo.ini")));
+    settings.LoadSettings(home.file("Tvo.ini"));
     clsLayers layers{settings};
     clsDbXml events{settings, &layers};
-    events.SetDBFilename(home.file(QStringLiteral("Events.xml")));
+    events.SetDBFilename(home.file("Events.xml"));
     SharedDatabases shared{settings, layers};
     qputenv(CalDavPassword::kEnvironmentVariable, "pw");
     CalDavAutoSync sync(settings, events, shared);

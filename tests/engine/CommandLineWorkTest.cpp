@@ -79,31 +79,28 @@ TEST_F(CommandLineWorkTest, AddChecksLikeTheEditorAndChangesNothingOnBadInput) {
 }
 
 TEST_F(CommandLineWorkTest, AgendaListsEveryOccurrenceInOrder) {
-    auto make = [](const char* desc, const char* due, bool recurring, int type) {
-        auto e = std::make_shared<clsEvent>();
-        e->setDesc(QString::fromLatin1(desc));
+    // One-offs are of type 1; a rule with week days repeats.
+    auto make = [](const char* desc, const char* due, const RuleFields& rule = {1}) {
+        auto e = std::make_shared<clsEvent>(RepeatingEvent(rule, QString::fromLatin1(desc)));
+        e->setRecurring(rule.weekDays != 0);
         e->setDueDate(D(QString::fromLatin1(due)));
-        e->setRecurring(recurring);
-        e->setRecurrenceType(type);
         return e;
     };
-    auto gym = make("Gym", "2030-05-27", true, clsEvent::DaysOfWeek); // not rolled on yet
-    gym->setWeekDays(2 | 32);                                         // Monday and Friday
+    // Monday and Friday, not rolled on yet.
+    auto gym = make("Gym", "2030-05-27", {clsEvent::DaysOfWeek, 2 | 32});
     gym->setLayer(3);
-    auto call = make("Call\r\nMum", "2030-06-03", false, 1);
+    auto call = make("Call\r\nMum", "2030-06-03");
     call->setAlarmSet(true);
     call->setDueTime(TimeSerial(7, 5));
-    const QList<EventPtr> list = {gym, call, make("Later", "2030-06-09", false, 1),
-                                  make("Gone", "2030-05-31", false, 1),
-                                  make("Post", "2030-06-07", false, 1)};
-    auto bobs = make("Picnic", "2030-06-07", false, 1); // another user's, by where it came from
+    const QList<EventPtr> list = {gym, call, make("Later", "2030-06-09"),
+                                  make("Gone", "2030-05-31"), make("Post", "2030-06-07")};
+    auto bobs = make("Picnic", "2030-06-07"); // another user's, by where it came from
     bobs->setOwner(" Bob ");
     EXPECT_EQ(CommandLineWork::Agenda(list, {bobs}, layers, TodayDate(), 7, 1),
-              (QStringList{"Mon 03/06/2030        Gym  [Work]",
-                           "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
-                           "Fri 07/06/2030        Gym  [Work]",
-                           "Fri 07/06/2030        Post  [Shared]",
-                           "Fri 07/06/2030        Picnic  [Shared]  from Bob"}));
+              (QStringList{
+                  "Mon 03/06/2030        Gym  [Work]", "Mon 03/06/2030 07:05  Call / Mum  [Shared]",
+                  "Fri 07/06/2030        Gym  [Work]", "Fri 07/06/2030        Post  [Shared]",
+                  "Fri 07/06/2030        Picnic  [Shared]  from Bob"}));
 }
 
 TEST_F(CommandLineWorkTest, ImportAddsAllOrNothing) {
@@ -169,10 +166,9 @@ TEST_F(CommandLineWorkTest, SyncSaysWhatIsMissingAndKeepsAnOfflineChange) {
     settings.sSet(QStringLiteral("Networked"), true);
     settings.sSet(QStringLiteral("CalDAVUser"), QStringLiteral("ann"));
     const struct {
-        const char* mode;
-        const char* url;
-        const char* password; // nullptr: none stored
-        const char* error;    // "": unreachable (nothing listens on the discard port)
+        // password: nullptr: none stored
+        // error: "": unreachable (nothing listens on the discard port)
+        const char *mode, *url, *password, *error;
     } cases[] = {
         {"folder", "http://127.0.0.1:9/", "pw", "Tarvo does not share through a CalDAV server"},
         {"caldav", "", "pw", "The CalDAV account is incomplete: No CalDAV server address is set."},

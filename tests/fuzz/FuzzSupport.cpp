@@ -24,10 +24,8 @@ QHash<QString, Body>& table() {
     return bodies;
 }
 
-QString& homeFolder() {
-    static QString home;
-    return home;
-}
+// The fuzzing home, set once by Prepare().
+QString homeFolder;
 
 } // namespace
 
@@ -41,7 +39,7 @@ Body Find(const QString& name) {
 }
 
 void Prepare() {
-    if (!homeFolder().isEmpty()) {
+    if (!homeFolder.isEmpty()) {
         return;
     }
     // Same results on every machine: UTC, an English locale and a clock that
@@ -54,7 +52,7 @@ void Prepare() {
     const QString base =
         QDir(QStringLiteral("/dev/shm")).exists() ? QStringLiteral("/dev/shm") : QDir::tempPath();
     static QTemporaryDir dir(base + QStringLiteral("/tarvo-fuzz-XXXXXX"));
-    homeFolder() = dir.path();
+    homeFolder = dir.path();
     qputenv(AppPaths::kHomeVariable, QFile::encodeName(dir.path()));
     Clock::setFixed(JoinDateValue(46188, 9 * 3600 + 30 * 60)); // 2026-06-15 09:30
 #ifdef TARVO_LIBFUZZER
@@ -64,7 +62,7 @@ void Prepare() {
 
 QString FreshFolder() {
     Prepare();
-    const QString path = homeFolder() + QStringLiteral("/work");
+    const QString path = homeFolder + QStringLiteral("/work");
     QDir(path).removeRecursively();
     QDir().mkpath(path);
     return path;

@@ -98,17 +98,15 @@ TEST_F(SharedFolder, IdsThatWouldMeetInAFileNameOrInShareWithClash) {
 
 TEST_F(SharedFolder, AListEntryThatIsNoPlainFileNamePartIsSkippedAndLogged) {
     // "Shared_x/../../private.xml" would be a file beside the shared folder.
-    User bob(QStringLiteral("Bob"), home.path(), home.path());
-    bob.Add(QStringLiteral("private"), 0, true);
+    User bob("Bob", home.path(), home.path());
+    bob.Add("private", 0, true);
     bob.local->SaveDB();
-    ASSERT_TRUE(QFile::rename(home.file(QStringLiteral("Shared_Bob.xml")),
-                              home.file(QStringLiteral("private.xml"))));
-    QDir(folder).mkpath(QStringLiteral("Shared_x"));
-    ASSERT_TRUE(WriteFileBytes(File(QStringLiteral("TVOShared.ini")),
-                               "x/../../private\r\n..\\up\r\nCarl\r\n" + QByteArray(65, 'L') +
-                                   "\r\nBad\x01\r\n"));
+    ASSERT_TRUE(QFile::rename(home.file("Shared_Bob.xml"), home.file("private.xml")));
+    QDir(folder).mkpath("Shared_x");
+    ASSERT_TRUE(WriteFileBytes(File("TVOShared.ini"), "x/../../private\r\n..\\up\r\nCarl\r\n" +
+                                                          QByteArray(65, 'L') + "\r\nBad\x01\r\n"));
 
-    User ann(QStringLiteral("Ann"), folder, home.path());
+    User ann("Ann", folder, home.path());
     ann.shared->ReloadSharedSet();
     EXPECT_EQ(ann.shared->SharedSet().SharedFiles(), (QStringList{File("Shared_Carl.xml")}));
     EXPECT_EQ(ann.shared->SharedSet().RecordCount(), 0);

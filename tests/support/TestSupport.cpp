@@ -35,9 +35,7 @@ FixedClock::FixedClock(DateValue now) {
     Clock::setFixed(now);
 }
 
-FixedClock::FixedClock(const QString& yyyyMmDdHhMm) {
-    Clock::setFixed(D(yyyyMmDdHhMm));
-}
+FixedClock::FixedClock(const QString& yyyyMmDdHhMm) : FixedClock(D(yyyyMmDdHhMm)) {}
 
 FixedClock::~FixedClock() {
     Clock::reset();
@@ -112,10 +110,7 @@ QList<DateValue> DueDatesUpTo(clsEvent event, DateValue last) {
 
 QByteArray ReadFileBytes(const QString& path) {
     QFile f(path);
-    if (!f.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    return f.readAll();
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
 
 bool WriteFileBytes(const QString& path, const QByteArray& bytes) {
@@ -131,25 +126,24 @@ QString PdfText(const QString& pdf) {
     QProcess process;
     process.start(QStringLiteral("pdftotext"),
                   {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
-    if (!process.waitForFinished(20000)) {
-        return {};
-    }
-    return QString::fromUtf8(process.readAllStandardOutput());
+    return process.waitForFinished(20000) ? QString::fromUtf8(process.readAllStandardOutput())
+                                          : QString();
 }
 
-FileSizeLimit::FileSizeLimit(unsigned long long bytes) {
+// Sets the soft file size limit and returns the one before.
+static unsigned long long SwapFileSizeLimit(unsigned long long bytes) {
     rlimit limit{};
     getrlimit(RLIMIT_FSIZE, &limit);
-    m_old = limit.rlim_cur;
-    m_oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    const unsigned long long old = limit.rlim_cur;
     limit.rlim_cur = static_cast<rlim_t>(bytes);
     setrlimit(RLIMIT_FSIZE, &limit);
+    return old;
 }
 
+FileSizeLimit::FileSizeLimit(unsigned long long bytes)
+    : m_old(SwapFileSizeLimit(bytes)), m_oldHandler(std::signal(SIGXFSZ, SIG_IGN)) {}
+
 FileSizeLimit::~FileSizeLimit() {
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    limit.rlim_cur = static_cast<rlim_t>(m_old);
-    setrlimit(RLIMIT_FSIZE, &limit);
+    SwapFileSizeLimit(m_old);
     std::signal(SIGXFSZ, m_oldHandler);
 }

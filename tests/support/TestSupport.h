@@ -18,8 +18,7 @@ class TempHome {
 public:
     TempHome();
     ~TempHome();
-    TempHome(const TempHome&) = delete;
-    TempHome& operator=(const TempHome&) = delete;
+    Q_DISABLE_COPY(TempHome)
 
     QString path() const { return m_dir.path(); }
     // path + separator + name
@@ -41,8 +40,7 @@ public:
     explicit FixedClock(DateValue now);
     explicit FixedClock(const QString& yyyyMmDdHhMm);
     ~FixedClock();
-    FixedClock(const FixedClock&) = delete;
-    FixedClock& operator=(const FixedClock&) = delete;
+    Q_DISABLE_COPY(FixedClock)
 };
 
 // "YYYY-MM-DD" or "YYYY-MM-DD HH:MM" as a date value; fails the test when the
@@ -79,8 +77,7 @@ class FileSizeLimit {
 public:
     explicit FileSizeLimit(unsigned long long bytes);
     ~FileSizeLimit();
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    Q_DISABLE_COPY(FileSizeLimit)
 
 private:
     unsigned long long m_old = 0;

@@ -46,15 +46,14 @@ protected:
     }
     // Networked, with Bob, Jim and Ann in the shared folder's user list.
     void networked() {
-        const QString folder = home.file(QStringLiteral("shared"));
+        const QString folder = home.file("shared");
         ASSERT_TRUE(QDir().mkpath(folder));
         settings.sSet(QStringLiteral("Networked"), true);
         settings.sSet(QStringLiteral("SharedDatapath"), folder);
-        ASSERT_TRUE(
-            WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Bob\r\nJim\r\nAnn\r\n"));
+        ASSERT_TRUE(WriteFileBytes(folder + "/TVOShared.ini", "Bob\r\nJim\r\nAnn\r\n"));
     }
 
-    FixedClock clock{QStringLiteral("2009-03-05 10:00")};
+    FixedClock clock{"2009-03-05 10:00"};
     clsEvent event;
     std::unique_ptr<frmEvent> window;
 };
@@ -65,7 +64,7 @@ protected:
 // 5 March 2009.
 TEST_F(EventEditor, NextDatesFollowTheRuleAsItIsEdited) {
     settings.sSet(QStringLiteral("DateStyle"), 2);
-    event.setDesc(QStringLiteral("Untouched"));
+    event.setDesc("Untouched");
     event.setRecurring(true);
     const clsEvent before = event;
     open(true);
@@ -75,7 +74,7 @@ TEST_F(EventEditor, NextDatesFollowTheRuleAsItIsEdited) {
         label("lblNextDates")->text(),
         "Next: Fri 03/06/2009, Mon 03/09/2009, Fri 03/13/2009, Mon 03/16/2009, Fri 03/20/2009");
     Control<QRadioButton>(window.get(), "optShowOnce")->click();
-    EXPECT_EQ(label("lblNextDates")->text(), QStringLiteral("Once: Fri 03/06/2009"));
+    EXPECT_EQ(label("lblNextDates")->text(), "Once: Fri 03/06/2009");
     tab(clsEvent::EveryXDays);
     EXPECT_EQ(label("lblNextDates")->text(), "\u26A0 Please enter a valid starting date");
     EXPECT_TRUE(event == before);
@@ -86,22 +85,21 @@ TEST_F(EventEditor, NextDatesFollowTheRuleAsItIsEdited) {
 // closes.
 TEST_F(EventEditor, ARefusedEntryWarnsAndTakesTheFocusUntilCorrected) {
     open().show();
-    describe(QStringLiteral("Call"));
+    describe("Call");
     check("chkDay2")->click();
     check("chkTimed")->click();
-    box("txtTime")->setText(QStringLiteral("24:00"));
+    box("txtTime")->setText("24:00");
     save();
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("Please specify a time in the range of 00:00 to 23:59"));
-    EXPECT_EQ(window->focusWidget()->objectName(), QStringLiteral("txtTime"));
+    EXPECT_EQ(dialogs.lastText(), "Please specify a time in the range of 00:00 to 23:59");
+    EXPECT_EQ(window->focusWidget()->objectName(), "txtTime");
     EXPECT_TRUE(window->isVisible() && !window->Saved());
     EXPECT_EQ(event.WeekDays(), 0) << "nothing is stored";
 
-    box("txtTime")->setText(QStringLiteral("9:30"));
+    box("txtTime")->setText("9:30");
     save();
     EXPECT_TRUE(!window->isVisible() && window->Saved());
-    EXPECT_EQ(box("txtTime")->text(), QStringLiteral("09:30")) << "shown back as HH:MM";
-    EXPECT_EQ(FormatHM(event.DueTime()), QStringLiteral("09:30"));
+    EXPECT_EQ(box("txtTime")->text(), "09:30") << "shown back as HH:MM";
+    EXPECT_EQ(FormatHM(event.DueTime()), "09:30");
     EXPECT_EQ(event.WeekDays(), 4);
 }
 
@@ -115,18 +113,17 @@ TEST_F(EventEditor, StartDatesArePickedByMouseOrKeyboard) {
             dialogs.answerDate(D("2009-04-01"));
             QTest::keyClick(label(name), key);
             ASSERT_EQ(dialogs.texts(), QStringList{"Enter start date for this event"}) << name;
-            EXPECT_EQ(label(name)->text(), QStringLiteral("01/04/2009")) << name;
+            EXPECT_EQ(label(name)->text(), "01/04/2009") << name;
             EXPECT_TRUE(window->isVisible() && !window->Saved()) << name;
         }
     }
-    describe(QStringLiteral("Call"));
+    describe("Call");
     tab(clsEvent::EveryXDays);
-    box("txtDailyPeriod")->setText(QStringLiteral("10"));
+    box("txtDailyPeriod")->setText("10");
     dialogs.answerCancel();
     QTest::mouseClick(label("lblDailyStartDate"), Qt::LeftButton);
-    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("2009-04-01")) << "starts as shown";
-    EXPECT_EQ(label("lblDailyStartDate")->text(), QStringLiteral("01/04/2009"))
-        << "cancel keeps it";
+    EXPECT_EQ(dialogs.shown().last().extra, "2009-04-01") << "starts as shown";
+    EXPECT_EQ(label("lblDailyStartDate")->text(), "01/04/2009") << "cancel keeps it";
     save();
     ASSERT_TRUE(window->Saved());
     EXPECT_EQ(event.Period(), 10);
@@ -138,13 +135,18 @@ TEST_F(EventEditor, StartDatesArePickedByMouseOrKeyboard) {
 // not pick one).
 TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
     networked();
-    const QString wav = home.file(QStringLiteral("bell.wav"));
+    const QString wav = home.file("bell.wav");
     ASSERT_TRUE(WriteFileBytes(wav, "RIFF"));
 
-    for (int type = 0; type <= 5; ++type) {
-        clsEvent original;
-        original.IDCode = QStringLiteral("123456");
-        original.setDesc(QStringLiteral("Line one\nLine two"));
+    // type, week days, day of month, month, period, day of week, day number, start
+    const RuleFields rules[] = {
+        {0, 2 + 8 + 64, 0, 0, 0, 0, 0, "2009-03-05"}, {1, 0, 31, 13, 0, 0, 0, "2009-03-05"},
+        {2, 0, 0, 0, 6, 0, 0, "2008-11-30"},          {3, 0, 0, 0, 6, 0, 0, "2008-11-30"},
+        {4, 0, 0, 11, 0, 3, 5, "2009-03-05"},         {5, 0, 0, 0, 6, 0, 0, "2008-11-30"}};
+    for (const RuleFields& rule : rules) {
+        const int type = rule.type;
+        clsEvent original = RepeatingEvent(rule, "Line one\nLine two");
+        original.IDCode = "123456";
         original.setLayer(7);
         original.setAlarmSet(true);
         original.setDueTime(TimeSerial(18, 45));
@@ -155,34 +157,23 @@ TEST_F(EventEditor, EditedEventRoundTripsEveryField) {
         original.PlayWav = true;
         original.WavFile = wav;
         original.ExecFile = true;
-        original.Filename = QStringLiteral("/data/notes.txt");
-        original.Email = QStringLiteral("fred@home.test");
+        original.Filename = "/data/notes.txt";
+        original.Email = "fred@home.test";
         original.SharedEvent = true;
         original.ShareWithSpecific = true;
-        original.ShareNames = QStringLiteral("Bob\r\nAnn\r\n");
-        original.setOwner(QStringLiteral("Fred"));
-        original.setRecurrenceType(type);
-        original.setWeekDays(type == 0 ? 2 + 8 + 64 : 0);
-        original.setDayOfMonth(type == 1 ? 31 : 0);
-        original.setMonthNumber(type == 1 ? 13 : type == 4 ? 11 : 0);
-        original.setDaynumber(type == 4 ? 5 : 0);
-        original.setDayOfWeek(type == 4 ? 3 : 0);
-        original.setPeriod(type == 2 || type == 3 || type == 5 ? 6 : 0);
-        original.setStartDate(type == 2 || type == 3 || type == 5 ? D("2008-11-30")
-                                                                  : D("2009-03-05"));
+        original.ShareNames = "Bob\r\nAnn\r\n";
+        original.setOwner("Fred");
         original.setDueDate(D("2009-05-31"));
 
         event = original;
         dialogs.clear();
         open(true);
         EXPECT_EQ(Control<QTabWidget>(window.get(), "TabStrip1")->currentIndex(), type);
-        EXPECT_TRUE(window->findChild<QGroupBox*>(QStringLiteral("FrameShared"))
-                        ->isVisibleTo(window.get()));
+        EXPECT_TRUE(window->findChild<QGroupBox*>("FrameShared")->isVisibleTo(window.get()));
         save();
         ASSERT_TRUE(window->Saved()) << "type " << type << ": " << dialogs.lastText().toStdString();
 
-        QByteArray saved;
-        QByteArray expected;
+        QByteArray saved, expected;
         EventXmlCodec::AppendBlock(saved, event);
         EventXmlCodec::AppendBlock(expected, original);
         EXPECT_EQ(saved, expected) << type;
@@ -196,12 +187,12 @@ TEST_F(EventEditor, DependentControlsFollowTheirBoxesAndPickersFillTheirLabels) 
     settings.sSet(QStringLiteral("DefaultEmail"), QStringLiteral("me@home.test"));
     open();
     EXPECT_EQ(list("lstMonthNames")->currentRow(), 2) << "the current month";
-    EXPECT_EQ(box("txtDayOfMonth")->text(), QStringLiteral("5")) << "today's day";
+    EXPECT_EQ(box("txtDayOfMonth")->text(), "5") << "today's day";
     EXPECT_TRUE(Control<QGroupBox>(window.get(), "FrameShared")->isHidden()) << "single-user";
     EXPECT_EQ(Control<QComboBox>(window.get(), "cmbLayers")->count(), 20)
         << "\"All Categories\" is no category for an event";
     check("chkEmailTo")->click();
-    EXPECT_EQ(box("txtEmailAlert")->text(), QStringLiteral("me@home.test")) << "the last address";
+    EXPECT_EQ(box("txtEmailAlert")->text(), "me@home.test") << "the last address";
     for (const bool ticked : {false, true}) {
         EXPECT_EQ(box("txtTime")->isEnabled(), ticked);
         EXPECT_EQ(box("txtMinutesWarning")->isEnabled(), ticked);
@@ -210,20 +201,20 @@ TEST_F(EventEditor, DependentControlsFollowTheirBoxesAndPickersFillTheirLabels) 
         check("chkRunFile")->click();
     }
     check("chkTimed")->click();
-    box("txtTime")->setText(QStringLiteral("23:00"));
-    EXPECT_EQ(label("lblAlarmAdvice")->text(), QStringLiteral("(Alarm will sound at 10:30pm)"));
-    box("txtMinutesWarning")->setText(QStringLiteral("5"));
-    EXPECT_EQ(label("lblAlarmAdvice")->text(), QStringLiteral("(Alarm will sound at 10:55pm)"));
+    box("txtTime")->setText("23:00");
+    EXPECT_EQ(label("lblAlarmAdvice")->text(), "(Alarm will sound at 10:30pm)");
+    box("txtMinutesWarning")->setText("5");
+    EXPECT_EQ(label("lblAlarmAdvice")->text(), "(Alarm will sound at 10:55pm)");
 
-    dialogs.answerText(QStringLiteral("/sounds/gong.wav"));
+    dialogs.answerText("/sounds/gong.wav");
     check("chkMakeNoise")->click(); // with no file yet it asks for one
-    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("WAV files (*.wav)|*.wav"));
-    EXPECT_EQ(label("lblWavFile")->text(), QStringLiteral("/sounds/gong.wav"));
+    EXPECT_EQ(dialogs.shown().last().extra, "WAV files (*.wav)|*.wav");
+    EXPECT_EQ(label("lblWavFile")->text(), "/sounds/gong.wav");
     check("chkRunFile")->click();
-    dialogs.answerText(QStringLiteral("/data/plan.txt"));
+    dialogs.answerText("/data/plan.txt");
     Control<QPushButton>(window.get(), "cmdPickFile")->click();
     Control<QPushButton>(window.get(), "cmdPickFile")->click(); // cancelled
-    EXPECT_EQ(label("lblExecFile")->text(), QStringLiteral("/data/plan.txt"));
+    EXPECT_EQ(label("lblExecFile")->text(), "/data/plan.txt");
 
     networked();
     open();
@@ -235,7 +226,7 @@ TEST_F(EventEditor, DependentControlsFollowTheirBoxesAndPickersFillTheirLabels) 
     settings.sSet(QStringLiteral("CalDAVUsers"), QStringLiteral("Carol, Dave"));
     open();
     ASSERT_EQ(list("lstUsers")->count(), 2);
-    EXPECT_EQ(list("lstUsers")->item(1)->text(), QStringLiteral("Dave"));
+    EXPECT_EQ(list("lstUsers")->item(1)->text(), "Dave");
 }
 
 // The edit command around the editor: a failed save and Abort leave the
@@ -243,20 +234,14 @@ TEST_F(EventEditor, DependentControlsFollowTheirBoxesAndPickersFillTheirLabels) 
 // with its new due date and days left, and writes it. (Adding and
 // publishing through the real program: tests/e2e/networked_shared_category.sh.)
 TEST_F(EventEditor, EditCommandStoresTheListedEventInPlace) {
-    auto listed = std::make_shared<clsEvent>();
-    listed->setDesc(QStringLiteral("Dentist"));
-    listed->setRecurrenceType(clsEvent::EveryXDays);
-    listed->setPeriod(7);
-    listed->setStartDate(D("2009-03-01"));
-    listed->setRecurring(true);
+    auto listed = std::make_shared<clsEvent>(
+        RepeatingEvent({clsEvent::EveryXDays, 0, 0, 0, 7, 0, 0, "2009-03-01"}, "Dentist"));
     listed->setDaysLeft(-5); // as an expired copy left it
     events.StoreRecord(listed);
     auto whenEditorOpens = [](const char* desc, QStringList clicks, const char* period = "7") {
         WhenModalAppears([=](QWidget* editor) {
-            editor->findChild<QPlainTextEdit*>(QStringLiteral("txtDesc"))
-                ->setPlainText(QString::fromLatin1(desc));
-            editor->findChild<QLineEdit*>(QStringLiteral("txtDailyPeriod"))
-                ->setText(QString::fromLatin1(period));
+            editor->findChild<QPlainTextEdit*>("txtDesc")->setPlainText(QString::fromLatin1(desc));
+            editor->findChild<QLineEdit*>("txtDailyPeriod")->setText(QString::fromLatin1(period));
             for (const QString& name : clicks) {
                 editor->findChild<QPushButton*>(name)->click();
             }
@@ -265,9 +250,8 @@ TEST_F(EventEditor, EditCommandStoresTheListedEventInPlace) {
 
     whenEditorOpens("half typed", {"cmdSave", "cmdAbort"}, "often");
     EXPECT_FALSE(EventEditFlow::EditEvent(context, events, listed));
-    EXPECT_EQ(dialogs.texts(),
-              QStringList{QStringLiteral("Please enter a number in the repeat box")});
-    EXPECT_EQ(listed->Desc(), QStringLiteral("Dentist"));
+    EXPECT_EQ(dialogs.texts(), QStringList{"Please enter a number in the repeat box"});
+    EXPECT_EQ(listed->Desc(), "Dentist");
     EXPECT_FALSE(QFileInfo::exists(events.DBFilename()));
 
     whenEditorOpens("Dentist, new time", {"cmdSave"});

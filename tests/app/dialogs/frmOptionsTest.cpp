@@ -27,7 +27,7 @@ namespace {
 class OptionsWindow : public ::testing::Test, protected DialogsFixture {
 protected:
     // The default sound file exists, so that saving gives no sound message.
-    OptionsWindow() { EXPECT_TRUE(WriteFileBytes(home.file(QStringLiteral("alarm.wav")), "RIFF")); }
+    OptionsWindow() { EXPECT_TRUE(WriteFileBytes(home.file("alarm.wav"), "RIFF")); }
 
     frmOptions& open() {
         window = std::make_unique<frmOptions>(context);
@@ -35,9 +35,9 @@ protected:
     }
     // Networked use as owner of a shared folder holding that user list.
     QString networked(const QString& owner, const QByteArray& list) {
-        const QString folder = home.file(QStringLiteral("net"));
+        const QString folder = home.file("net");
         EXPECT_TRUE(QDir().mkpath(folder));
-        EXPECT_TRUE(WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), list));
+        EXPECT_TRUE(WriteFileBytes(folder + "/TVOShared.ini", list));
         settings.sSet(QStringLiteral("SharedDataPath"), folder);
         settings.sSet(QStringLiteral("Owner"), owner);
         settings.sSet(QStringLiteral("Networked"), true);
@@ -67,14 +67,8 @@ protected:
 // and nothing is stored.
 TEST_F(OptionsWindow, RefusedSavesStoreNothing) {
     const struct {
-        const char* way;
-        const char* id;
-        const char* folder;
-        const char* url;
-        const char* user;
-        const char* password;
-        const char* says;
-        const char* focus; // "" = not checked
+        // focus: "" = not checked
+        const char *way, *id, *folder, *url, *user, *password, *says, *focus;
     } cases[] = {
         {"optSingle", "  ", "net", "", "", "", "You must specify a user ID", ""},
         {"optNetworked", "..\\..\\Fred", "net", "", "", "", "shared folder", ""},
@@ -92,7 +86,7 @@ TEST_F(OptionsWindow, RefusedSavesStoreNothing) {
          "The password for ann at http://127.0.0.1:5232/ cannot be stored in the secret store: ",
          "txtCalDavPassword"},
     };
-    QDir().mkpath(home.file(QStringLiteral("net")));
+    QDir().mkpath(home.file("net"));
     for (const auto& c : cases) {
         dialogs.clear();
         open();
@@ -101,16 +95,14 @@ TEST_F(OptionsWindow, RefusedSavesStoreNothing) {
         }
         button(c.way)->click();
         box("txtOwner")->setText(QString::fromLatin1(c.id));
-        box("txtSharedDBPath")
-            ->setText(*c.folder == 'n' ? home.file(QStringLiteral("net")) : QStringLiteral(" "));
+        box("txtSharedDBPath")->setText(*c.folder == 'n' ? home.file("net") : " ");
         box("txtCalDavUrl")->setText(QString::fromLatin1(c.url));
         box("txtCalDavUser")->setText(QString::fromLatin1(c.user));
         QTest::keyClicks(box("txtCalDavPassword"), QString::fromLatin1(c.password));
         check("chkSilentStart")->click();
         button("cmdSave")->click();
         ASSERT_EQ(dialogs.count(), 1) << c.says;
-        EXPECT_TRUE(dialogs.lastText().contains(QString::fromLatin1(c.says)))
-            << dialogs.lastText().toStdString();
+        EXPECT_TRUE(dialogs.lastText().contains(c.says)) << dialogs.lastText().toStdString();
         EXPECT_EQ(dialogs.shown().last().icon, UserDialogs::Icon::Warning);
         if (*c.focus) {
             EXPECT_EQ(window->focusWidget(), box(c.focus));
@@ -124,17 +116,15 @@ TEST_F(OptionsWindow, RefusedSavesStoreNothing) {
 // The stored values and the shared list are shown; adding the typed ID to
 // the list tells its refusals and grows the list file, removing asks first.
 TEST_F(OptionsWindow, SharedListShownAddedToAndRemovedFrom) {
-    const QString folder = networked(QStringLiteral("Fred"), "Fred\r\nBob\r\n");
-    const QString list = folder + QStringLiteral("/TVOShared.ini");
+    const QString folder = networked("Fred", "Fred\r\nBob\r\n");
+    const QString list = folder + "/TVOShared.ini";
     settings.sSet(QStringLiteral("DateStyle"), 2);
     settings.sSet(QStringLiteral("NoSounds"), true);
     open();
-    EXPECT_EQ(box("txtSharedDBPath")->text(), folder + QLatin1Char('/'));
-    EXPECT_EQ(box("txtOwner")->text(), QStringLiteral("Fred"));
-    EXPECT_TRUE(Control<QRadioButton>(window.get(), "optUSDate")->isChecked());
-    EXPECT_TRUE(check("chkNoSound")->isChecked());
+    EXPECT_EQ(QStringList({box("txtSharedDBPath")->text(), box("txtOwner")->text()}) + userNames(),
+              (QStringList{folder + QLatin1Char('/'), "Fred", "Fred", "Bob"}));
+    EXPECT_TRUE(button("optUSDate")->isChecked() && check("chkNoSound")->isChecked());
     EXPECT_TRUE(Control<QGroupBox>(window.get(), "FrameNetwork")->isEnabled());
-    EXPECT_EQ(userNames(), (QStringList{QStringLiteral("Fred"), QStringLiteral("Bob")}));
 
     const struct {
         const char* id;
@@ -152,7 +142,7 @@ TEST_F(OptionsWindow, SharedListShownAddedToAndRemovedFrom) {
         box("txtSharedDBPath")->setText(c.folder ? folder : QString());
         button("cmdAddUser")->click();
         EXPECT_EQ(dialogs.count(), *c.says ? 1 : 0) << c.id;
-        EXPECT_TRUE(dialogs.lastText().contains(QString::fromUtf8(c.says)))
+        EXPECT_TRUE(dialogs.lastText().contains(c.says))
             << c.id << ": " << dialogs.lastText().toStdString();
     }
     EXPECT_EQ(ReadFileBytes(list), QByteArray("Fred\r\nBob\r\nCarl\r\n"));
@@ -162,8 +152,8 @@ TEST_F(OptionsWindow, SharedListShownAddedToAndRemovedFrom) {
         yes ? dialogs.answerYes() : dialogs.answerNo();
         button("cmdDel")->click();
     }
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Are you sure you want to remove these users?"));
-    EXPECT_EQ(userNames(), QStringList{QStringLiteral("Bob")});
+    EXPECT_EQ(dialogs.lastText(), "Are you sure you want to remove these users?");
+    EXPECT_EQ(userNames(), QStringList{"Bob"});
     EXPECT_EQ(ReadFileBytes(list), QByteArray("Bob\r\n"));
 
     box("txtSharedDBPath")->setText(home.path());
@@ -180,18 +170,16 @@ TEST_F(OptionsWindow, SharedListShownAddedToAndRemovedFrom) {
     dialogs.clear();
     button("cmdSave")->click();
     EXPECT_FALSE(window->Cancelled());
-    EXPECT_TRUE(dialogs.lastText().contains(QStringLiteral("stays as it is")))
-        << dialogs.lastText().toStdString();
+    EXPECT_TRUE(dialogs.lastText().contains("stays as it is")) << dialogs.lastText().toStdString();
 }
 
 TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFileAndMissesTheSoundFile) {
     frmOptions& w = open();
     QSignalSpy saved(&w, &frmOptions::Saved);
-    box("txtDatapath")->setText(home.file(QStringLiteral("data/")));
+    box("txtDatapath")->setText(home.file("data/"));
     button("optUSDate")->click();
     const struct {
-        const char* box;
-        const char* key;
+        const char *box, *key;
         bool stored; // after a click on the box as a first start shows it
     } checks[] = {{"chkSilentStart", "SilentStart", true},
                   {"chkNoAutoBackups", "NoAutoBackups", true},
@@ -208,27 +196,26 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFileAndMissesTheSoundFile
     for (const auto& c : checks) {
         EXPECT_EQ(reread.sGet(QString::fromLatin1(c.key)).toBool(), c.stored) << c.key;
     }
-    EXPECT_EQ(reread.sGet(QStringLiteral("Datapath")).toText(), QStringLiteral("data"))
+    EXPECT_EQ(reread.sGet("Datapath").toText(), "data")
         << "stored relative to the home folder, without the separator";
-    EXPECT_EQ(reread.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
-    EXPECT_EQ(reread.sGet(QStringLiteral("DateStyle")).toInt(), 2);
-    EXPECT_EQ(reread.sGet(QStringLiteral("WavFile")).toText(), home.file("alarm.wav"));
+    EXPECT_EQ(reread.sGet("Owner").toText(), "Single");
+    EXPECT_EQ(reread.sGet("DateStyle").toInt(), 2);
+    EXPECT_EQ(reread.sGet("WavFile").toText(), home.file("alarm.wav"));
     EXPECT_TRUE(Autostart::IsEnabled()) << "a first start offers the login entry ticked";
 
     open(); // a backslash path loses only its last separator
     EXPECT_TRUE(check("chkAutostart")->isChecked());
     check("chkAutostart")->click();
-    box("txtDatapath")->setText(QStringLiteral("C:\\Data\\"));
+    box("txtDatapath")->setText("C:\\Data\\");
     button("cmdSave")->click();
     EXPECT_FALSE(Autostart::IsEnabled());
-    EXPECT_EQ(settings.sGet(QStringLiteral("DataPath")).toText(), QStringLiteral("C:\\Data"));
+    EXPECT_EQ(settings.sGet("DataPath").toText(), "C:\\Data");
 
     open(); // a missing sound file turns sounds off, unless they are off already
-    box("txtAlarmWav")->setText(home.file(QStringLiteral("nothing.wav")));
+    box("txtAlarmWav")->setText(home.file("nothing.wav"));
     button("cmdSave")->click();
-    EXPECT_EQ(dialogs.texts(),
-              QStringList{QStringLiteral("Cannot find specified WAV file. Sounds disabled.")});
-    EXPECT_TRUE(settings.sGet(QStringLiteral("NoSounds")).toBool());
+    EXPECT_EQ(dialogs.texts(), QStringList{"Cannot find specified WAV file. Sounds disabled."});
+    EXPECT_TRUE(settings.sGet("NoSounds").toBool());
     dialogs.clear();
     open();
     EXPECT_TRUE(check("chkNoSound")->isChecked());
@@ -240,27 +227,26 @@ TEST_F(OptionsWindow, SaveStoresEveryChoiceAndWritesTheFileAndMissesTheSoundFile
 // in its mode; the choice is stored, the password never, and the shared
 // folder is left as when leaving it.
 TEST_F(OptionsWindow, CalDavServerChoiceIsStoredWithoutThePassword) {
-    const QString folder = networked(QStringLiteral("Ann"), "Bob\r\nAnn\r\n");
+    const QString folder = networked("Ann", "Bob\r\nAnn\r\n");
     open();
     for (const bool calDav : {true, false, true}) {
         button(calDav ? "optCalDav" : "optFolder")->click();
         EXPECT_EQ(box("txtSharedDBPath")->isEnabled(), !calDav);
         EXPECT_EQ(box("txtCalDavUrl")->isEnabled(), calDav);
     }
-    box("txtCalDavUrl")->setText(QStringLiteral("http://example.com"));
+    box("txtCalDavUrl")->setText("http://example.com");
     button("cmdTestCalDav")->click();
     EXPECT_TRUE(Control<QLabel>(window.get(), "lblCalDavTest")->text().endsWith("for example.com"));
 
     dialogs.answerYes();
-    QTest::keyClicks(box("txtCalDavPassword"), QStringLiteral("s3cret"));
+    QTest::keyClicks(box("txtCalDavPassword"), "s3cret");
     box("txtCalDavPassword")->clear(); // emptied: the stored one stays
-    box("txtCalDavUrl")->setText(QStringLiteral("http://127.0.0.1:5232"));
-    box("txtCalDavUser")->setText(QStringLiteral("ann"));
-    box("txtCalDavUsers")->setText(QStringLiteral(" bob, carol "));
+    box("txtCalDavUrl")->setText("http://127.0.0.1:5232");
+    box("txtCalDavUser")->setText("ann");
+    box("txtCalDavUsers")->setText(" bob, carol ");
     button("cmdSave")->click();
-    EXPECT_EQ(dialogs.texts(),
-              QStringList{QStringLiteral("Stop sharing your events with the other users?")});
-    EXPECT_EQ(ReadFileBytes(folder + QStringLiteral("/TVOShared.ini")), QByteArray("Bob\r\n"));
+    EXPECT_EQ(dialogs.texts(), QStringList{"Stop sharing your events with the other users?"});
+    EXPECT_EQ(ReadFileBytes(folder + "/TVOShared.ini"), QByteArray("Bob\r\n"));
     const QByteArray ini = ReadFileBytes(context.settingsFile);
     for (const char* line : {"NETWORKMODE,caldav\r\n", "CALDAVURL,http://127.0.0.1:5232\r\n",
                              "CALDAVUSER,ann\r\n", "CALDAVUSERS,bob, carol\r\n", "OWNER,Ann\r\n"}) {
@@ -293,34 +279,32 @@ TEST_F(OptionsWindow, LeavingCalDavAsksWhetherToStopSharing) {
 // Leaving networked use (its question and the emptied shared file are run by
 // networked_family_events.sh) makes the owner "Single", events and all.
 TEST_F(OptionsWindow, SwitchingToSingleUserStoresSingleAndTakesOverTheEvents) {
-    const QString folder = networked(QStringLiteral("Fred"), "Fred\r\n");
-    auto team =
-        TestEvent(QStringLiteral("Team"), QStringLiteral("2030-01-01"), QStringLiteral("Fred"));
+    const QString folder = networked("Fred", "Fred\r\n");
+    auto team = TestEvent("Team", "2030-01-01", "Fred");
     team->SharedEvent = true;
     events.StoreRecord(team);
     open();
     button("optSingle")->click();
     dialogs.answerYes();
     button("cmdSave")->click();
-    EXPECT_EQ(settings.sGet(QStringLiteral("Owner")).toText(), QStringLiteral("Single"));
-    EXPECT_TRUE(
-        ReadFileBytes(home.file(QStringLiteral("Events.xml"))).contains("<Owner>Single</Owner>"));
-    EXPECT_FALSE(QFileInfo::exists(folder + QStringLiteral("/Shared_Single.xml")));
+    EXPECT_EQ(settings.sGet("Owner").toText(), "Single");
+    EXPECT_TRUE(ReadFileBytes(home.file("Events.xml")).contains("<Owner>Single</Owner>"));
+    EXPECT_FALSE(QFileInfo::exists(folder + "/Shared_Single.xml"));
 }
 
 TEST_F(OptionsWindow, BrowseButtonsAndHomePageAndClosingStoresNothing) {
     open();
-    dialogs.answerText(QStringLiteral("/srv/tarvo"));
+    dialogs.answerText("/srv/tarvo");
     button("cmdDatapath")->click();
-    EXPECT_EQ(box("txtDatapath")->text(), QStringLiteral("/srv/tarvo"));
-    dialogs.answerText(QStringLiteral("/srv/bell.wav"));
+    EXPECT_EQ(box("txtDatapath")->text(), "/srv/tarvo");
+    dialogs.answerText("/srv/bell.wav");
     button("cmdPickWav")->click();
     button("cmdPickWav")->click(); // cancelled
-    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("WAV files (*.wav)|*.wav"));
-    EXPECT_EQ(box("txtAlarmWav")->text(), QStringLiteral("/srv/bell.wav"));
+    EXPECT_EQ(dialogs.shown().last().extra, "WAV files (*.wav)|*.wav");
+    EXPECT_EQ(box("txtAlarmWav")->text(), "/srv/bell.wav");
 
     button("cmdHomePage")->click();
-    auto* page = window->findChild<TextViewer*>(QStringLiteral("frmHelp"));
+    auto* page = window->findChild<TextViewer*>("frmHelp");
     ASSERT_NE(page, nullptr) << "the home page is the built-in help's About section";
     QCoreApplication::processEvents();
     EXPECT_GT(page->browser()->verticalScrollBar()->value(), 0) << "scrolled to the section";

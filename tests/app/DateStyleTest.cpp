@@ -15,19 +15,19 @@ namespace {
 
 class DateStyle : public ::testing::Test, protected DialogsFixture {
 protected:
-    DateStyle() { settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann")); }
+    DateStyle() { settings.sSet("Owner", QStringLiteral("Ann")); }
 
     QString listedDate() {
         auto e = std::make_shared<clsEvent>();
-        e->setDueDate(D(QStringLiteral("2009-03-17")));
+        e->setDueDate(D("2009-03-17"));
         EventListModel model(context);
         model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
         return model.cellText(0, EventListModel::ColDate);
     }
     QString printedTaskList() {
-        TaskListFile(home.path()).Save({QStringLiteral("Buy milk"), QStringLiteral("Fix bike")});
+        TaskListFile(home.path()).Save({"Buy milk", "Fix bike"});
         frmTasks tasks(settings, dialogs);
-        const QString pdf = home.file(QStringLiteral("tasks.pdf"));
+        const QString pdf = home.file("tasks.pdf");
         PdfPrintSetup setup(pdf);
         tasks.setPrintSetup(&setup);
         Control<QPushButton>(&tasks, "cmd_print")->click();
@@ -36,8 +36,8 @@ protected:
     // The captions of the reminder and alarm windows shown.
     QStringList captions() {
         auto call = std::make_shared<clsEvent>();
-        call->setDesc(QStringLiteral("Call"));
-        call->setDueDate(D(QStringLiteral("2009-03-17")));
+        call->setDesc("Call");
+        call->setDueDate(D("2009-03-17"));
         call->setAlarmSet(true);
         call->setAlarmTime(TimeSerial(8, 0));
         events.StoreRecord(call);
@@ -52,7 +52,7 @@ protected:
         return texts;
     }
 
-    FixedClock clock{QStringLiteral("2009-03-17 08:00")};
+    FixedClock clock{"2009-03-17 08:00"};
 };
 
 TEST_F(DateStyle, EveryShownDateFollowsTheSetting) {
@@ -65,16 +65,15 @@ TEST_F(DateStyle, EveryShownDateFollowsTheSetting) {
     } cases[] = {{1, "17/03/2009", "17/03"}, {2, "03/17/2009", "03/17"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.style);
-        settings.sSet(QStringLiteral("DateStyle"), c.style);
+        settings.sSet("DateStyle", c.style);
         const QString today = QString::fromLatin1(c.today);
-        EXPECT_EQ(listedDate(), QString::fromLatin1(c.dayMonth));
+        EXPECT_EQ(listedDate(), c.dayMonth);
         const QString printed = printedTaskList();
-        for (const QString& line : {QStringLiteral("Tarvo task list"), QString("Printed " + today),
-                                    QStringLiteral("1) Buy milk"), QStringLiteral("2) Fix bike")}) {
+        for (const QString& line :
+             QStringList{"Tarvo task list", "Printed " + today, "1) Buy milk", "2) Fix bike"}) {
             EXPECT_TRUE(printed.contains(line)) << printed.toStdString();
         }
-        EXPECT_EQ(captions(), (QStringList{QStringLiteral("TODAY! - ") + today,
-                                           QStringLiteral("ALARM! - ") + today + " 08:00"}));
+        EXPECT_EQ(captions(), (QStringList{"TODAY! - " + today, "ALARM! - " + today + " 08:00"}));
     }
 }
 

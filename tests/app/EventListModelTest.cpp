@@ -15,7 +15,7 @@ using Col = EventListModel::Column;
 struct NewEvent {
     QString desc;
     QString due; // "YYYY-MM-DD"
-    QString owner = QStringLiteral("Ann");
+    QString owner = "Ann";
     int16_t layer = 1;
     bool shared = false;
     bool specific = false;
@@ -25,8 +25,8 @@ struct NewEvent {
 class EventList : public ::testing::Test, protected DialogsFixture {
 protected:
     EventList() {
-        settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
-        layers.setLayer(3, QStringLiteral("Work"));
+        settings.sSet("Owner", SettingValue("Ann"));
+        layers.setLayer(3, "Work");
     }
 
     static EventPtr Make(const NewEvent& s) {
@@ -51,7 +51,7 @@ protected:
         return out;
     }
 
-    FixedClock clock{QStringLiteral("2009-03-05 10:00")}; // a Thursday
+    FixedClock clock{"2009-03-05 10:00"}; // a Thursday
     EventListModel model{context};
 };
 

@@ -29,11 +29,11 @@ struct User : DialogsFixture {
 
 TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
     TempHome home;
-    FixedClock clock(QStringLiteral("2009-03-05 10:00"));
-    const QString folder = home.file(QStringLiteral("shared"));
+    FixedClock clock("2009-03-05 10:00");
+    const QString folder = home.file("shared");
     QDir().mkpath(folder);
-    WriteFileBytes(folder + QStringLiteral("/TVOShared.ini"), "Ann\r\nBob\r\n");
-    User ann(QStringLiteral("Ann"), folder);
+    WriteFileBytes(folder + "/TVOShared.ini", "Ann\r\nBob\r\n");
+    User ann("Ann", folder);
     // As a publish leaves them: "For Carl" is shared with Carl only, and
     // "Renamed" was published before its category was renamed "Work".
     QByteArray bytes;
@@ -47,19 +47,18 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
         bytes += QByteArray("<TVO2><EVENT><Owner>Ann</Owner><DueDate>2009-03-20</DueDate>") +
                  fields + "</EVENT></TVO2>\r\n";
     }
-    WriteFileBytes(ann.home.file(QStringLiteral("Events.xml")), bytes);
+    WriteFileBytes(ann.home.file("Events.xml"), bytes);
 
     ASSERT_TRUE(ann.Start());
     QStringList own;
     for (const EventPtr& e : ann.events.Events()) {
         own << e->Desc() + QLatin1Char('@') + QString::number(e->Layer());
     }
-    EXPECT_EQ(own, (QStringList{QStringLiteral("Dinner@0"), QStringLiteral("For Carl@3"),
-                                QStringLiteral("Renamed@3")}));
-    EXPECT_EQ(ann.layers.Layer(19), QStringLiteral("Layer 19")) << "no category was created";
+    EXPECT_EQ(own, (QStringList{"Dinner@0", "For Carl@3", "Renamed@3"}));
+    EXPECT_EQ(ann.layers.Layer(19), "Layer 19") << "no category was created";
     ann.events.SaveDB(); // publishes
 
-    User bob(QStringLiteral("Bob"), folder);
+    User bob("Bob", folder);
     ASSERT_TRUE(bob.Start());
     frmMain bobWindow(bob.context);
     EventListModel& list = bobWindow.model();
@@ -71,8 +70,8 @@ TEST(NetworkedStartUp, OwnEventsStayWhereTheyAreAndOthersAreListedAsShared) {
             rows << list.cellText(r, col);
         }
     }
-    EXPECT_EQ(rows.join(QLatin1Char('|')), QStringLiteral("Dinner|Shared|Ann|Renamed|Work|Ann"));
-    bob.settings.sSet(QStringLiteral("Networked"), false); // leaving the network hides them
+    EXPECT_EQ(rows.join(QLatin1Char('|')), "Dinner|Shared|Ann|Renamed|Work|Ann");
+    bob.settings.sSet("Networked", false); // leaving the network hides them
     list.FillEvents(0, false);
     EXPECT_EQ(list.rowCount(), 0);
 }

@@ -35,26 +35,25 @@ namespace {
 class MainWindow : public ::testing::Test, protected DialogsFixture {
 protected:
     MainWindow() {
-        settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
-        settings.sSet(QStringLiteral("DataPath"), home.path());
-        settings.sSet(QStringLiteral("SharedDatapath"), home.path());
+        settings.sSet("Owner", QStringLiteral("Ann"));
+        settings.sSet("DataPath", home.path());
+        settings.sSet("SharedDatapath", home.path());
     }
 
     // Ann's event in category 3.
     EventPtr add(clsDbXml& db, const QString& desc, const QString& due,
-                 const QString& owner = QStringLiteral("Ann")) {
+                 const QString& owner = "Ann") {
         return DialogsFixture::add(db, desc, due, owner, 3);
     }
     // Bob publishes one event in the shared folder; the window sees it as "S".
     void addBobsSharedEvent() {
-        settings.sSet(QStringLiteral("Networked"), true);
-        WriteFileBytes(home.file(QStringLiteral("TVOShared.ini")), "Ann\r\nBob\r\nCarol\r\n");
+        settings.sSet("Networked", true);
+        WriteFileBytes(home.file("TVOShared.ini"), "Ann\r\nBob\r\nCarol\r\n");
         cSHAREDSettings bobs;
-        bobs.sSet(QStringLiteral("Owner"), QStringLiteral("Bob"));
+        bobs.sSet("Owner", QStringLiteral("Bob"));
         clsDbXml bobFile(bobs);
-        bobFile.SetDBFilename(home.file(QStringLiteral("Shared_Bob.xml")));
-        add(bobFile, QStringLiteral("Bob's party"), QStringLiteral("2009-03-20"), "Bob")
-            ->SharedEvent = true;
+        bobFile.SetDBFilename(home.file("Shared_Bob.xml"));
+        add(bobFile, "Bob's party", "2009-03-20", "Bob")->SharedEvent = true;
         bobFile.SaveDB();
     }
     int rowOf(const QString& desc) {
@@ -78,7 +77,7 @@ protected:
         window->FillEvents();
     }
 
-    FixedClock clock{QStringLiteral("2009-03-05 10:00")};
+    FixedClock clock{"2009-03-05 10:00"};
     std::unique_ptr<frmMain> window;
 };
 
@@ -94,18 +93,17 @@ TEST_F(MainWindow, EveryShortcutBelongsToOneActionOnly) {
 }
 
 TEST_F(MainWindow, BackupsAreZippedAndTheirFolderShown) {
-    add(events, QStringLiteral("Keep safe"), QStringLiteral("2009-03-10"));
+    add(events, "Keep safe", "2009-03-10");
     events.SaveDB();
     open();
     window->ManualBackup();
     const QString archive = BackupArchivePath(QString::fromLatin1(kManualBackupKind), TodayDate());
-    EXPECT_TRUE(cSHAREDZipFiles::ListEntries(archive).contains(QStringLiteral("Events.xml")));
-    EXPECT_EQ(
-        dialogs.lastText(),
-        QStringLiteral("Backup complete. Your files were zipped to the AutoBackups folder in ") +
-            AppPaths::HomeFolder());
+    EXPECT_TRUE(cSHAREDZipFiles::ListEntries(archive).contains("Events.xml"));
+    EXPECT_EQ(dialogs.lastText(),
+              "Backup complete. Your files were zipped to the AutoBackups folder in " +
+                  AppPaths::HomeFolder());
 
-    const QString folder = home.file(QStringLiteral("Autobackups"));
+    const QString folder = home.file("Autobackups");
     window->ViewBackups();
     EXPECT_EQ(opener.opened, QStringList{folder});
     opener.accepts = false; // no file manager: the folder is named instead
@@ -115,27 +113,26 @@ TEST_F(MainWindow, BackupsAreZippedAndTheirFolderShown) {
     QDir(folder).removeRecursively(); // a file in the folder's place
     WriteFileBytes(folder, "in the way");
     window->ManualBackup();
-    EXPECT_TRUE(dialogs.lastText().startsWith(
-        QStringLiteral("Backup failed: Unable to create the folder ") + folder));
+    EXPECT_TRUE(
+        dialogs.lastText().startsWith("Backup failed: Unable to create the folder " + folder));
 }
 
 // Other users' rows in a mixed selection are refused before any question,
 // which is then asked for the user's own rows.
 TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
     addBobsSharedEvent();
-    add(events, QStringLiteral("Mine"), QStringLiteral("2009-03-10"));
+    add(events, "Mine", "2009-03-10");
     open();
-    const QString question =
-        QStringLiteral("Are you sure you want to delete the selected event(s)?");
-    const QString others = QStringLiteral("You can't delete events belonging to another user");
+    const QString question = "Are you sure you want to delete the selected event(s)?";
+    const QString others = "You can't delete events belonging to another user";
     for (const bool yes : {false, true}) { // No keeps everything
         dialogs.clear();
-        select({QStringLiteral("Bob's party"), QStringLiteral("Mine")});
+        select({"Bob's party", "Mine"});
         yes ? dialogs.answerYes() : dialogs.answerNo();
-        window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
+        window->Toolbar1_ButtonClick("deleteevent");
         EXPECT_EQ(dialogs.texts(), (QStringList{others, question}));
-        EXPECT_EQ(rowOf(QStringLiteral("Mine")) < 0, yes);
-        EXPECT_GE(rowOf(QStringLiteral("Bob's party")), 0);
+        EXPECT_EQ(rowOf("Mine") < 0, yes);
+        EXPECT_GE(rowOf("Bob's party"), 0);
     }
 }
 
@@ -143,22 +140,22 @@ TEST_F(MainWindow, OtherUsersRowsAreGuarded) {
 // Edit menu: undo gives the files back byte for byte, redo gives the bytes of
 // the change itself, and undoing everything gives the files we started with.
 TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
-    settings.sSet(QStringLiteral("DateStyle"), 1);
+    settings.sSet("DateStyle", 1);
     addBobsSharedEvent();
-    EventPtr gym = add(events, QStringLiteral("Gym"), QStringLiteral("2009-03-06"));
+    EventPtr gym = add(events, "Gym", "2009-03-06");
     gym->setRecurring(true);
     gym->setRecurrenceType(clsEvent::Weekly);
     gym->setPeriod(1);
-    gym->setStartDate(D(QStringLiteral("2009-03-06")));
-    add(events, QStringLiteral("Tax"), QStringLiteral("2009-04-30"));
-    add(expired, QStringLiteral("Old"), QStringLiteral("2009-02-01"))->setDaysLeft(-32);
+    gym->setStartDate(D("2009-03-06"));
+    add(events, "Tax", "2009-04-30");
+    add(expired, "Old", "2009-02-01")->setDaysLeft(-32);
     events.SaveDB();
     expired.SaveDB();
     settings.SaveSettings(context.settingsFile);
     open();
-    window->findChild<QCheckBox*>(QStringLiteral("chkExpired"))->setChecked(true);
-    auto* undo = window->findChild<QAction*>(QStringLiteral("mnuUndo"));
-    auto* redo = window->findChild<QAction*>(QStringLiteral("mnuRedo"));
+    window->findChild<QCheckBox*>("chkExpired")->setChecked(true);
+    auto* undo = window->findChild<QAction*>("mnuUndo");
+    auto* redo = window->findChild<QAction*>("mnuRedo");
     auto files = [&] {
         return QList<QByteArray>{ReadFileBytes(events.DBFilename()),
                                  ReadFileBytes(expired.DBFilename()),
@@ -166,10 +163,9 @@ TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
     };
     auto editor = [](const char* desc) {
         return [desc](QWidget* modal) {
-            modal->findChild<QPlainTextEdit*>(QStringLiteral("txtDesc"))
-                ->setPlainText(QString::fromLatin1(desc));
-            modal->findChild<QCheckBox*>(QStringLiteral("chkDay5"))->setChecked(true);
-            modal->findChild<QPushButton*>(QStringLiteral("cmdSave"))->click();
+            modal->findChild<QPlainTextEdit*>("txtDesc")->setPlainText(QString::fromLatin1(desc));
+            modal->findChild<QCheckBox*>("chkDay5")->setChecked(true);
+            modal->findChild<QPushButton*>("cmdSave")->click();
         };
     };
     const QList<QPair<const char*, std::function<void()>>> kinds = {
@@ -180,47 +176,45 @@ TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
          }},
         {"Undo Edit 'Gym at 7'", // moves it to the end of the file; undo puts it back
          [&] {
-             select({QStringLiteral("Gym")});
+             select({"Gym"});
              WhenModalAppears(editor("Gym at 7"));
              window->EditSelectedEvent();
          }},
         {"Undo Push 'Gym at 7'",
          [&] {
-             select({QStringLiteral("Gym at 7")});
+             select({"Gym at 7"});
              window->PushSelectedEvent();
              EXPECT_EQ(window->statusBar()->currentMessage(),
-                       QStringLiteral("Pushed 'Gym at 7' to Fri 13/03/2009 \u2014 Ctrl+Z to undo"));
-             EXPECT_EQ(window->SelectedRow(), rowOf(QStringLiteral("Gym at 7")));
+                       "Pushed 'Gym at 7' to Fri 13/03/2009 \u2014 Ctrl+Z to undo");
+             EXPECT_EQ(window->SelectedRow(), rowOf("Gym at 7"));
          }},
         {"Undo Share 'Tax'",
          [&] {
-             select({QStringLiteral("Tax")});
+             select({"Tax"});
              WhenModalAppears([](QWidget* modal) {
-                 modal->findChild<QCheckBox*>(QStringLiteral("chkShared"))->setChecked(true);
-                 modal->findChild<QRadioButton*>(QStringLiteral("optSpecific"))->setChecked(true);
-                 auto* users = modal->findChild<QListWidget*>(QStringLiteral("lstShareUsers"));
+                 modal->findChild<QCheckBox*>("chkShared")->setChecked(true);
+                 modal->findChild<QRadioButton*>("optSpecific")->setChecked(true);
+                 auto* users = modal->findChild<QListWidget*>("lstShareUsers");
                  ASSERT_EQ(users->count(), 3);
                  users->item(2)->setCheckState(Qt::Checked);
                  static_cast<QDialog*>(modal)->accept();
              });
              window->ShareWith();
-             EXPECT_EQ(window->model().cellText(rowOf(QStringLiteral("Tax")),
-                                                EventListModel::ColSharedWith),
-                       QStringLiteral("Carol"));
+             EXPECT_EQ(window->model().cellText(rowOf("Tax"), EventListModel::ColSharedWith),
+                       "Carol");
              EXPECT_TRUE(ReadFileBytes(events.DBFilename()).contains("Carol"));
          }},
         {"Undo Delete 3 events",
          [&] {
-             select({QStringLiteral("Gym at 7"), QStringLiteral("Old"), QStringLiteral("Tax")});
+             select({"Gym at 7", "Old", "Tax"});
              dialogs.answerYes();
-             window->Toolbar1_ButtonClick(QStringLiteral("deleteevent"));
+             window->Toolbar1_ButtonClick("deleteevent");
          }},
         {"Undo Rename category 'Layer 3' to 'Work'",
          [&] {
              WhenModalAppears([](QWidget* modal) {
-                 modal->findChild<QLineEdit*>(QStringLiteral("txtDesc3"))
-                     ->setText(QStringLiteral("Work"));
-                 modal->findChild<QPushButton*>(QStringLiteral("cmdAccept"))->click();
+                 modal->findChild<QLineEdit*>("txtDesc3")->setText("Work");
+                 modal->findChild<QPushButton*>("cmdAccept")->click();
              });
              window->EditLayers();
          }},
@@ -237,37 +231,36 @@ TEST_F(MainWindow, UndoAndRedoEveryKindOfChange) {
         redo->trigger();
         EXPECT_EQ(files(), after) << undoText;
     }
-    EXPECT_EQ(rowOf(QStringLiteral("Old")), -1);
+    EXPECT_EQ(rowOf("Old"), -1);
     EXPECT_TRUE(window->refreshTimer().isActive()) << "back on after the editor";
     while (window->history().canUndo()) {
         undo->trigger();
     }
     EXPECT_EQ(files(), initial);
-    EXPECT_GE(rowOf(QStringLiteral("Old")), 0) << "the list is refilled";
+    EXPECT_GE(rowOf("Old"), 0) << "the list is refilled";
 }
 
 TEST_F(MainWindow, FindAndFindNext) {
     for (const char* d : {"Dentist", "Pay rent", "Dentist again", "Rent party"}) {
-        add(events, QString::fromLatin1(d), QStringLiteral("2009-03-10"));
+        add(events, QString::fromLatin1(d), "2009-03-10");
     }
     open();
-    dialogs.answerText(QStringLiteral("RENT"));
+    dialogs.answerText("RENT");
     window->mnuFind_Click(1); // Find Next with no term yet asks for one
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Enter search term"));
+    EXPECT_EQ(dialogs.lastText(), "Enter search term");
     const int first = window->SelectedRow();
     window->mnuFind_Click(1);
     const int second = window->SelectedRow();
     EXPECT_EQ(window->model().cellText(first, EventListModel::ColEvent) + QLatin1Char('|') +
                   window->model().cellText(second, EventListModel::ColEvent),
-              QStringLiteral("Pay rent|Rent party"));
+              "Pay rent|Rent party");
     EXPECT_EQ(dialogs.count(), 1) << "Find Next reuses the kept term";
     window->mnuFind_Click(1);
     EXPECT_EQ(window->SelectedRow(), second);
-    EXPECT_EQ(window->statusBar()->currentMessage(),
-              QStringLiteral("No further event contains \"RENT\""));
-    dialogs.answerText(QStringLiteral("zoo"));
+    EXPECT_EQ(window->statusBar()->currentMessage(), "No further event contains \"RENT\"");
+    dialogs.answerText("zoo");
     window->mnuFind_Click(0);
-    EXPECT_EQ(window->statusBar()->currentMessage(), QStringLiteral("No event contains \"zoo\""));
+    EXPECT_EQ(window->statusBar()->currentMessage(), "No event contains \"zoo\"");
 
     // Enter on a selected row opens it in the editor, as a double-click does.
     QString opened;
@@ -276,21 +269,21 @@ TEST_F(MainWindow, FindAndFindNext) {
         modal->close();
     });
     QTest::keyClick(&window->list(), Qt::Key_Return);
-    EXPECT_EQ(opened, QStringLiteral("frmEvent"));
+    EXPECT_EQ(opened, "frmEvent");
 }
 
 // The chosen category filter, "Shared" even, survives new category names and
 // saved options.
 TEST_F(MainWindow, CategoryFilter) {
-    add(events, QStringLiteral("In three"), QStringLiteral("2009-03-10"));
-    add(events, QStringLiteral("In five"), QStringLiteral("2009-03-10"))->setLayer(5);
+    add(events, "In three", "2009-03-10");
+    add(events, "In five", "2009-03-10")->setLayer(5);
     open();
-    auto* combo = window->findChild<QComboBox*>(QStringLiteral("cmbCategories"));
+    auto* combo = window->findChild<QComboBox*>("cmbCategories");
     EXPECT_EQ(window->model().rowCount(), 2);
     combo->setCurrentIndex(5);
     emit combo->activated(5);
     ASSERT_EQ(window->model().rowCount(), 1);
-    EXPECT_EQ(window->model().cellText(0, EventListModel::ColEvent), QStringLiteral("In five"));
+    EXPECT_EQ(window->model().cellText(0, EventListModel::ColEvent), "In five");
     combo->setCurrentIndex(0);
     for (const bool options : {false, true}) {
         WhenModalAppears([options](QWidget* modal) {
@@ -319,7 +312,7 @@ TEST_F(MainWindow, CloseHidesAndQuitKeepsTheNormalSizeAndTheMaximisedState) {
         window->Quit();
         cSHAREDSettings saved; // what the next start reads
         saved.LoadSettings(context.settingsFile);
-        EXPECT_EQ(saved.sGet(QStringLiteral("MainWindowMaximised")).toBool(), maximised);
+        EXPECT_EQ(saved.sGet("MainWindowMaximised").toBool(), maximised);
         open();
         window->FormLoad(false);
         EXPECT_EQ(window->isMaximized(), maximised);
@@ -329,14 +322,14 @@ TEST_F(MainWindow, CloseHidesAndQuitKeepsTheNormalSizeAndTheMaximisedState) {
 }
 
 TEST_F(MainWindow, FileMenuExportsAndImportsTheList) {
-    add(events, QStringLiteral("Dentist"), QStringLiteral("2009-03-10"));
+    add(events, "Dentist", "2009-03-10");
     open();
-    const QString file = home.file(QStringLiteral("mine.ics"));
+    const QString file = home.file("mine.ics");
     dialogs.answerText(file).answerText(file);
-    window->findChild<QAction*>(QStringLiteral("mnuExportCalendar"))->trigger();
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Exported 1 event to ") + file + '.');
-    window->findChild<QAction*>(QStringLiteral("mnuImportCalendar"))->trigger();
-    EXPECT_EQ(dialogs.lastText(), QStringLiteral("Imported 1 event from ") + file + '.');
+    window->findChild<QAction*>("mnuExportCalendar")->trigger();
+    EXPECT_EQ(dialogs.lastText(), "Exported 1 event to " + file + '.');
+    window->findChild<QAction*>("mnuImportCalendar")->trigger();
+    EXPECT_EQ(dialogs.lastText(), "Imported 1 event from " + file + '.');
     EXPECT_EQ(window->model().rowCount(), 2);
 }
 
@@ -352,12 +345,11 @@ TEST_F(MainWindow, AServerThatNeverAnswersDoesNotHoldTheWindow) {
             held << server.nextPendingConnection();
         }
     });
-    settings.sSet(QStringLiteral("Networked"), true);
-    settings.sSet(QStringLiteral("NetworkMode"), QStringLiteral("caldav"));
-    settings.sSet(QStringLiteral("CalDAVUrl"),
-                  QStringLiteral("http://127.0.0.1:%1/").arg(server.serverPort()));
-    settings.sSet(QStringLiteral("CalDAVUser"), QStringLiteral("ann"));
-    settings.sSet(QStringLiteral("CalDAVUsers"), QStringLiteral("bob"));
+    settings.sSet("Networked", true);
+    settings.sSet("NetworkMode", QStringLiteral("caldav"));
+    settings.sSet("CalDAVUrl", QStringLiteral("http://127.0.0.1:%1/").arg(server.serverPort()));
+    settings.sSet("CalDAVUser", QStringLiteral("ann"));
+    settings.sSet("CalDAVUsers", QStringLiteral("bob"));
     qputenv("TARVO_CALDAV_PASSWORD", "pw");
     qputenv("TARVO_REFRESH_MS", "100");
     open();
@@ -371,17 +363,16 @@ TEST_F(MainWindow, AServerThatNeverAnswersDoesNotHoldTheWindow) {
     qunsetenv("TARVO_REFRESH_MS");
     EXPECT_TRUE(asked) << "the sync sent no request to the server";
     EXPECT_GE(ticks.count(), 5);
-    EXPECT_EQ(window->findChild<QLabel*>(QStringLiteral("lblCalDav"))->text(),
-              QStringLiteral("Syncing with the CalDAV server\u2026"));
+    EXPECT_EQ(window->findChild<QLabel*>("lblCalDav")->text(),
+              "Syncing with the CalDAV server\u2026");
 }
 
 // The first start says why the options come up, before any database is
 // opened. (Cancel and save through the real program: tests/e2e/first_start.sh.)
 TEST_F(MainWindow, FirstStartSaysWhyTheOptionsComeUp) {
     events.SetDBFilename(QString());
-    WhenModalAppears([](QWidget* options) {
-        options->findChild<QPushButton*>(QStringLiteral("cmdAbort"))->click();
-    });
+    WhenModalAppears(
+        [](QWidget* options) { options->findChild<QPushButton*>("cmdAbort")->click(); });
     EXPECT_FALSE(
         StartUp(context, [](AppContext& c) { return frmOptions::RunFirstTimeSetup(c); }).Run());
     EXPECT_EQ(dialogs.texts(),

@@ -15,7 +15,7 @@ namespace {
 class TaskList : public ::testing::Test {
 protected:
     TaskList() {
-        settings.sSet(QStringLiteral("Datapath"), SettingValue(home.path()));
+        settings.sSet("Datapath", SettingValue(home.path()));
         window = std::make_unique<frmTasks>(settings, dialogs);
     }
 
@@ -23,7 +23,7 @@ protected:
         QTest::mouseClick(window->findChild<QPushButton*>(QString::fromLatin1(name)),
                           Qt::LeftButton);
     }
-    QString xml() const { return home.file(QStringLiteral("tasklist.xml")); }
+    QString xml() const { return home.file("tasklist.xml"); }
     QStringList onDisk() const { return TaskListFile::Parse(ReadFileBytes(xml())); }
 
     TempHome home;
@@ -36,29 +36,28 @@ protected:
 // selection change nothing, and No keeps the task.
 TEST_F(TaskList, EachChangeIsSavedAndRefusalsKeepTheFile) {
     click("cmd_change");
-    EXPECT_EQ(dialogs.texts(), QStringList{QStringLiteral("Please select a task first")});
+    EXPECT_EQ(dialogs.texts(), QStringList{"Please select a task first"});
     EXPECT_FALSE(QFileInfo::exists(xml())) << "nothing asked, nothing written";
     dialogs.clear();
-    dialogs.answerText(QStringLiteral("a")).answerText(QStringLiteral("Call <Bob> & Sue"));
+    dialogs.answerText("a").answerText("Call <Bob> & Sue");
     click("cmd_add");
     click("cmd_add");
-    dialogs.answerText(QStringLiteral("c")).answerCancel().answerText(QString());
+    dialogs.answerText("c").answerCancel().answerText(QString());
     click("cmd_add");
     click("cmd_add");
     click("cmd_add");
-    EXPECT_EQ(dialogs.shown().at(0).title, QStringLiteral("Enter a task"));
+    EXPECT_EQ(dialogs.shown().at(0).title, "Enter a task");
     EXPECT_EQ(onDisk(), (QStringList{"a", "Call <Bob> & Sue", "c"}));
 
     window->Select(1);
-    dialogs.answerText(QStringLiteral("b"));
+    dialogs.answerText("b");
     click("cmd_change");
-    EXPECT_EQ(dialogs.shown().last().extra, QStringLiteral("Call <Bob> & Sue"));
+    EXPECT_EQ(dialogs.shown().last().extra, "Call <Bob> & Sue");
     EXPECT_EQ(onDisk(), (QStringList{"a", "b", "c"}));
 
     dialogs.answerNo();
     click("cmd_delete");
-    EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("Are you sure you want to delete this task?\r\n\r\nb"));
+    EXPECT_EQ(dialogs.lastText(), "Are you sure you want to delete this task?\r\n\r\nb");
     const struct {
         int select;
         QStringList left;
@@ -79,14 +78,13 @@ TEST_F(TaskList, EachChangeIsSavedAndRefusalsKeepTheFile) {
 // A task marker would change the file's structure: refused, and the text
 // offered again for correction.
 TEST_F(TaskList, ATaskMarkerIsRefusedAndTheTextOfferedAgain) {
-    dialogs.answerText(QStringLiteral("see </DETAILS> here"))
-        .answerText(QStringLiteral("see details here"));
+    dialogs.answerText("see </DETAILS> here").answerText("see details here");
     click("cmd_add");
-    EXPECT_EQ(onDisk(), QStringList{QStringLiteral("see details here")});
+    EXPECT_EQ(onDisk(), QStringList{"see details here"});
     ASSERT_EQ(dialogs.count(), 3);
     EXPECT_EQ(dialogs.shown().at(1).text,
-              QStringLiteral("A task cannot contain \"</DETAILS>\": please remove it."));
-    EXPECT_EQ(dialogs.shown().at(2).extra, QStringLiteral("see </DETAILS> here"));
+              "A task cannot contain \"</DETAILS>\": please remove it.");
+    EXPECT_EQ(dialogs.shown().at(2).extra, "see </DETAILS> here");
 }
 
 } // namespace

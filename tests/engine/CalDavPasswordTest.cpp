@@ -24,11 +24,10 @@ QProcess* daemonForLife() {
 }
 
 QString readNow(const char* user) {
-    CalDavAccount account{QUrl(QStringLiteral("http://127.0.0.1:5232/")),
-                          QString::fromLatin1(user)};
+    CalDavAccount account{QUrl("http://127.0.0.1:5232/"), QString::fromLatin1(user)};
     QString error;
     const QString password = CalDavPassword::ReadNow(account, &error);
-    return error.isEmpty() ? QStringLiteral("password: ") + password : error;
+    return error.isEmpty() ? "password: " + password : error;
 }
 
 TEST(CalDavPassword, FromTheSecretStoreUnlessTheEnvironmentHasOne) {
@@ -51,18 +50,16 @@ TEST(CalDavPassword, FromTheSecretStoreUnlessTheEnvironmentHasOne) {
                 none.size() > 90)
         << none.toStdString();
     qputenv(CalDavPassword::kEnvironmentVariable, "from-env");
-    EXPECT_EQ(readNow("ann"), QStringLiteral("password: from-env"));
+    EXPECT_EQ(readNow("ann"), "password: from-env");
     qunsetenv(CalDavPassword::kEnvironmentVariable);
 
     static QProcess* const keyring = daemonForLife();
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
-    env.insert(QStringLiteral("XDG_DATA_HOME"), home.path());
-    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), home.path());
+    env.insert("DBUS_SESSION_BUS_ADDRESS", address);
+    env.insert("XDG_DATA_HOME", home.path());
+    env.insert("XDG_RUNTIME_DIR", home.path());
     keyring->setProcessEnvironment(env);
-    keyring->start(QStringLiteral("gnome-keyring-daemon"),
-                   {QStringLiteral("--foreground"), QStringLiteral("--components=secrets"),
-                    QStringLiteral("--unlock")});
+    keyring->start("gnome-keyring-daemon", {"--foreground", "--components=secrets", "--unlock"});
     keyring->write("test-keyring\n"); // the new keyring's password
     keyring->closeWriteChannel();
     // Until the daemon serves, a read fails as above.
@@ -70,12 +67,10 @@ TEST(CalDavPassword, FromTheSecretStoreUnlessTheEnvironmentHasOne) {
                                               "http://127.0.0.1:5232/; enter it in Options");
     const bool serving = QTest::qWaitFor([&] { return readNow("ann") == noneStored; }, 10000);
     if (serving) {
-        EXPECT_EQ(CalDavPassword::WriteNow(
-                      {QUrl(QStringLiteral("http://127.0.0.1:5232/")), QStringLiteral("ann")},
-                      QStringLiteral("s3cret ä")),
+        EXPECT_EQ(CalDavPassword::WriteNow({QUrl("http://127.0.0.1:5232/"), "ann"}, "s3cret ä"),
                   QString());
-        EXPECT_EQ(readNow("ann"), QStringLiteral("password: s3cret ä"));
-        EXPECT_TRUE(readNow("bob").startsWith(QStringLiteral("No password is stored for bob")));
+        EXPECT_EQ(readNow("ann"), "password: s3cret ä");
+        EXPECT_TRUE(readNow("bob").startsWith("No password is stored for bob"));
     }
     qputenv("DBUS_SESSION_BUS_ADDRESS", oldBus);
     if (!serving) {

@@ -32,15 +32,15 @@ struct User {
         for (const auto& [key, value] : values) {
             settings.sSet(key, SettingValue(value));
         }
-        settings.sSet(QStringLiteral("Networked"), SettingValue(true));
+        settings.sSet("Networked", SettingValue(true));
     }
     EventPtr Add(const QString& id, const QString& desc, int layer = 0) {
         auto e = std::make_shared<clsEvent>();
         e->IDCode = id;
-        e->setOwner(settings.sGet(QStringLiteral("Owner")).toText());
+        e->setOwner(settings.sGet("Owner").toText());
         e->setDesc(desc);
         e->setLayer(static_cast<int16_t>(layer));
-        e->setDueDate(D(QStringLiteral("2031-05-04")));
+        e->setDueDate(D("2031-05-04"));
         events.append(e);
         return e;
     }
@@ -101,15 +101,15 @@ protected:
 
 TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOwnersCopyWins) {
     User& ann = U("ann");
-    ann.settings.sSet(clsLayers::SettingKey(3), SettingValue(QStringLiteral("Work")));
+    ann.settings.sSet(clsLayers::SettingKey(3), SettingValue("Work"));
     EventPtr a = ann.Add("100001", "Team lunch");
     EventPtr b = ann.Add("100002", "Flagged", 3);
     b->SharedEvent = true;
     ann.Add("100003", "Private", 2);
     EventPtr c = ann.Add("100004", "Only for cy");
     c->ShareWithSpecific = true;
-    c->ShareNames = QStringLiteral("cy\r\n");
-    const QString path = QStringLiteral("/ann/tarvo/100001.ics");
+    c->ShareNames = "cy\r\n";
+    const QString path = "/ann/tarvo/100001.ics";
     // Another client changes ann's event behind her back: her copy wins,
     // whether she changed it too (her write meets a 412) or not (her read
     // notices).
@@ -171,7 +171,7 @@ TEST_F(CalDavSyncTest, AnotherClientsEventSurvivesTheOwnersSyncAndReachesBothCac
     ASSERT_EQ(U("bob").Shown(), QStringList({"ann:Dentist/"}));
     // In local time (the tests run in UTC), with an ID code of its own.
     const EventPtr e = U("bob").Cache().at(0);
-    EXPECT_EQ(FormatYMDHM(e->DueDate() + e->DueTime()), QStringLiteral("2031-06-01 08:00"));
+    EXPECT_EQ(FormatYMDHM(e->DueDate() + e->DueTime()), "2031-06-01 08:00");
     EXPECT_EQ(e->IDCode.size(), 6);
 }
 
@@ -180,7 +180,7 @@ TEST_F(CalDavSyncTest, FailuresLeaveCacheAndStateAndALaterSyncCatchesUp) {
     ASSERT_TRUE(Sync("ann").ok);
     const QByteArray cache = U("ann").File(false), state = U("ann").File(true);
     a->setDesc("Offline change");
-    CalDavSyncResult r = Sync("ann", QStringLiteral("wrong"));
+    CalDavSyncResult r = Sync("ann", "wrong");
     EXPECT_FALSE(r.ok || r.unreachable);
     EXPECT_EQ(r.error, "The CalDAV server refused the user name or password (401 Unauthorized)");
     EXPECT_EQ(U("ann").TestConnection("wrong"), "failed: " + r.error);
@@ -256,13 +256,12 @@ TEST_F(CalDavSyncTest, ASilentServerDoesNotBlock) {
     QTcpServer silent; // accepts and never answers
     ASSERT_TRUE(silent.listen(QHostAddress::LocalHost, 0));
     U("ann").settings.sSet(
-        QStringLiteral("CalDAVUrl"),
-        SettingValue(QStringLiteral("http://127.0.0.1:%1/").arg(silent.serverPort())));
+        "CalDAVUrl", SettingValue(QStringLiteral("http://127.0.0.1:%1/").arg(silent.serverPort())));
     U("ann").Add("100001", "Waiting");
     CalDavSync sync(U("ann").settings);
     QElapsedTimer clock;
     clock.start();
-    sync.Start(U("ann").events, QStringLiteral("pw"));
+    sync.Start(U("ann").events, "pw");
     EXPECT_LT(clock.elapsed(), 100);
     QTest::qWait(500); // events keep flowing: a blocking wait would hold this up
     EXPECT_LT(clock.elapsed(), 1500);

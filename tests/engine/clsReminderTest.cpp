@@ -22,7 +22,7 @@ namespace {
 class ReminderEngine : public ::testing::Test {
 protected:
     ReminderEngine() {
-        settings.sSet(QStringLiteral("Owner"), QStringLiteral("Ann"));
+        settings.sSet("Owner", QStringLiteral("Ann"));
         events.SetDBFilename(home.file("Events.xml"));
         expired.SetDBFilename(home.file("Expired.xml"));
     }
@@ -64,8 +64,8 @@ protected:
     }
     // The networked set-up, with "Ann" and "Bob" in the shared folder's user list.
     void networked() {
-        settings.sSet(QStringLiteral("Networked"), true);
-        settings.sSet(QStringLiteral("SharedDatapath"), home.path());
+        settings.sSet("Networked", true);
+        settings.sSet("SharedDatapath", home.path());
         WriteFileBytes(home.file("TVOShared.ini"), "Ann\r\nBob\r\n");
     }
     // Saves and reads the events back, as the program does between runs.
@@ -120,7 +120,7 @@ TEST_F(ReminderEngine, ComingUpAndTodayWindowsAndTheirNotifications) {
     EXPECT_EQ(notifier.sent,
               (QList<Sent>{soonestFirst, soonestFirst, {"TODAY!", today->lines, false}}));
 
-    settings.sSet(QStringLiteral("DesktopNotifications"), false);
+    settings.sSet("DesktopNotifications", false);
     ShowReminders(services);
     EXPECT_EQ(notifier.sent.size(), 3) << "switched off in the options";
 }
@@ -202,7 +202,7 @@ TEST_F(ReminderEngine, AlarmFiresInItsMinuteOnTheDueDayOnly) {
 TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
     FixedClock clock("2009-03-05 07:00");
     networked();
-    settings.sSet(QStringLiteral("DataPath"), home.path());
+    settings.sSet("DataPath", home.path());
     const QString script = home.file("backup.sh");
     WriteFileBytes(script, "#!/bin/sh\n");
     addRun("Run backup", "2009-03-05", 7, 0, "  " + script + " ");
@@ -217,7 +217,7 @@ TEST_F(ReminderEngine, RunFileEventsOpenOnlyTheUsersOwnFiles) {
                    {"caldav", DataFiles::CalDavCacheFile(settings)}};
     for (const auto& source : sources) {
         SCOPED_TRACE(source.mode);
-        settings.sSet(QStringLiteral("NetworkMode"), source.mode);
+        settings.sSet("NetworkMode", source.mode);
         clsDbXml bobsFile(settings);
         bobsFile.SetDBFilename(source.file);
         addRun("Bob's task", "2009-03-05", 7, 0, script, &bobsFile, "Bob");
@@ -246,14 +246,14 @@ TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
     EventPtr mine = add("Mine", "2009-03-05", false, nullptr, " ann "); // the same user
     EventPtr bobs = add("Bob's", "2009-03-05", false, nullptr, "Bob");
 
-    settings.sSet(QStringLiteral("Networked"), true);
+    settings.sSet("Networked", true);
     EXPECT_FALSE(DeleteEvent(services, bobs->IDCode));
     EXPECT_EQ(dialogs.texts(),
               QStringList{"You're not the owner of this event.  Only Bob can delete it."});
     EXPECT_TRUE(DeleteEvent(services, mine->IDCode));
     EXPECT_TRUE(mine->Deleted && !bobs->Deleted);
 
-    settings.sSet(QStringLiteral("Networked"), false);
+    settings.sSet("Networked", false);
     EXPECT_TRUE(DeleteEvent(services, bobs->IDCode)) << "single-user mode has no owners to check";
     EXPECT_FALSE(DeleteEvent(services, "999999"));
     EXPECT_EQ(dialogs.count(), 1);
@@ -353,17 +353,17 @@ TEST_F(RefreshTickTest, MissedAlarmsAreListedAfterAStartOrAClockJump) {
     addAlarm("Too old", "2009-02-25", 8, 0, 0);
     addAlarm("Yesterday", "2009-03-04", 7, 0, 0);
     addAlarm("Now", "2009-03-05", 7, 0, 0);
-    settings.sSet(QStringLiteral("Networked"), true); // others' alarms are missed too
+    settings.sSet("Networked", true); // others' alarms are missed too
     clsDbXml shared(settings);
     addAlarm("Bob's call", "2009-03-05", 8, 15, 0, &shared, "Bob");
     services.shared = &shared;
-    settings.sSet(QStringLiteral("LastRun"), QStringLiteral("2009-02-20 07:00"));
+    settings.sSet("LastRun", QStringLiteral("2009-02-20 07:00"));
     tick.ShowMissedSinceLastRun();
     EXPECT_EQ(missedLines(), (QStringList{"Missed while Tarvo was not running:",
                                           "Wed 03/04/2009 07:00  Yesterday"}))
         << "seven days back at most: not the alarm of 02/25";
     windows.made.clear();
-    settings.sSet(QStringLiteral("LastRun"), QStringLiteral("2009-03-04 07:00"));
+    settings.sSet("LastRun", QStringLiteral("2009-03-04 07:00"));
     tick.ShowMissedSinceLastRun();
     EXPECT_TRUE(missedLines().isEmpty())
         << "the last run's minute and this minute have their ticks";

@@ -22,7 +22,7 @@ TEST(DataFolder, InsideTheHomeIsStoredRelativeOutsideAbsolute) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.folder.toStdString());
         EXPECT_EQ(DataFiles::DataPathValue(c.folder), c.stored);
-        settings.sSet(QStringLiteral("DataPath"), SettingValue(c.stored));
+        settings.sSet("DataPath", SettingValue(c.stored));
         EXPECT_EQ(DataFiles::DataFolder(settings), QDir::cleanPath(c.folder));
     }
 }
@@ -56,7 +56,7 @@ TEST(DataFolder, AnOldAbsolutePathFollowsTheCopiedOrMovedHome) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.stored.toStdString());
         cSHAREDSettings settings;
-        settings.sSet(QStringLiteral("DataPath"), SettingValue(c.stored));
+        settings.sSet("DataPath", SettingValue(c.stored));
         DataFiles::AdoptDataFolder(settings);
         EXPECT_EQ(settings.sGet("DataPath").toText(), c.adopted);
     }

@@ -29,8 +29,8 @@ protected:
         // Actions buffered by earlier tests go to their own log, not this one.
         Log().WriteActionsToLog();
         m_oldLog = Log().CurrentLogFilename();
-        Log().OverrideLogFilename(home.file(QStringLiteral("log.txt")));
-        fSHAREDErrorRpt::SetReportFolder(home.file(QStringLiteral("reports")));
+        Log().OverrideLogFilename(home.file("log.txt"));
+        fSHAREDErrorRpt::SetReportFolder(home.file("reports"));
     }
     void TearDown() override {
         fSHAREDErrorRpt::SetReportFolder({});
@@ -61,39 +61,37 @@ private:
 // "No log file"), also in the program's own log viewer; help opens inside
 // the program.
 TEST_F(ErrorReportWindowTest, ShowsTheErrorAndTheLogAndHelp) {
-    window.ShowError(QStringLiteral("Error 53 - File not found"), QStringLiteral("detail"));
+    window.ShowError("Error 53 - File not found", "detail");
     EXPECT_EQ(child<QPlainTextEdit>("txtError")->toPlainText(),
-              QStringLiteral("Error 53 - File not found\ndetail"));
-    EXPECT_EQ(child<QPlainTextEdit>("txtLog")->toPlainText(), QStringLiteral("No log file"));
+              "Error 53 - File not found\ndetail");
+    EXPECT_EQ(child<QPlainTextEdit>("txtLog")->toPlainText(), "No log file");
 
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("log.txt")), "1 10:00:00, started\r\n"));
-    Log().AddAction(QStringLiteral("something recent"));
-    window.ShowError(QStringLiteral("E"));
+    ASSERT_TRUE(WriteFileBytes(home.file("log.txt"), "1 10:00:00, started\r\n"));
+    Log().AddAction("something recent");
+    window.ShowError("E");
     const QString log = child<QPlainTextEdit>("txtLog")->toPlainText();
-    EXPECT_TRUE(log.startsWith(QStringLiteral("1 10:00:00, started")));
-    EXPECT_TRUE(log.contains(QStringLiteral("something recent")));
-    Log().AddAction(QStringLiteral("the newest line"));
+    EXPECT_TRUE(log.startsWith("1 10:00:00, started"));
+    EXPECT_TRUE(log.contains("something recent"));
+    Log().AddAction("the newest line");
     click("cmdViewLog");
-    EXPECT_TRUE(viewerText("frmLog").trimmed().endsWith(QStringLiteral("the newest line")));
+    EXPECT_TRUE(viewerText("frmLog").trimmed().endsWith("the newest line"));
     click("cmdHelp");
-    EXPECT_TRUE(viewerText("frmHelp").contains(QStringLiteral("About Tarvo")));
+    EXPECT_TRUE(viewerText("frmHelp").contains("About Tarvo"));
 }
 
 TEST_F(ErrorReportWindowTest, TheReportIsViewedAndSubmitted) {
-    window.ShowError(QStringLiteral("Bad thing"));
+    window.ShowError("Bad thing");
     click("cmdShowComments");
     EXPECT_TRUE(child<QGroupBox>("fraComments")->isVisibleTo(&window));
-    QTest::keyClicks(child<QPlainTextEdit>("txtUserMessage"), QStringLiteral("my words"));
+    QTest::keyClicks(child<QPlainTextEdit>("txtUserMessage"), "my words");
     click("cmdViewReport");
 
-    const QString expected = ErrorReportText::FullReport(
-        QStringLiteral("Bad thing"), QStringLiteral("my words"), QStringLiteral("No log file"));
+    const QString expected = ErrorReportText::FullReport("Bad thing", "my words", "No log file");
     EXPECT_EQ(TextCodec::FromWindows1252(ReadFileBytes(fSHAREDErrorRpt::FullLogPath())), expected);
-    EXPECT_EQ(viewerText("frmReport"),
-              QString(expected).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    EXPECT_EQ(viewerText("frmReport"), QString(expected).replace("\r\n", "\n"));
 
     // Submit saves where the user says and copies to the clipboard.
-    const QString file = home.file(QStringLiteral("report.txt"));
+    const QString file = home.file("report.txt");
     dialogs.answerCancel();
     click("cmdEmail");
     EXPECT_FALSE(QFileInfo::exists(file));
@@ -102,12 +100,11 @@ TEST_F(ErrorReportWindowTest, TheReportIsViewedAndSubmitted) {
     dialogs.answerText(file);
     click("cmdEmail");
     const QString report = TextCodec::FromWindows1252(ReadFileBytes(file));
-    EXPECT_TRUE(report.startsWith(QStringLiteral("Error Report: ")));
-    EXPECT_TRUE(report.contains(QStringLiteral("Bad thing")) &&
-                report.contains(QStringLiteral("my words")));
+    EXPECT_TRUE(report.startsWith("Error Report: "));
+    EXPECT_TRUE(report.contains("Bad thing") && report.contains("my words"));
     EXPECT_EQ(QGuiApplication::clipboard()->text(), report);
     EXPECT_EQ(dialogs.lastText(),
-              QStringLiteral("The error report was saved to ") + file +
+              "The error report was saved to " + file +
                   QStringLiteral(" and copied to the clipboard.\r\nSend the file, or paste the "
                                  "report into a message, to whoever looks after your copy of "
                                  "Tarvo."));
@@ -116,7 +113,7 @@ TEST_F(ErrorReportWindowTest, TheReportIsViewedAndSubmitted) {
 TEST(ErrorReportWindowSink, EachReportOpensAWindowThatExitCloses) {
     ScriptedDialogs dialogs;
     ErrorReportWindowSink sink(dialogs);
-    cSHAREDShowError::ShowErr(QStringLiteral("Shown to the user"));
+    cSHAREDShowError::ShowErr("Shown to the user");
     fSHAREDErrorRpt* window = nullptr;
     for (QWidget* w : QApplication::topLevelWidgets()) {
         if (auto* r = qobject_cast<fSHAREDErrorRpt*>(w); r != nullptr && r->isVisible()) {
@@ -124,10 +121,9 @@ TEST(ErrorReportWindowSink, EachReportOpensAWindowThatExitCloses) {
         }
     }
     ASSERT_NE(window, nullptr);
-    EXPECT_EQ(window->findChild<QPlainTextEdit*>(QStringLiteral("txtError"))->toPlainText(),
-              QStringLiteral("Shown to the user"));
+    EXPECT_EQ(window->findChild<QPlainTextEdit*>("txtError")->toPlainText(), "Shown to the user");
     QPointer<fSHAREDErrorRpt> guard(window);
-    QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdExit")), Qt::LeftButton);
+    QTest::mouseClick(window->findChild<QPushButton*>("cmdExit"), Qt::LeftButton);
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(guard.isNull());
 }

@@ -16,9 +16,7 @@ namespace {
 
 class ReminderWindow : public ::testing::Test {
 protected:
-    ReminderWindow() {
-        settings.sSet(QStringLiteral("WavFile"), home.file(QStringLiteral("alarm.wav")));
-    }
+    ReminderWindow() { settings.sSet("WavFile", home.file("alarm.wav")); }
     ~ReminderWindow() override { delete window.data(); }
 
     void tick(int times = 1) {
@@ -98,11 +96,10 @@ TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {
         player.played.clear();
         // Typed over the whole entry; the box keeps only whole minutes 1 to
         // 1440 and stays at 10 when nothing valid is typed.
-        auto* box = window->findChild<QSpinBox*>(QStringLiteral("txtSleep"));
+        auto* box = window->findChild<QSpinBox*>("txtSleep");
         box->selectAll();
         QTest::keyClicks(box, QString::fromLatin1(c.entry));
-        QTest::mouseClick(window->findChild<QPushButton*>(QStringLiteral("cmdRemindMe")),
-                          Qt::LeftButton);
+        QTest::mouseClick(window->findChild<QPushButton*>("cmdRemindMe"), Qt::LeftButton);
         EXPECT_FALSE(window->isVisible()) << c.entry;
 
         tick(c.minutes * 60 - 1);
@@ -116,15 +113,15 @@ TEST_F(ReminderWindow, SleepHidesForTheFullMinutesThenStaysWithoutRepeats) {
 
 TEST_F(ReminderWindow, SoundRules) {
     // A sound file that is gone falls back to the default, written when missing.
-    window->setSoundFile(home.file(QStringLiteral("deleted.wav")));
+    window->setSoundFile(home.file("deleted.wav"));
     window->PlayReminderSound();
-    EXPECT_EQ(player.played.last(), home.file(QStringLiteral("alarm.wav")));
-    EXPECT_FALSE(ReadFileBytes(home.file(QStringLiteral("alarm.wav"))).isEmpty());
+    EXPECT_EQ(player.played.last(), home.file("alarm.wav"));
+    EXPECT_FALSE(ReadFileBytes(home.file("alarm.wav")).isEmpty());
 
     player.played.clear();
-    settings.sSet(QStringLiteral("NoSounds"), true);
+    settings.sSet("NoSounds", true);
     window->PlayReminderSound();
-    settings.sSet(QStringLiteral("NoSounds"), false);
+    settings.sSet("NoSounds", false);
     player.available = false;
     window->PlayReminderSound();
     EXPECT_TRUE(player.played.isEmpty()) << "silent with NoSounds or without an output device";

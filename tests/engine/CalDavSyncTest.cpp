@@ -93,6 +93,13 @@ protected:
         return spy.isEmpty() ? CalDavSyncResult{} : spy.at(0).at(0).value<CalDavSyncResult>();
     }
     QByteArray Get(const QString& path) { return server.Request("GET", "ann", path).body; }
+    // Another client's event "Dentist" in ann's collection, stored as <name>.ics.
+    void PutPhoneEvent(const QString& name, const QByteArray& start) {
+        const QByteArray ics = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Phone//EN\r\n"
+                               "BEGIN:VEVENT\r\nUID:phone-1\r\nDTSTAMP:20260101T000000Z\r\n" +
+                               start + "\r\nSUMMARY:Dentist\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+        ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/" + name + ".ics", ics).status, 201);
+    }
 
     TempHome home;
     RadicaleServer server;
@@ -154,12 +161,8 @@ TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOwnersCo
 TEST_F(CalDavSyncTest, AnotherClientsEventSurvivesTheOwnersSyncAndReachesBothCaches) {
     U("ann").Add("100001", "Team lunch");
     ASSERT_TRUE(Sync("ann").ok);
-    const QByteArray phone = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Phone//EN\r\n"
-                             "BEGIN:VEVENT\r\nUID:phone-1\r\nDTSTAMP:20260101T000000Z\r\n"
-                             "DTSTART;TZID=Europe/Berlin:20310601T100000\r\nSUMMARY:Dentist\r\n"
-                             "END:VEVENT\r\nEND:VCALENDAR\r\n";
     // Named as a Tarvo event of ann's that is shared next.
-    ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/100002.ics", phone).status, 201);
+    PutPhoneEvent("100002", "DTSTART;TZID=Europe/Berlin:20310601T100000");
     const QByteArray stored = Get("/ann/tarvo/100002.ics");
     U("ann").events.clear(); // Tarvo unpublishes its own event, never the phone's
     U("ann").Add("100002", "Not over the phone's");
@@ -223,11 +226,7 @@ TEST_F(CalDavSyncTest, StopSharingRemovesOnlyWhatTarvoPublishedAndALaterSyncPubl
     ann.Add("100001", "Team lunch");
     ann.Add("100002", "Review");
     ASSERT_TRUE(Sync("ann").ok);
-    const QByteArray phone = "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//Phone//EN\r\n"
-                             "BEGIN:VEVENT\r\nUID:phone-1\r\nDTSTAMP:20260101T000000Z\r\n"
-                             "DTSTART:20310601T100000Z\r\nSUMMARY:Dentist\r\n"
-                             "END:VEVENT\r\nEND:VCALENDAR\r\n";
-    ASSERT_EQ(server.Request("PUT", "ann", "/ann/tarvo/phone-1.ics", phone).status, 201);
+    PutPhoneEvent("phone-1", "DTSTART:20310601T100000Z");
     const CalDavAccount account = CalDavAccount::FromSettings(ann.settings);
     const QString stateFile = DataFiles::CalDavStateFile(ann.settings);
     const auto stop = [&](const QString& password) {

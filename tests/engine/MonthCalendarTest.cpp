@@ -57,9 +57,8 @@ TEST(MonthCalendar, GridPlacesTheFirstByItsWeekday) {
     };
     for (const auto& c : cases) {
         const MonthCalendar month(c.year, c.month);
-        EXPECT_EQ(std::pair(month.BoxOfDay(1), month.BoxOfDay(month.DayCount())),
-                  std::pair(c.firstBox, c.lastBox))
-            << c.year << "-" << c.month;
+        EXPECT_EQ(month.BoxOfDay(1), c.firstBox) << c.year << "-" << c.month;
+        EXPECT_EQ(month.BoxOfDay(month.DayCount()), c.lastBox) << c.year << "-" << c.month;
         EXPECT_LT(c.lastBox, MonthCalendar::kBoxCount);
     }
 }

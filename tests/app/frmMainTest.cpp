@@ -26,7 +26,6 @@
 #include <QSignalSpy>
 #include <QStatusBar>
 #include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
 #include <QUndoStack>
 
@@ -248,12 +247,10 @@ TEST_F(MainWindow, FindAndFindNext) {
     dialogs.answerText("RENT");
     window->mnuFind_Click(1); // Find Next with no term yet asks for one
     EXPECT_EQ(dialogs.lastText(), "Enter search term");
-    const int first = window->SelectedRow();
+    EXPECT_EQ(window->SelectedRow(), rowOf("Pay rent"));
     window->mnuFind_Click(1);
     const int second = window->SelectedRow();
-    EXPECT_EQ(window->model().cellText(first, EventListModel::ColEvent) + QLatin1Char('|') +
-                  window->model().cellText(second, EventListModel::ColEvent),
-              "Pay rent|Rent party");
+    EXPECT_EQ(second, rowOf("Rent party"));
     EXPECT_EQ(dialogs.count(), 1) << "Find Next reuses the kept term";
     window->mnuFind_Click(1);
     EXPECT_EQ(window->SelectedRow(), second);
@@ -339,12 +336,7 @@ TEST_F(MainWindow, FileMenuExportsAndImportsTheList) {
 TEST_F(MainWindow, AServerThatNeverAnswersDoesNotHoldTheWindow) {
     QTcpServer server;
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
-    QList<QTcpSocket*> held;
-    QObject::connect(&server, &QTcpServer::newConnection, [&] {
-        while (server.hasPendingConnections()) {
-            held << server.nextPendingConnection();
-        }
-    });
+    QSignalSpy held(&server, &QTcpServer::newConnection); // kept open as pending connections
     settings.sSet("Networked", true);
     settings.sSet("NetworkMode", QStringLiteral("caldav"));
     settings.sSet("CalDAVUrl", QStringLiteral("http://127.0.0.1:%1/").arg(server.serverPort()));

@@ -17,6 +17,8 @@
 #include <QFileInfo>
 #include <QMap>
 
+#include <algorithm>
+
 namespace {
 
 class ReminderEngine : public ::testing::Test {
@@ -258,8 +260,7 @@ TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
     EXPECT_FALSE(DeleteEvent(services, "999999"));
     EXPECT_EQ(dialogs.count(), 1);
 
-    auto old = std::make_shared<clsEvent>();
-    expired.StoreRecord(old, true);
+    EventPtr old = add("Old", "2009-03-01", false, &expired);
     EXPECT_FALSE(DeleteExpiredEvent(services, "000000"));
     EXPECT_TRUE(DeleteExpiredEvent(services, old->IDCode) && old->Deleted);
 }
@@ -279,10 +280,8 @@ protected:
     // each line above the earlier ones, the fake appends.
     QStringList missedLines() const {
         FakeReminderWindow* w = windows.withHeading("MISSED");
-        QStringList shown;
-        for (const QString& line : w != nullptr ? w->lines : QStringList()) {
-            shown.prepend(line);
-        }
+        QStringList shown = w != nullptr ? w->lines : QStringList();
+        std::reverse(shown.begin(), shown.end());
         return shown;
     }
 };

@@ -58,7 +58,8 @@ protected:
 // One row per event: the cells (Left, Day, Date, Year, Event, Layer, Owner,
 // Type, Shared With) and the colour of the Event cell.
 TEST_F(EventList, CellsAndColourOfOneRow) {
-    const QColor none, green(0, 128, 0), blue(0, 0, 255), red(255, 0, 0);
+    const QColor green(0, 128, 0), blue(0, 0, 255), red(255, 0, 0);
+    // clang-format off
     const struct {
         NewEvent event;
         const char* cells; // joined by "|"
@@ -67,22 +68,17 @@ TEST_F(EventList, CellsAndColourOfOneRow) {
         {{"Today", "2009-03-05"}, "0000|Thu|05/03|2009|Today|Layer 1|||"},
         {{"Soon", "2009-03-17", "Ann", 3}, "0012|Tue|17/03|2009|Soon|Work|||"},
         {{"Far", "2040-01-01"}, "11259|Sun|01/01|2040|Far|Layer 1|||"},
-        {{"Two\r\nlines\rand\nmore", "2009-03-05"},
-         "0000|Thu|05/03|2009|Two  lines and more|Layer 1|||"},
+        {{"Two\r\nlines\rand\nmore", "2009-03-05"}, "0000|Thu|05/03|2009|Two  lines and more|Layer 1|||"},
         {{"L0", "2009-03-05", "Ann", 0}, "0000|Thu|05/03|2009|L0|Shared|||"},
-        {{"With two", "2009-03-05", "Ann", 1, true, true, "Bob\r\nCarl\r\n"},
-         "0000|Thu|05/03|2009|With two|Layer 1||*|Bob,Carl",
-         green},
-        {{"With all", "2009-03-05", "Ann", 1, true, false, "Bob\r\n"},
-         "0000|Thu|05/03|2009|With all|Layer 1||*|All",
-         green},
-        {{"Not shared", "2009-03-05", "Ann", 1, false, true, "Bob\r\n"},
-         "0000|Thu|05/03|2009|Not shared|Layer 1|||"},
+        {{"With two", "2009-03-05", "Ann", 1, true, true, "Bob\r\nCarl\r\n"}, "0000|Thu|05/03|2009|With two|Layer 1||*|Bob,Carl", green},
+        {{"With all", "2009-03-05", "Ann", 1, true, false, "Bob\r\n"}, "0000|Thu|05/03|2009|With all|Layer 1||*|All", green},
+        {{"Not shared", "2009-03-05", "Ann", 1, false, true, "Bob\r\n"}, "0000|Thu|05/03|2009|Not shared|Layer 1|||"},
         {{"Mine", "2009-03-05", " ann "}, "0000|Thu|05/03|2009|Mine|Layer 1|||"},
         {{"Bob's", "2009-03-05", "Bob", 1, true}, "0000|Thu|05/03|2009|Bob's|Layer 1||S|All", blue},
         {{"Passed", "2009-03-04", "Ann", 1, true}, "---|Wed|04/03|2009|Passed|Layer 1||E|All", red},
         {{"Bob's passed", "2009-03-03", "Bob"}, "---|Tue|03/03|2009|Bob's passed|Layer 1||E|", red},
     };
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.event.desc.toStdString());
         model.FillFromLists({Make(c.event)}, nullptr, nullptr, EventListModel::kAllLayers);

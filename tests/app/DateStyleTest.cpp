@@ -18,10 +18,9 @@ protected:
     DateStyle() { settings.sSet("Owner", QStringLiteral("Ann")); }
 
     QString listedDate() {
-        auto e = std::make_shared<clsEvent>();
-        e->setDueDate(D("2009-03-17"));
         EventListModel model(context);
-        model.FillFromLists({e}, nullptr, nullptr, EventListModel::kAllLayers);
+        model.FillFromLists({TestEvent("Listed", "2009-03-17")}, nullptr, nullptr,
+                            EventListModel::kAllLayers);
         return model.cellText(0, EventListModel::ColDate);
     }
     QString printedTaskList() {
@@ -35,12 +34,9 @@ protected:
     }
     // The captions of the reminder and alarm windows shown.
     QStringList captions() {
-        auto call = std::make_shared<clsEvent>();
-        call->setDesc("Call");
-        call->setDueDate(D("2009-03-17"));
+        EventPtr call = add(events, "Call", "2009-03-17");
         call->setAlarmSet(true);
         call->setAlarmTime(TimeSerial(8, 0));
-        events.StoreRecord(call);
         FakeReminderWindowFactory windows;
         ReminderServices services{settings, events, expired, nullptr, windows, opener, dialogs};
         ShowReminders(services);

@@ -6,21 +6,19 @@
 
 namespace {
 
-EventPtr Recurring(const QString& desc, int type, DateValue due) {
-    auto e = std::make_shared<clsEvent>();
-    e->setDesc(desc);
-    e->setRecurring(true);
-    e->setRecurrenceType(type);
-    e->setDueDate(due);
-    e->setStartDate(due);
-    return e;
-}
-
 EventPtr OneOff(const QString& desc, DateValue due, int16_t layer = 1) {
     auto e = std::make_shared<clsEvent>();
     e->setDesc(desc);
     e->setDueDate(due);
     e->setLayer(layer);
+    return e;
+}
+
+EventPtr Recurring(const QString& desc, int type, DateValue due) {
+    EventPtr e = OneOff(desc, due);
+    e->setRecurring(true);
+    e->setRecurrenceType(type);
+    e->setStartDate(due);
     return e;
 }
 
@@ -138,12 +136,10 @@ TEST(MonthCalendar, TextLengthsOwnersAndOrder) {
 
 TEST(MonthCalendar, LayerFilter) {
     const DateValue day = D("2009-03-05");
-    auto inTwo = OneOff("two", day, 2);
-    auto inThree = OneOff("three", day, 3);
     auto sharedInThree = OneOff("flagged", day, 3);
     sharedInThree->SharedEvent = true;
-    auto inZero = OneOff("zero", day, 0);
-    const QList<EventPtr> all{inTwo, inThree, sharedInThree, inZero};
+    const QList<EventPtr> all{OneOff("two", day, 2), OneOff("three", day, 3), sharedInThree,
+                              OneOff("zero", day, 0)};
     const QMap<int, QStringList> expected{
         {2, {"two"}},
         {3, {"three", "flagged"}},

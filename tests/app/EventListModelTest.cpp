@@ -202,10 +202,9 @@ TEST_F(EventListWindow, SelectionByIndexSurvivesRefills) {
     view.FillEvents(EventListModel::kAllLayers, false);
     EXPECT_EQ(view.selectedRows(), QList<int>{0}) << "no previous selection: the first row";
 
-    view.selectionModel()->select(model.index(3, 0),
-                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    view.selectionModel()->select(model.index(1, 0),
-                                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    const auto addRow = QItemSelectionModel::Select | QItemSelectionModel::Rows;
+    view.selectionModel()->select(model.index(3, 0), addRow);
+    view.selectionModel()->select(model.index(1, 0), addRow);
     EXPECT_EQ(view.selectedRows(), (QList<int>{0, 1, 3})) << "in list order";
 
     view.selectRow(3);

@@ -252,8 +252,7 @@ TEST_F(ReminderEngine, OnlyTheOwnerDeletesInNetworkedMode) {
     EXPECT_FALSE(DeleteEvent(services, bobs->IDCode));
     EXPECT_EQ(dialogs.texts(),
               QStringList{"You're not the owner of this event.  Only Bob can delete it."});
-    EXPECT_TRUE(DeleteEvent(services, mine->IDCode));
-    EXPECT_TRUE(mine->Deleted && !bobs->Deleted);
+    EXPECT_TRUE(DeleteEvent(services, mine->IDCode) && mine->Deleted && !bobs->Deleted);
 
     settings.sSet("Networked", false);
     EXPECT_TRUE(DeleteEvent(services, bobs->IDCode)) << "single-user mode has no owners to check";

@@ -193,8 +193,7 @@ TEST_F(CalDavSyncTest, FailuresLeaveCacheAndStateAndALaterSyncCatchesUp) {
     server.Stop();
     r = Sync("ann");
     EXPECT_TRUE(!r.ok && r.unreachable) << r.error.toStdString();
-    EXPECT_EQ(U("ann").File(false), cache);
-    EXPECT_EQ(U("ann").File(true), state);
+    EXPECT_EQ(std::pair(U("ann").File(false), U("ann").File(true)), std::pair(cache, state));
     ASSERT_TRUE(server.Start());
     r = Sync("ann");
     EXPECT_EQ(r.published, 1) << r.error.toStdString();
@@ -210,8 +209,7 @@ TEST_F(CalDavSyncTest, AnUnchangedResyncCostsOneRequestPerCollection) {
     }
     const QByteArray cache = U("ann").File(false);
     CalDavSyncResult r = Sync("ann");
-    EXPECT_EQ(r.requests, 3);
-    EXPECT_EQ(r.eventsRead, 6);
+    EXPECT_EQ(std::pair(r.requests, r.eventsRead), std::pair(3, 6));
     // A sync token the server no longer knows: each collection is listed
     // again, nothing downloaded again.
     ASSERT_TRUE(WriteFileBytes(DataFiles::CalDavStateFile(U("ann").settings),

@@ -65,11 +65,17 @@ struct User {
     }
     // TestConnection's answer: "ok: line" or "failed: line".
     QString TestConnection(const QString& password) {
+        return Answer([&](CalDavSync& sync, auto done) {
+            sync.TestConnection(CalDavAccount::FromSettings(settings), password, done);
+        });
+    }
+    // A call that answers through a callback, never at once: "ok: line" or "failed: line".
+    template <typename Call> QString Answer(Call call) {
         CalDavSync sync(settings);
         QString answer;
-        sync.TestConnection(
-            CalDavAccount::FromSettings(settings), password,
-            [&](bool ok, const QString& line) { answer = (ok ? "ok: " : "failed: ") + line; });
+        call(sync,
+             [&](bool ok, const QString& line) { answer = (ok ? "ok: " : "failed: ") + line; });
+        EXPECT_TRUE(answer.isEmpty()); // the caller never waits
         EXPECT_TRUE(QTest::qWaitFor([&] { return !answer.isEmpty(); }, 20000));
         return answer;
     }
@@ -228,14 +234,9 @@ TEST_F(CalDavSyncTest, StopSharingRemovesOnlyWhatTarvoPublishedAndALaterSyncPubl
     const CalDavAccount account = CalDavAccount::FromSettings(ann.settings);
     const QString stateFile = DataFiles::CalDavStateFile(ann.settings);
     const auto stop = [&](const QString& password) {
-        CalDavSync sync(ann.settings);
-        QString answer;
-        sync.StopSharing(account, password, stateFile, [&](bool ok, const QString& line) {
-            answer = (ok ? "ok: " : "failed: ") + line;
+        return ann.Answer([&](CalDavSync& sync, auto done) {
+            sync.StopSharing(account, password, stateFile, done);
         });
-        EXPECT_TRUE(answer.isEmpty()); // the caller never waits
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !answer.isEmpty(); }, 20000));
-        return answer;
     };
     EXPECT_EQ(stop("wrong"), "failed: Could not stop sharing on the CalDAV server; 2 events stay "
                              "there: The CalDAV server refused the user name or password (401 "

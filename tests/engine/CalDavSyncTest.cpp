@@ -131,21 +131,20 @@ TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOwnersCo
             Get(path).replace(QByteArray("SUMMARY:" + a->Desc().toUtf8()), "SUMMARY:Elsewhere");
         ASSERT_EQ(server.Request("PUT", "ann", path, theirs).status, 201);
     };
+    // clang-format off
     const struct {
         std::function<void()> change;
         QString resources; // ann's collection after the sync
         QString summary;
     } steps[] = {
         {[] {}, "100001 100002 100004", "Published 3, removed 0; read 1 users, 0 events"},
-        {[&] { a->setDesc("Moved"); }, "100001 100002 100004",
-         "Published 1, removed 0; read 1 users, 0 events"},
-        {[&] { elsewhere(), a->setDesc("Owner's change"); }, "100001 100002 100004",
-         "Published 1, removed 0; read 2 users, 0 events"},
+        {[&] { a->setDesc("Moved"); }, "100001 100002 100004", "Published 1, removed 0; read 1 users, 0 events"},
+        {[&] { elsewhere(), a->setDesc("Owner's change"); }, "100001 100002 100004", "Published 1, removed 0; read 2 users, 0 events"},
         {elsewhere, "100001 100002 100004", "Published 1, removed 0; read 2 users, 0 events"},
-        {[&] { b->SharedEvent = false; }, "100001 100004",
-         "Published 0, removed 1; read 2 users, 0 events"},
+        {[&] { b->SharedEvent = false; }, "100001 100004", "Published 0, removed 1; read 2 users, 0 events"},
         {[&] { a->Deleted = true; }, "100004", "Published 0, removed 1; read 2 users, 0 events"},
     };
+    // clang-format on
     for (const auto& step : steps) {
         step.change();
         const CalDavSyncResult r = Sync("ann");

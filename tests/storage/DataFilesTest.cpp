@@ -30,8 +30,7 @@ TEST(DataFolder, InsideTheHomeIsStoredRelativeOutsideAbsolute) {
 TEST(DataFolder, AnOldAbsolutePathFollowsTheCopiedOrMovedHome) {
     TempHome scratch;
     const QString root = scratch.path();
-    const QString oldHome = root + "/stick/Tarvo";
-    const QString newHome = root + "/copy/Tarvo";
+    const QString oldHome = root + "/stick/Tarvo", newHome = root + "/copy/Tarvo";
     const QStringList folders = {oldHome + "/data", newHome + "/data", root + "/nas/Tarvo/data"};
     for (const QString& folder : folders) {
         QDir().mkpath(folder);

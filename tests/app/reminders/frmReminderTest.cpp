@@ -36,8 +36,7 @@ TEST_F(ReminderWindow, EachNewWindowComesUpBelowTheOthersWithEveryTitleInSight) 
     QList<frmReminder*> shown{window.data()};
     tick(); // the first window comes up
     for (int i = 0; i < 3; ++i) {
-        more.push_back(std::make_unique<frmReminder>(settings, player));
-        frmReminder* w = more.back().get();
+        frmReminder* w = more.emplace_back(std::make_unique<frmReminder>(settings, player)).get();
         // Windows made by a pass that found nothing never take a place.
         frmReminder(settings, player).Unload();
         w->Timer1_Timer();

@@ -11,26 +11,26 @@ namespace R = EventEditorRules;
 
 class EditorRules : public ::testing::Test {
 protected:
-    EditorRules() { settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred")); }
+    EditorRules() { settings.sSet("Owner", "Fred"); }
 
     // A timed one-off "Every X days" input that passes every check.
     EventEditorInput valid() const {
         EventEditorInput in;
-        in.desc = QStringLiteral("Dentist");
+        in.desc = "Dentist";
         in.timed = true;
-        in.time = QStringLiteral("09:30");
-        in.minutesWarning = QStringLiteral("15");
-        in.daysWarning = QStringLiteral("2");
+        in.time = "09:30";
+        in.minutesWarning = "15";
+        in.daysWarning = "2";
         in.recurrenceType = clsEvent::EveryXDays;
-        in.dailyPeriod = QStringLiteral("3");
-        in.dailyStart = QStringLiteral("05/03/2009");
+        in.dailyPeriod = "3";
+        in.dailyStart = "05/03/2009";
         return in;
     }
 
     EventEditorOutcome save(EventEditorInput& in) { return R::Save(in, event, settings); }
 
     TempHome home;
-    FixedClock clock{QStringLiteral("2009-03-05 10:00")};
+    FixedClock clock{"2009-03-05 10:00"};
     cSHAREDSettings settings;
     clsEvent event;
 };
@@ -94,8 +94,8 @@ TEST_F(EditorRules, RefusalsNameTheFaultAndTheBoxToCorrect) {
     for (const auto& c : cases) {
         EventEditorInput in = valid();
         in.makeNoise = in.runFile = in.emailTo = true;
-        in.monthlyStart = QStringLiteral("05/03/2009");
-        in.weeklyPeriod = QStringLiteral("x"); // the start date is checked first
+        in.monthlyStart = "05/03/2009";
+        in.weeklyPeriod = "x"; // the start date is checked first
         in.recurrenceType = c.type;
         in.*c.box = QString::fromLatin1(c.typed);
         const EventEditorOutcome out = save(in);
@@ -106,7 +106,7 @@ TEST_F(EditorRules, RefusalsNameTheFaultAndTheBoxToCorrect) {
             EXPECT_TRUE(event.Desc().isEmpty()) << "a refused description writes nothing";
         }
     }
-    settings.sSet(QStringLiteral("Owner"), QStringLiteral("Fred<")); // a hand-edited owner
+    settings.sSet("Owner", "Fred<"); // a hand-edited owner
     EventEditorInput in = valid();
     EXPECT_EQ(save(in).message, lessThan("user ID in the options"));
 }
@@ -116,7 +116,7 @@ TEST_F(EditorRules, RefusalsNameTheFaultAndTheBoxToCorrect) {
 TEST_F(EditorRules, TimedEventGetsDueTimeWarningAndAlarmTime) {
     for (const auto& [typed, minutes] : {std::pair{"30", 30}, {"60", 60}, {"", 0}, {" 5 ", 5}}) {
         EventEditorInput in = valid();
-        in.time = QStringLiteral("00:10");
+        in.time = "00:10";
         in.minutesWarning = QString::fromLatin1(typed);
         ASSERT_TRUE(save(in).saved) << typed;
         EXPECT_DOUBLE_EQ(event.DueTime(), TimeSerial(0, 10));
@@ -133,7 +133,7 @@ TEST_F(EditorRules, RecurrenceTabsWriteTheirFields) {
     EXPECT_EQ(event.WeekDays(), 130);
 
     in.recurrenceType = clsEvent::DayOfMonthType;
-    in.dayOfMonth = QStringLiteral("31");
+    in.dayOfMonth = "31";
     in.monthNamesIndex = 12; // "Every Month"
     ASSERT_TRUE(save(in).saved);
     EXPECT_EQ(QList<int>({event.DayOfMonth(), event.MonthNumber()}), QList<int>({31, 13}));
@@ -153,8 +153,8 @@ TEST_F(EditorRules, RecurrenceTabsWriteTheirFields) {
     EXPECT_EQ(event.MonthNumber(), 12);
 
     in.recurrenceType = clsEvent::Weekly;
-    in.weeklyPeriod = QStringLiteral("2");
-    in.weeklyStart = QStringLiteral("17/03/2009");
+    in.weeklyPeriod = "2";
+    in.weeklyStart = "17/03/2009";
     ASSERT_TRUE(save(in).saved);
     EXPECT_EQ(event.Period(), 2);
     // The picked date replaces today; start dates follow the date style, and ISO
@@ -162,7 +162,7 @@ TEST_F(EditorRules, RecurrenceTabsWriteTheirFields) {
     for (const auto& [style, typed, start] : {std::tuple{1, "17/03/2009", "2009-03-17"},
                                               {2, "03/18/2009", "2009-03-18"},
                                               {2, "2009-03-05", "2009-03-05"}}) {
-        settings.sSet(QStringLiteral("DateStyle"), style);
+        settings.sSet("DateStyle", style);
         in.weeklyStart = QString::fromLatin1(typed);
         ASSERT_TRUE(save(in).saved) << typed;
         EXPECT_DOUBLE_EQ(event.StartDate(), D(start)) << typed;
@@ -170,29 +170,29 @@ TEST_F(EditorRules, RecurrenceTabsWriteTheirFields) {
 }
 
 TEST_F(EditorRules, AFailedCheckLeavesEarlierFieldsWrittenAndLaterOnesAlone) {
-    event.setDesc(QStringLiteral("old"));
+    event.setDesc("old");
     event.setDaysWarning(9);
     EventEditorInput in = valid();
-    in.dailyStart = QStringLiteral("DD/MM/YYYY");
+    in.dailyStart = "DD/MM/YYYY";
     EXPECT_FALSE(save(in).saved);
     EXPECT_EQ(std::make_tuple(event.Desc(), event.DaysWarning(), event.Period()),
               std::make_tuple(QString("Dentist"), int16_t(2), int16_t(0)))
         << "the failing tab wrote nothing";
 
     clsEvent untouched;
-    untouched.setDesc(QStringLiteral("old"));
+    untouched.setDesc("old");
     event = untouched;
-    in.time = QStringLiteral("25:00");
+    in.time = "25:00";
     EXPECT_FALSE(save(in).saved);
-    EXPECT_EQ(event.Desc(), QStringLiteral("old")) << "the time check comes before the description";
+    EXPECT_EQ(event.Desc(), "old") << "the time check comes before the description";
 }
 
 TEST_F(EditorRules, OneOffUntimedEventTakesTodayOwnerAndEmptyBoxesAsZero) {
     EventEditorInput in;
-    in.desc = QStringLiteral("Pay rent");
+    in.desc = "Pay rent";
     in.repeat = false;
     in.minutesWarning.clear();
-    in.daysWarning = QStringLiteral("  ");
+    in.daysWarning = "  ";
     in.layer = 3;
     in.days.at(3) = true; // the weekday tab is checked even for a one-off
     ASSERT_TRUE(save(in).saved);
@@ -204,11 +204,11 @@ TEST_F(EditorRules, OneOffUntimedEventTakesTodayOwnerAndEmptyBoxesAsZero) {
 
     cSHAREDSettings empty;
     EXPECT_TRUE(R::Save(in, event, empty).saved);
-    EXPECT_EQ(event.Owner(), QStringLiteral("Not Set"));
+    EXPECT_EQ(event.Owner(), "Not Set");
 }
 
 TEST_F(EditorRules, SharingAndEmail) {
-    event.ShareNames = QStringLiteral("Old\r\n");
+    event.ShareNames = "Old\r\n";
     const struct {
         bool shared, specific;
         const char* names;
@@ -217,34 +217,32 @@ TEST_F(EditorRules, SharingAndEmail) {
         EventEditorInput in = valid();
         in.shared = c.shared;
         in.specificShare = c.specific;
-        in.selectedUsers = {QStringLiteral("Bob"), QStringLiteral("Jim")};
+        in.selectedUsers = {"Bob", "Jim"};
         in.emailTo = c.specific;
-        in.email = QStringLiteral("fred@home.test");
+        in.email = "fred@home.test";
         ASSERT_TRUE(save(in).saved);
         EXPECT_EQ(
             std::tie(event.SharedEvent, event.ShareWithSpecific, event.ShareNames, event.Email),
             std::make_tuple(c.shared, c.shared && c.specific, QString(c.names),
                             c.specific ? in.email : QString()));
     }
-    EXPECT_EQ(settings.sGet(QStringLiteral("DefaultEmail")).toText(),
-              QStringLiteral("fred@home.test"))
+    EXPECT_EQ(settings.sGet("DefaultEmail").toText(), "fred@home.test")
         << "remembered as the default";
 }
 
 TEST_F(EditorRules, SoundAndFileToRun) {
-    const QString chosen = home.file(QStringLiteral("bell.wav"));
+    const QString chosen = home.file("bell.wav");
     ASSERT_TRUE(WriteFileBytes(chosen, "RIFF"));
     EventEditorInput in = valid();
     in.makeNoise = in.runFile = true;
     in.wavFile = chosen;
-    in.execFile = QStringLiteral("/tmp/report.txt");
+    in.execFile = "/tmp/report.txt";
     ASSERT_TRUE(save(in).saved);
     EXPECT_EQ(QStringList({event.WavFile, event.Filename}), QStringList({chosen, in.execFile}));
 
-    in.wavFile = home.file(QStringLiteral("gone.wav"));
+    in.wavFile = home.file("gone.wav");
     ASSERT_TRUE(save(in).saved);
-    EXPECT_NE(event.WavFile, home.file(QStringLiteral("gone.wav")))
-        << "a missing sound gives the default";
+    EXPECT_NE(event.WavFile, home.file("gone.wav")) << "a missing sound gives the default";
     EXPECT_EQ(in.wavFile, event.WavFile) << "the label shows the sound used";
 
     in.makeNoise = in.runFile = false;
@@ -257,7 +255,7 @@ TEST_F(EditorRules, SoundAndFileToRun) {
 // following day when the rule gives every day.
 TEST_F(EditorRules, PreviewStartsWithTodayWhenTheRuleGivesToday) {
     EventEditorInput in = valid();
-    in.dailyPeriod = QStringLiteral("1");
+    in.dailyPeriod = "1";
     const DateValue today = D("2009-03-05");
     EXPECT_EQ(OccurrencePreview::Of(in, event, settings).dates,
               (QList<DateValue>{today, today + 1, today + 2, today + 3, today + 4}));

@@ -79,19 +79,18 @@ TEST(Recurrence, WorkedExamples) {
 }
 
 TEST(Recurrence, WeekStepOverflowIsLoggedNotFatal) {
-    FixedClock clock(QStringLiteral("2009-03-05 10:00"));
+    FixedClock clock("2009-03-05 10:00");
     clsEvent e = RepeatingEvent({.type = 3, .period = 4682, .start = "2009-01-01"});
-    e.setDueDate(D(QStringLiteral("2009-02-01")));
+    e.setDueDate(D("2009-02-01"));
     e.CalcNextDueDate();
-    EXPECT_EQ(LoggedTexts().constLast(),
-              QStringLiteral("Overflow (6) in CalcDueDate of module clsEvent"));
-    EXPECT_EQ(FormatYMD(e.DueDate()), QStringLiteral("2009-02-01"));
-    EXPECT_EQ(FormatYMD(e.StartDate()), QStringLiteral("2009-01-01"));
+    EXPECT_EQ(LoggedTexts().constLast(), "Overflow (6) in CalcDueDate of module clsEvent");
+    EXPECT_EQ(FormatYMD(e.DueDate()), "2009-02-01");
+    EXPECT_EQ(FormatYMD(e.StartDate()), "2009-01-01");
 
     // A start on or after the search start needs no step, so no overflow.
-    e.setStartDate(D(QStringLiteral("2009-04-01")));
+    e.setStartDate(D("2009-04-01"));
     e.CalcNextDueDate();
-    EXPECT_EQ(FormatYMD(e.DueDate()), QStringLiteral("2009-04-01"));
+    EXPECT_EQ(FormatYMD(e.DueDate()), "2009-04-01");
 }
 
 TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
@@ -110,25 +109,23 @@ TEST(Recurrence, EndlessSearchesStopAndLogTheEvent) {
         {"month 13, Nth weekday", {.type = 4, .monthNumber = 13, .dayOfWeek = 2, .daynumber = 1}},
     };
     // clang-format on
-    FixedClock clock(QStringLiteral("2009-03-05 10:00"));
+    FixedClock clock("2009-03-05 10:00");
     for (const auto& b : bad) {
-        clsEvent e =
-            RepeatingEvent(b.rule, QStringLiteral("Broken: ") + QString::fromLatin1(b.what));
-        e.setDueDate(D(QStringLiteral("2008-06-01")));
+        clsEvent e = RepeatingEvent(b.rule, "Broken: " + QString::fromLatin1(b.what));
+        e.setDueDate(D("2008-06-01"));
         const DateValue start = e.StartDate();
         e.CalcNextDueDate();
-        EXPECT_EQ(FormatYMD(e.DueDate()), QStringLiteral("2008-06-01")) << b.what;
+        EXPECT_EQ(FormatYMD(e.DueDate()), "2008-06-01") << b.what;
         EXPECT_EQ(e.StartDate(), start) << b.what;
         EXPECT_TRUE(LoggedTexts().constLast().contains(e.Desc()))
             << b.what << ": " << LoggedTexts().constLast().toStdString();
     }
     // Running past the last representable day is such a search too.
-    clsEvent late =
-        RepeatingEvent({.type = 0, .weekDays = 2}, QStringLiteral("Past 9999")); // Mondays
-    late.setDueDate(D(QStringLiteral("9999-12-27")));
-    late.CalcNextAfterDate(D(QStringLiteral("9999-12-28")));
-    EXPECT_EQ(FormatYMD(late.DueDate()), QStringLiteral("9999-12-27"));
-    EXPECT_TRUE(LoggedTexts().constLast().contains(QStringLiteral("Past 9999")));
+    clsEvent late = RepeatingEvent({.type = 0, .weekDays = 2}, "Past 9999"); // Mondays
+    late.setDueDate(D("9999-12-27"));
+    late.CalcNextAfterDate(D("9999-12-28"));
+    EXPECT_EQ(FormatYMD(late.DueDate()), "9999-12-27");
+    EXPECT_TRUE(LoggedTexts().constLast().contains("Past 9999"));
 }
 
 // ---- Brute-force oracles: the first day on or after the start that fits. ----
@@ -152,7 +149,7 @@ template <typename Fits> DateValue firstFitting(DateValue from, Fits fits) {
 TEST(Recurrence, AgreesWithADayByDaySearch) {
     std::mt19937 rng(20261121);
     auto pick = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
-    const DateValue base = D(QStringLiteral("2023-01-01"));
+    const DateValue base = D("2023-01-01");
     for (int i = 0; i < 3000; ++i) {
         const int type = i % 6;
         // The day-of-month rule searches from the clock's day: today counts.
@@ -162,7 +159,7 @@ TEST(Recurrence, AgreesWithADayByDaySearch) {
         }
         FixedClock clock(DateOnly(from));
         clsEvent e;
-        e.setDesc(QStringLiteral("sweep"));
+        e.setDesc("sweep");
         e.setRecurrenceType(type);
         const DateValue start = base - pick(0, 4000);
         e.setStartDate(start);

@@ -37,11 +37,11 @@ TEST(DateValue, TheEpochNegativeValuesAndRounding) {
     EXPECT_THROW(DateSerial(10000, 1, 1), RuntimeError);
     EXPECT_THROW(DateSerial(9999, 13, 1), RuntimeError);
     EXPECT_THROW(DateSerial(99, 12, 31), RuntimeError);
-    EXPECT_EQ(FormatYMDHM(-1.25), QStringLiteral("1899-12-29 06:00"));
+    EXPECT_EQ(FormatYMDHM(-1.25), "1899-12-29 06:00");
     EXPECT_EQ(DateOnly(-1.25), -1.0);
-    EXPECT_EQ(FormatHM(TimeOnly(-1.25)), QStringLiteral("06:00"));
-    EXPECT_EQ(FormatYMDHM(-0.5), QStringLiteral("1899-12-30 12:00")); // the same moment as 0.5
-    EXPECT_EQ(*ParseDateValue(QStringLiteral("1899-12-29 06:00")), -1.25);
+    EXPECT_EQ(FormatHM(TimeOnly(-1.25)), "06:00");
+    EXPECT_EQ(FormatYMDHM(-0.5), "1899-12-30 12:00"); // the same moment as 0.5
+    EXPECT_EQ(*ParseDateValue("1899-12-29 06:00"), -1.25);
     EXPECT_EQ(FromQDateTime(QDateTime(QDate(1899, 12, 28), QTime(18, 0))), -2.75);
     EXPECT_EQ(DateOnly(DateSerial(2009, 3, 5) + 0.9999999999), DateSerial(2009, 3, 6));
 }
@@ -62,13 +62,11 @@ TEST(DateValue, WeekdayCountsFromTheGivenFirstDay) {
 
 TEST(DateValue, TextFormsRoundTrip) {
     const DateValue v = DateSerial(2009, 3, 5) + TimeSerial(7, 5, 59);
-    EXPECT_EQ(FormatYMDHM(v), QStringLiteral("2009-03-05 07:05")); // seconds dropped, not rounded
-    EXPECT_EQ(*ParseDateValue(QStringLiteral("2009-03-05")), DateSerial(2009, 3, 5));
-    EXPECT_EQ(*ParseDateValue(QStringLiteral(" 2009-03-05 07:05 ")),
-              DateSerial(2009, 3, 5) + TimeSerial(7, 5));
-    EXPECT_EQ(*ParseDateValue(QStringLiteral("2009-03-05 07:05:59")), v);
-    EXPECT_EQ(FormatYMDHM(*ParseDateValue(QStringLiteral("2024-02-29 23:59"))),
-              QStringLiteral("2024-02-29 23:59"));
+    EXPECT_EQ(FormatYMDHM(v), "2009-03-05 07:05"); // seconds dropped, not rounded
+    EXPECT_EQ(*ParseDateValue("2009-03-05"), DateSerial(2009, 3, 5));
+    EXPECT_EQ(*ParseDateValue(" 2009-03-05 07:05 "), DateSerial(2009, 3, 5) + TimeSerial(7, 5));
+    EXPECT_EQ(*ParseDateValue("2009-03-05 07:05:59"), v);
+    EXPECT_EQ(FormatYMDHM(*ParseDateValue("2024-02-29 23:59")), "2024-02-29 23:59");
 }
 
 TEST(DateValue, ParseRefusesWhatIsNoDate) {
@@ -81,10 +79,10 @@ TEST(DateValue, ParseRefusesWhatIsNoDate) {
 
 TEST(Clock, FixedAdvancedAndReset) {
     {
-        FixedClock clock(QStringLiteral("2009-12-31 23:59"));
-        EXPECT_EQ(FormatYMDHM(Now()), QStringLiteral("2009-12-31 23:59"));
+        FixedClock clock("2009-12-31 23:59");
+        EXPECT_EQ(FormatYMDHM(Now()), "2009-12-31 23:59");
         Clock::advance(60);
-        EXPECT_EQ(FormatYMDHM(Now()), QStringLiteral("2010-01-01 00:00"));
+        EXPECT_EQ(FormatYMDHM(Now()), "2010-01-01 00:00");
         EXPECT_EQ(TodayDate(), DateSerial(2010, 1, 1));
         // Before today compares whole days: earlier today is not before.
         Clock::advance(15 * 3600);

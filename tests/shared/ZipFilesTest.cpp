@@ -33,42 +33,41 @@ protected:
 // order and their bytes; the same file spelled another way is refused.
 TEST_F(ZipFilesTest, ArchiveHoldsExistingFilesInListOrderWithTheirBytes) {
     const QByteArray binary("\x00\x01\xff\r\nend", 8);
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("second.bin")), binary));
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("first.txt")), "first"));
-    const QString archive = home.file(QStringLiteral("out.zip"));
+    ASSERT_TRUE(WriteFileBytes(home.file("second.bin"), binary));
+    ASSERT_TRUE(WriteFileBytes(home.file("first.txt"), "first"));
+    const QString archive = home.file("out.zip");
 
     zip.setZipFileName(archive);
-    EXPECT_TRUE(zip.AddFile(home.file(QStringLiteral("second.bin"))));
-    EXPECT_FALSE(zip.AddFile(home.path() + QStringLiteral("/./second.bin")));
-    EXPECT_EQ(zip.GetLastMessage(), QStringLiteral("File is already in Zip List"));
-    zip.AddFile(home.file(QStringLiteral("missing.txt")));
-    zip.AddFile(home.file(QStringLiteral("first.txt")));
+    EXPECT_TRUE(zip.AddFile(home.file("second.bin")));
+    EXPECT_FALSE(zip.AddFile(home.path() + "/./second.bin"));
+    EXPECT_EQ(zip.GetLastMessage(), "File is already in Zip List");
+    zip.AddFile(home.file("missing.txt"));
+    zip.AddFile(home.file("first.txt"));
     ASSERT_TRUE(zip.MakeZipFile()) << zip.GetLastMessage().toStdString();
 
-    EXPECT_EQ(cSHAREDZipFiles::ListEntries(archive),
-              QStringList({QStringLiteral("second.bin"), QStringLiteral("first.txt")}));
+    EXPECT_EQ(cSHAREDZipFiles::ListEntries(archive), QStringList({"second.bin", "first.txt"}));
     EXPECT_EQ(EntryBytes(archive, "second.bin"), binary);
     EXPECT_EQ(EntryBytes(archive, "first.txt"), QByteArray("first"));
-    EXPECT_TRUE(zip.GetLastMessage().contains(QStringLiteral("missing.txt")));
+    EXPECT_TRUE(zip.GetLastMessage().contains("missing.txt"));
 }
 
 TEST_F(ZipFilesTest, FailureLeavesThePreviousArchive) {
-    const QString archive = home.file(QStringLiteral("out.zip"));
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("a.txt")), "a"));
+    const QString archive = home.file("out.zip");
+    ASSERT_TRUE(WriteFileBytes(home.file("a.txt"), "a"));
     zip.setZipFileName(archive);
-    zip.AddFile(home.file(QStringLiteral("a.txt")));
+    zip.AddFile(home.file("a.txt"));
     ASSERT_TRUE(zip.MakeZipFile());
     const QByteArray before = ReadFileBytes(archive);
 
     // Nothing left to pack: the old archive is not emptied or removed.
-    QFile::remove(home.file(QStringLiteral("a.txt")));
+    QFile::remove(home.file("a.txt"));
     EXPECT_FALSE(zip.MakeZipFile());
     EXPECT_FALSE(zip.GetLastMessage().isEmpty());
     EXPECT_EQ(ReadFileBytes(archive), before);
 
     // A target that cannot be written (its folder is missing) fails cleanly.
-    ASSERT_TRUE(WriteFileBytes(home.file(QStringLiteral("a.txt")), "a"));
-    zip.setZipFileName(home.file(QStringLiteral("no/such/folder/out.zip")));
+    ASSERT_TRUE(WriteFileBytes(home.file("a.txt"), "a"));
+    zip.setZipFileName(home.file("no/such/folder/out.zip"));
     EXPECT_FALSE(zip.MakeZipFile());
     EXPECT_FALSE(zip.GetLastMessage().isEmpty());
 }

@@ -42,7 +42,7 @@ TEST(DateSubs, ProbeGivesTheShortAndFullFormats) {
 
 TEST(DateSubs, YearFirstWithoutMonthBeforeDayLeavesTheFormatEmpty) {
     // Year first, day before month, the month not found where expected.
-    cSharedDateSubs subs(QStringLiteral("2001/25/12"), QLocale(QLocale::English));
+    cSharedDateSubs subs("2001/25/12", QLocale(QLocale::English));
     EXPECT_TRUE(subs.DateFormatString.isEmpty());
     EXPECT_EQ(subs.ShortFormatDate(D("2009-03-05")), QString());
 }
@@ -50,14 +50,13 @@ TEST(DateSubs, YearFirstWithoutMonthBeforeDayLeavesTheFormatEmpty) {
 TEST(DateSubs, WithoutAProbeTheLocaleGivesTheFormatAndMonthNames) {
     const QLocale german(QLocale::German, QLocale::Germany);
     cSharedDateSubs subs(QString(), german);
-    EXPECT_EQ(subs.DateFormatString, QStringLiteral("DD.MM.YY"));
-    EXPECT_EQ(subs.FormatDate(D("2009-03-05")), QStringLiteral("05.") +
-                                                    german.monthName(3, QLocale::ShortFormat) +
-                                                    QStringLiteral(".2009"));
+    EXPECT_EQ(subs.DateFormatString, "DD.MM.YY");
+    EXPECT_EQ(subs.FormatDate(D("2009-03-05")),
+              "05." + german.monthName(3, QLocale::ShortFormat) + ".2009");
 }
 
 TEST(DateSubs, InitialisationLogsItsFindings) {
-    cSharedDateSubs subs(QStringLiteral("25.12.2001"), QLocale(QLocale::English));
+    cSharedDateSubs subs("25.12.2001", QLocale(QLocale::English));
     const QStringList actions = LoggedTexts();
     const QStringList expected{"Date format: DD.MM.YYYY", "Full date format: DD.MMM.YYYY",
                                "Full date format plus time: DD.MMM.YYYY HH:MM", "Date separator: .",
@@ -65,33 +64,29 @@ TEST(DateSubs, InitialisationLogsItsFindings) {
     ASSERT_GE(actions.size(), expected.size());
     EXPECT_EQ(actions.mid(actions.size() - expected.size()), expected);
     subs.FormatDate(D("2009-03-05"));
-    subs.ConvertMyDateVar(QStringLiteral("05.03.2009"));
+    subs.ConvertMyDateVar("05.03.2009");
     EXPECT_EQ(LoggedTexts().size(), actions.size()) << "the findings are logged once";
 }
 
 TEST(DateSubs, DatesBeyondTheCalendarGiveEmptyTextAndALogLine) {
-    cSharedDateSubs subs(QStringLiteral("25/12/2001"), QLocale(QLocale::English));
+    cSharedDateSubs subs("25/12/2001", QLocale(QLocale::English));
     const DateValue first = DateSerial(100, 1, 1);
     const DateValue last = DateSerial(9999, 12, 31);
     for (const DateValue bad :
          {std::numeric_limits<double>::quiet_NaN(), 1e12, -1e12, first - 1, last + 1}) {
         EXPECT_EQ(subs.FormatDate(bad), QString()) << bad;
     }
-    EXPECT_EQ(subs.FormatDate(first), QStringLiteral("01/Jan/0100"));
-    EXPECT_EQ(subs.FormatDate(last + 0.999), QStringLiteral("31/Dec/9999"));
-    EXPECT_EQ(
-        LoggedTexts().constLast(),
-        QStringLiteral("Invalid procedure call or argument (5) in FormatDate of module cDateSubs"));
+    EXPECT_EQ(subs.FormatDate(first), "01/Jan/0100");
+    EXPECT_EQ(subs.FormatDate(last + 0.999), "31/Dec/9999");
+    EXPECT_EQ(LoggedTexts().constLast(),
+              "Invalid procedure call or argument (5) in FormatDate of module cDateSubs");
 }
 
 TEST(DateSubs, ConvertMyDateVarRefusesWhatIsNoDate) {
-    cSharedDateSubs subs(QStringLiteral("25/12/2001"), QLocale(QLocale::English));
-    EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("31-12-29")),
-              std::optional<DateValue>(D("2029-12-31")));
-    EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("1.1.30")),
-              std::optional<DateValue>(D("1930-01-01")));
-    EXPECT_EQ(subs.ConvertMyDateVar(QStringLiteral("1/1/0100")),
-              std::optional<DateValue>(DateSerial(100, 1, 1)));
+    cSharedDateSubs subs("25/12/2001", QLocale(QLocale::English));
+    EXPECT_EQ(subs.ConvertMyDateVar("31-12-29"), std::optional<DateValue>(D("2029-12-31")));
+    EXPECT_EQ(subs.ConvertMyDateVar("1.1.30"), std::optional<DateValue>(D("1930-01-01")));
+    EXPECT_EQ(subs.ConvertMyDateVar("1/1/0100"), std::optional<DateValue>(DateSerial(100, 1, 1)));
     for (const char* bad : {"", "31/02/2009", "a/b/c", "1/2", "1/2/3/4", "31/12/0099"}) {
         EXPECT_FALSE(subs.ConvertMyDateVar(QString::fromUtf8(bad)).has_value()) << bad;
     }

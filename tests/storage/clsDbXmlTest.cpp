@@ -19,7 +19,7 @@ class DbXml : public StorageTest {
 protected:
     DbXml() : db(settings, &layers) { db.SetDBFilename(path()); }
 
-    QString path() const { return home.file(QStringLiteral("Events.xml")); }
+    QString path() const { return home.file("Events.xml"); }
 
     static QStringList Descs(const QList<EventPtr>& events) {
         QStringList descs;
@@ -43,7 +43,7 @@ protected:
 };
 
 TEST_F(DbXml, CodesAreUniqueSixDigitsAndAnEditedRecordMovesToTheEnd) {
-    static const QRegularExpression sixDigits(QStringLiteral("^\\d{6}$"));
+    static const QRegularExpression sixDigits("^\\d{6}$");
     QSet<QString> codes;
     clsDbXml many(settings);
     for (int i = 0; i < 5000; ++i) { // deleted records keep their codes
@@ -86,16 +86,16 @@ TEST_F(DbXml, CodesAreUniqueSixDigitsAndAnEditedRecordMovesToTheEnd) {
 TEST_F(DbXml, DeletingAndSavingAReadOnlyFile) {
     const auto a = MakeEvent(QStringLiteral("A"));
     db.StoreRecord(a);
-    db.StoreRecord(MakeEvent(QStringLiteral("B")));
+    db.StoreRecord(MakeEvent("B"));
     db.DeleteRecord(a->IDCode);
     EXPECT_EQ(std::tuple(a->Deleted, db.RecordCount(), DescsInFile()),
               std::tuple(true, 2, QStringList{"B"}));
-    db.DeleteRecord(QStringLiteral("999999x")); // unknown: still saves
+    db.DeleteRecord("999999x"); // unknown: still saves
     db.LoadDB(path());
     EXPECT_EQ(std::tuple(db.RecordCount(), db.ReadEvent(a->IDCode)), std::tuple(1, nullptr));
     // A read-only file is made writable and saved.
     ASSERT_TRUE(QFile::setPermissions(path(), QFileDevice::ReadOwner | QFileDevice::ReadUser));
-    db.StoreRecord(MakeEvent(QStringLiteral("new")));
+    db.StoreRecord(MakeEvent("new"));
     db.SaveDB();
     EXPECT_EQ(std::tuple(DescsInFile(), db.HasUnsavedChanges()),
               std::tuple(QStringList{"B", "new"}, false));
@@ -106,7 +106,7 @@ TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
     EXPECT_FALSE(db.DatabaseChanged()) << "absent and still absent";
 
     // Another program creates the file.
-    SaveEvents(path(), {MakeEvent(QStringLiteral("from elsewhere"))});
+    SaveEvents(path(), {MakeEvent("from elsewhere")});
     EXPECT_TRUE(db.DatabaseChanged());
     db.LoadDB(path());
     EXPECT_EQ(std::tuple(db.RecordCount(), db.DatabaseChanged()), std::tuple(1, false));
@@ -126,18 +126,18 @@ TEST_F(DbXml, ChangeDetectionFollowsTheFileTimeStamp) {
 // events stay in memory and reach the file once it can be written again.
 TEST_F(DbXml, AFailedSaveIsToldOnceAndTheEventsWaitForTheNextSave) {
     RecordedErrorReports reports;
-    const QString folder = home.file(QStringLiteral("data"));
-    const QString file = QDir(folder).filePath(QStringLiteral("Events.xml"));
+    const QString folder = home.file("data");
+    const QString file = QDir(folder).filePath("Events.xml");
     db.SetDBFilename(file);
-    db.StoreRecord(MakeEvent(QStringLiteral("first")));
+    db.StoreRecord(MakeEvent("first"));
     db.SaveDB();
-    db.StoreRecord(MakeEvent(QStringLiteral("second")));
+    db.StoreRecord(MakeEvent("second"));
     db.SaveDB();
     EXPECT_TRUE(db.HasUnsavedChanges());
     ASSERT_EQ(reports.texts(), QStringList{"Unable to save " + file + ": Path not found."});
     EXPECT_EQ(reports.secondTexts().first(), SaveFailures::AdviceText());
     // Reloading the databases (after the options) keeps what is not saved.
-    settings.sSet(QStringLiteral("DataPath"), SettingValue(folder));
+    settings.sSet("DataPath", SettingValue(folder));
     clsDbXml expired(settings, &layers);
     SharedDatabases shared(settings, layers);
     DataFiles::LoadDatabases(settings, db, expired, shared);
@@ -169,9 +169,8 @@ TEST_F(DbXml, ASaveCutOffPartWayLeavesThePreviousFileWhole) {
         db.SaveDB();
     }
     EXPECT_EQ(ReadFileBytes(path()), before);
-    EXPECT_TRUE(NewLogLines().join('\n').contains(QStringLiteral("in SaveDB of module clsDbXml")));
-    const QStringList leftovers =
-        QDir(home.path()).entryList(QDir::Files).filter(QStringLiteral("Events.xml"));
+    EXPECT_TRUE(NewLogLines().join('\n').contains("in SaveDB of module clsDbXml"));
+    const QStringList leftovers = QDir(home.path()).entryList(QDir::Files).filter("Events.xml");
     EXPECT_EQ(leftovers, QStringList{"Events.xml"}) << "no half-written copy stays behind";
 
     db.SaveDB(); // the next save goes through
@@ -186,17 +185,17 @@ TEST_F(DbXml, OwnerOperationsCompareTrimmedNamesAndSave) {
     for (const auto& e : {ann, bob, bob2}) {
         db.StoreRecord(e);
     }
-    db.RenameOwner(QStringLiteral("BOB "), QStringLiteral("Robert"));
+    db.RenameOwner("BOB ", "Robert");
     EXPECT_EQ(QStringList({bob->Owner(), bob2->Owner(), ann->Owner()}),
               QStringList({"Robert", "Robert", " Ann "}));
     EXPECT_TRUE(ReadFileBytes(path()).contains("<Owner>Robert</Owner>"));
 
     db.SetAllToSingleUser();
     EXPECT_TRUE(ReadFileBytes(path()).contains("<Owner>Single</Owner>"));
-    settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Zoe")));
+    settings.sSet("Owner", SettingValue("Zoe"));
     db.LoadDB(path());
     ASSERT_EQ(db.RecordCount(), 3);
-    EXPECT_EQ(db.Events().first()->Owner(), QStringLiteral("Zoe"));
+    EXPECT_EQ(db.Events().first()->Owner(), "Zoe");
 }
 
 TEST_F(DbXml, NetworkedLoadingFiltersByShareNamesAndMapsLayersByName) {
@@ -240,7 +239,7 @@ TEST_F(DbXml, NetworkedLoadingFiltersByShareNamesAndMapsLayersByName) {
             EXPECT_EQ(db.Events().at(at)->Layer(), loadedLayer) << desc;
         }
     }
-    EXPECT_EQ(layers.Layer(19), QStringLiteral("Travel"));
+    EXPECT_EQ(layers.Layer(19), "Travel");
 }
 
 TEST_F(DbXml, AnUnreadableFileGivesNoRecordsAndIsLoggedUnderTheOldLabels) {

@@ -22,7 +22,7 @@ public slots:
     uint Notify(const QString& app, uint, const QString& icon, const QString& heading,
                 const QString& body, const QStringList& actions, const QVariantMap& hints, int) {
         shown.append({app, icon, heading, body, actions.value(0),
-                      QString::number(hints.value(QStringLiteral("urgency")).toInt())});
+                      QString::number(hints.value("urgency").toInt())});
         return static_cast<uint>(shown.size());
     }
 
@@ -38,23 +38,20 @@ TEST(Notifications, TheServiceGetsAlarmsAndRemindersAndItsActionOpensTheWindow) 
         GTEST_SKIP() << "a private D-Bus session bus cannot start here (dbus-daemon)";
     }
     {
-        DBusNotifier notifier(QDBusConnection::connectToBus(address, QStringLiteral("client")));
+        DBusNotifier notifier(QDBusConnection::connectToBus(address, "client"));
         QSignalSpy open(&notifier, &DBusNotifier::openRequested);
-        QDBusConnection service = QDBusConnection::connectToBus(address, QStringLiteral("service"));
+        QDBusConnection service = QDBusConnection::connectToBus(address, "service");
         FakeNotifications fake;
         ASSERT_TRUE(service.registerObject(QString::fromLatin1(DBusNotifier::kPath), &fake,
                                            QDBusConnection::ExportAllContents));
         ASSERT_TRUE(service.registerService(QString::fromLatin1(DBusNotifier::kService)));
-        notifier.Notify(QStringLiteral("ALARM!"),
-                        {QStringLiteral("Doctor"), QStringLiteral("Fish & <chips>")}, true);
-        notifier.Notify(QStringLiteral("TODAY!"), {QStringLiteral("Birthday")}, false);
+        notifier.Notify("ALARM!", {"Doctor", "Fish & <chips>"}, true);
+        notifier.Notify("TODAY!", {"Birthday"}, false);
         ASSERT_TRUE(QTest::qWaitFor([&] { return fake.shown.size() == 2; }, 5000));
         const QString action = QString::fromLatin1(DBusNotifier::kOpenAction);
-        EXPECT_EQ(fake.shown[0], (QStringList{QStringLiteral("Tarvo"), QStringLiteral("tarvo"),
-                                              QStringLiteral("ALARM!"),
-                                              QStringLiteral("Doctor\nFish &amp; &lt;chips&gt;"),
-                                              action, QStringLiteral("2")}));
-        EXPECT_EQ(fake.shown[1].last(), QStringLiteral("1")) << "normal urgency for reminders";
+        EXPECT_EQ(fake.shown[0], (QStringList{"Tarvo", "tarvo", "ALARM!",
+                                              "Doctor\nFish &amp; &lt;chips&gt;", action, "2"}));
+        EXPECT_EQ(fake.shown[1].last(), "1") << "normal urgency for reminders";
 
         // Another program's notification, then ours (repeated until the reply
         // that tells the notifier its id has come; signals arrive in order).
@@ -65,8 +62,8 @@ TEST(Notifications, TheServiceGetsAlarmsAndRemindersAndItsActionOpensTheWindow) 
         }
         EXPECT_EQ(open.count(), 1);
     }
-    QDBusConnection::disconnectFromBus(QStringLiteral("service"));
-    QDBusConnection::disconnectFromBus(QStringLiteral("client"));
+    QDBusConnection::disconnectFromBus("service");
+    QDBusConnection::disconnectFromBus("client");
     daemon.kill();
     daemon.waitForFinished();
 }

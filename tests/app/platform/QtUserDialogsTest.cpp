@@ -41,16 +41,16 @@ TEST(QtUserDialogs, QuestionsShowTheirButtonsAndDefaultAndReturnTheAnswer) {
     QtUserDialogs dialogs;
     SeenBox seen;
     Answer(QMessageBox::Yes, &seen);
-    EXPECT_TRUE(dialogs.AskYesNo(QStringLiteral("Delete?\rAll of it?"), {}, false));
-    EXPECT_EQ(seen.text, QStringLiteral("Delete?\nAll of it?"));
+    EXPECT_TRUE(dialogs.AskYesNo("Delete?\rAll of it?", {}, false));
+    EXPECT_EQ(seen.text, "Delete?\nAll of it?");
     EXPECT_EQ(seen.buttons, QMessageBox::Yes | QMessageBox::No);
     EXPECT_EQ(seen.defaultButton, QMessageBox::No);
     Answer(QMessageBox::No, &seen);
-    EXPECT_FALSE(dialogs.AskYesNo(QStringLiteral("Delete?"), {}, true));
+    EXPECT_FALSE(dialogs.AskYesNo("Delete?", {}, true));
     EXPECT_EQ(seen.defaultButton, QMessageBox::Yes);
 
     Answer(QMessageBox::Retry, &seen);
-    EXPECT_TRUE(dialogs.AskRetryCancel(QStringLiteral("Disk full"), {}));
+    EXPECT_TRUE(dialogs.AskRetryCancel("Disk full", {}));
     EXPECT_EQ(seen.buttons, QMessageBox::Retry | QMessageBox::Cancel);
 }
 
@@ -64,14 +64,13 @@ TEST(QtUserDialogs, InputBoxIsAsWideAsItsWindowAndGivesTheTypedText) {
         ASSERT_NE(box, nullptr);
         prompt = box->labelText();
         EXPECT_GE(box->width(), 560) << "as wide as the window it is opened from";
-        EXPECT_EQ(box->textValue(), QStringLiteral("old"));
-        box->setTextValue(QStringLiteral("Buy milk"));
+        EXPECT_EQ(box->textValue(), "old");
+        box->setTextValue("Buy milk");
         box->accept();
     });
-    EXPECT_EQ(dialogs.InputBox(QStringLiteral("Enter a todo item:"), QStringLiteral("Enter a task"),
-                               QStringLiteral("old")),
-              std::optional<QString>(QStringLiteral("Buy milk")));
-    EXPECT_EQ(prompt, QStringLiteral("Enter a todo item:"));
+    EXPECT_EQ(dialogs.InputBox("Enter a todo item:", "Enter a task", "old"),
+              std::optional<QString>("Buy milk"));
+    EXPECT_EQ(prompt, "Enter a todo item:");
 }
 
 TEST(QtUserDialogs, DatePickerStartsAtTheGivenDayAndReturnsTheChosenOne) {
@@ -84,12 +83,11 @@ TEST(QtUserDialogs, DatePickerStartsAtTheGivenDayAndReturnsTheChosenOne) {
         calendar->setSelectedDate(QDate(2009, 4, 1));
         picker->accept();
     });
-    EXPECT_EQ(
-        dialogs.PickDate(QStringLiteral("Enter start date for this event"), D("2009-03-05 14:00")),
-        std::optional<DateValue>(D("2009-04-01")));
+    EXPECT_EQ(dialogs.PickDate("Enter start date for this event", D("2009-03-05 14:00")),
+              std::optional<DateValue>(D("2009-04-01")));
 
     WhenModalAppears([](QWidget* w) { qobject_cast<QDialog*>(w)->reject(); });
-    EXPECT_FALSE(dialogs.PickDate(QStringLiteral("x"), D("2009-03-05")).has_value());
+    EXPECT_FALSE(dialogs.PickDate("x", D("2009-03-05")).has_value());
 }
 
 } // namespace

@@ -10,13 +10,13 @@
 
 TARVO_FUZZ_TARGET(caldav_answer) {
     CalDavRead::Collection collection;
-    collection.url = QUrl(QStringLiteral("http://127.0.0.1:5232/bob/tarvo/"));
+    collection.url = QUrl("http://127.0.0.1:5232/bob/tarvo/");
     const CalDavMultistatus::Answer answer = CalDavMultistatus::Parse(input, collection.url);
-    collection.user = QStringLiteral("bob");
+    collection.user = "bob";
     collection.today = DateSerial(2026, 11, 21);
     for (const CalDavMultistatus::Resource& r : answer.resources) {
         if (!r.href.startsWith(QLatin1Char('/'))) {
-            Fuzz::Fail(QStringLiteral("an href that is no path: ") + r.href);
+            Fuzz::Fail("an href that is no path: " + r.href);
         }
         if (r.data.isEmpty()) {
             continue;
@@ -24,8 +24,7 @@ TARVO_FUZZ_TARGET(caldav_answer) {
         const CalDavRead::ReadResource read = CalDavRead::EventOf(r.data, r.href, collection);
         if (read.event && !read.tarvo &&
             (read.event->Owner() != collection.user || read.event->IDCode.size() != 6)) {
-            Fuzz::Fail(
-                QStringLiteral("a plain event without the collection's owner or an ID code"));
+            Fuzz::Fail("a plain event without the collection's owner or an ID code");
         }
     }
 }

@@ -13,23 +13,23 @@
 TARVO_FUZZ_TARGET(event_file) {
     const QString folder = Fuzz::FreshFolder();
     cSHAREDSettings settings;
-    settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
+    settings.sSet("Owner", SettingValue("Ann"));
 
     clsDbXml events(settings);
-    events.LoadDB(Fuzz::Put(folder, QStringLiteral("Events.xml"), input));
+    events.LoadDB(Fuzz::Put(folder, "Events.xml", input));
     for (const EventPtr& e : events.Events()) {
         if (e->Recurring()) {
             e->CalcNextDueDate();
         }
         e->CalcDaysLeft();
     }
-    const QString first = folder + QStringLiteral("/First.xml");
+    const QString first = folder + "/First.xml";
     events.SetDBFilename(first);
     events.SaveDB();
 
     clsDbXml again(settings);
     again.LoadDB(first);
-    const QString second = folder + QStringLiteral("/Second.xml");
+    const QString second = folder + "/Second.xml";
     again.SetDBFilename(second);
     again.SaveDB();
 
@@ -38,6 +38,5 @@ TARVO_FUZZ_TARGET(event_file) {
                      [](const EventPtr& e) { return StorableText::EventStorable(*e); })) {
         return; // a value the editor refuses; the file keeps it as it reads
     }
-    Fuzz::Same(Fuzz::Get(first), Fuzz::Get(second),
-               QStringLiteral("a saved events file reads back different"));
+    Fuzz::Same(Fuzz::Get(first), Fuzz::Get(second), "a saved events file reads back different");
 }

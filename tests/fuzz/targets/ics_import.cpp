@@ -12,13 +12,13 @@
 TARVO_FUZZ_TARGET(ics_import) {
     const QString folder = Fuzz::FreshFolder();
     cSHAREDSettings settings;
-    settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
+    settings.sSet("Owner", SettingValue("Ann"));
     clsLayers layers(settings);
     clsDbXml events(settings, &layers);
-    const QString file = folder + QStringLiteral("/Events.xml");
+    const QString file = folder + "/Events.xml";
     events.SetDBFilename(file);
-    EventStore store{settings, folder + QStringLiteral("/Tvo.ini"), layers, events};
-    const QString ics = Fuzz::Put(folder, QStringLiteral("in.ics"), input);
+    EventStore store{settings, folder + "/Tvo.ini", layers, events};
+    const QString ics = Fuzz::Put(folder, "in.ics", input);
     CalendarTransfer::Import(ics, store, 46188); // 2026-06-15
     if (events.RecordCount() == 0) {
         return;
@@ -26,12 +26,11 @@ TARVO_FUZZ_TARGET(ics_import) {
 
     clsDbXml again(settings);
     again.LoadDB(file);
-    const QString copy = folder + QStringLiteral("/Again.xml");
+    const QString copy = folder + "/Again.xml";
     again.SetDBFilename(copy);
     again.SaveDB();
-    Fuzz::Same(Fuzz::Get(file), Fuzz::Get(copy),
-               QStringLiteral("imported events read back different"));
-    const QString out = folder + QStringLiteral("/out.ics");
+    Fuzz::Same(Fuzz::Get(file), Fuzz::Get(copy), "imported events read back different");
+    const QString out = folder + "/out.ics";
     CalendarTransfer::Export(again.Events(), layers, out);
     const IcsEventMapping::Calendar exported = IcsEventMapping::ParseCalendar(Fuzz::Get(out));
     qsizetype writable = 0;
@@ -39,6 +38,6 @@ TARVO_FUZZ_TARGET(ics_import) {
         writable += !e->Deleted && IcsEventMapping::Writable(*e) ? 1 : 0;
     }
     if (!exported.error.isEmpty() || exported.events.size() != writable) {
-        Fuzz::Fail(QStringLiteral("an exported calendar does not read back: ") + exported.error);
+        Fuzz::Fail("an exported calendar does not read back: " + exported.error);
     }
 }

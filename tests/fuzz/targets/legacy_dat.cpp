@@ -15,12 +15,12 @@
 TARVO_FUZZ_TARGET(legacy_dat) {
     const QString folder = Fuzz::FreshFolder();
     const QList<QByteArray> parts = Fuzz::Parts(input, 2);
-    const QString dat = Fuzz::Put(folder, QStringLiteral("events.dat"), parts.at(0));
+    const QString dat = Fuzz::Put(folder, "events.dat", parts.at(0));
     if (parts.size() > 1) {
-        Fuzz::Put(folder, QStringLiteral("EventWavs.ini"), parts.at(1));
+        Fuzz::Put(folder, "EventWavs.ini", parts.at(1));
     }
     cSHAREDSettings settings;
-    settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
+    settings.sSet("Owner", SettingValue("Ann"));
     clsLayers layers(settings);
     clsSounds sounds(folder);
     clsDB2 records(settings, layers, sounds);
@@ -31,19 +31,19 @@ TARVO_FUZZ_TARGET(legacy_dat) {
     const bool storable = std::all_of(list.begin(), list.end(), [](const EventPtr& e) {
         return StorableText::EventStorable(*e);
     });
-    const QString xml = folder + QStringLiteral("/Events.xml");
+    const QString xml = folder + "/Events.xml";
     ConvertLegacyDatabase(xml, settings, layers, sounds);
     if (Fuzz::Get(dat) != parts.at(0)) {
-        Fuzz::Fail(QStringLiteral("the conversion changed the old file"));
+        Fuzz::Fail("the conversion changed the old file");
     }
 
     clsDbXml events(settings);
     events.LoadDB(xml);
-    const QString again = folder + QStringLiteral("/Again.xml");
+    const QString again = folder + "/Again.xml";
     events.SetDBFilename(again);
     events.SaveDB();
     if (storable) {
         Fuzz::Same(Fuzz::Get(xml), Fuzz::Get(again),
-                   QStringLiteral("the converted events file reads back different"));
+                   "the converted events file reads back different");
     }
 }

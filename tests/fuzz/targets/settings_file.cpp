@@ -11,17 +11,16 @@
 TARVO_FUZZ_TARGET(settings_file) {
     const QString folder = Fuzz::FreshFolder();
     cSHAREDSettings settings;
-    settings.LoadSettings(Fuzz::Put(folder, QStringLiteral("Tvo.ini"), input));
+    settings.LoadSettings(Fuzz::Put(folder, "Tvo.ini", input));
     clsLayers layers(settings);
     layers.LoadLayers();
-    layers.SeekLayerIndex(QStringLiteral("Work"));
+    layers.SeekLayerIndex("Work");
     DataFiles::DataFolder(settings);
     DataFiles::Networked(settings);
-    OwnerId::Problem(settings.sGet(QStringLiteral("Owner")).toText());
+    OwnerId::Problem(settings.sGet("Owner").toText());
 
     const QByteArray first = settings.FileBytes();
     cSHAREDSettings again;
-    again.LoadSettings(Fuzz::Put(folder, QStringLiteral("Again.ini"), first));
-    Fuzz::Same(first, again.FileBytes(),
-               QStringLiteral("a saved settings file reads back different"));
+    again.LoadSettings(Fuzz::Put(folder, "Again.ini", first));
+    Fuzz::Same(first, again.FileBytes(), "a saved settings file reads back different");
 }

@@ -15,10 +15,10 @@
 
 TARVO_FUZZ_TARGET(shared_set) {
     const QString home = Fuzz::FreshFolder();
-    const QString folder = home + QStringLiteral("/shared/inner");
+    const QString folder = home + "/shared/inner";
     QDir().mkpath(folder);
     const QList<QByteArray> parts = Fuzz::Parts(input, 4);
-    const QString list = Fuzz::Put(folder, QStringLiteral("TVOShared.ini"), parts.at(0));
+    const QString list = Fuzz::Put(folder, "TVOShared.ini", parts.at(0));
     const QStringList names = SharedDatabases::ReadUserList(list);
     for (qsizetype i = 1; i < parts.size() && i - 1 < names.size(); ++i) {
         if (OwnerId::IsPlainName(names.at(i - 1))) {
@@ -27,8 +27,8 @@ TARVO_FUZZ_TARGET(shared_set) {
     }
 
     cSHAREDSettings settings;
-    settings.sSet(QStringLiteral("Owner"), SettingValue(QStringLiteral("Ann")));
-    settings.sSet(QStringLiteral("SharedDatapath"), SettingValue(folder));
+    settings.sSet("Owner", SettingValue("Ann"));
+    settings.sSet("SharedDatapath", SettingValue(folder));
     clsLayers layers(settings);
     SharedDatabases shared(settings, layers);
     shared.ReloadSharedSet();
@@ -36,15 +36,15 @@ TARVO_FUZZ_TARGET(shared_set) {
     for (const QString& file : shared.SharedSet().SharedFiles()) {
         const QFileInfo info(QDir::cleanPath(file));
         if (info.path() != folder || file == shared.OwnSharedFile()) {
-            Fuzz::Fail(QStringLiteral("the merged set reads ") + file);
+            Fuzz::Fail("the merged set reads " + file);
         }
     }
     if (shared.SharedSet().DatabaseChanged()) {
-        Fuzz::Fail(QStringLiteral("the merged set counts as changed right after its load"));
+        Fuzz::Fail("the merged set counts as changed right after its load");
     }
-    const QString copy = home + QStringLiteral("/TVOShared.ini");
+    const QString copy = home + "/TVOShared.ini";
     if (SharedDatabases::WriteUserList(copy, names) &&
         SharedDatabases::ReadUserList(copy) != names) {
-        Fuzz::Fail(QStringLiteral("the user list reads back different"));
+        Fuzz::Fail("the user list reads back different");
     }
 }

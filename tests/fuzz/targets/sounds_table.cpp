@@ -6,7 +6,7 @@
 
 TARVO_FUZZ_TARGET(sounds_table) {
     const QString folder = Fuzz::FreshFolder();
-    Fuzz::Put(folder, QStringLiteral("EventWavs.ini"), input);
+    Fuzz::Put(folder, "EventWavs.ini", input);
     clsSounds sounds(folder);
     sounds.Initialise();
     const QStringList lines = sounds.Lines();
@@ -14,8 +14,8 @@ TARVO_FUZZ_TARGET(sounds_table) {
         sounds.GetWavName(line.section(QLatin1Char(','), 0, 0));
     }
     const QString changed =
-        lines.isEmpty() ? QStringLiteral("000001") : lines.first().section(QLatin1Char(','), 0, 0);
-    const QString wav = QStringLiteral("/home/ann/ring.wav");
+        lines.isEmpty() ? "000001" : lines.first().section(QLatin1Char(','), 0, 0);
+    const QString wav = "/home/ann/ring.wav";
     for (const QString& id : {changed, QStringLiteral("123456")}) {
         if (id.trimmed().isEmpty()) {
             continue;
@@ -23,9 +23,8 @@ TARVO_FUZZ_TARGET(sounds_table) {
         sounds.AddorChange(id, wav);
         clsSounds reread(folder);
         if (reread.GetWavName(id) != wav) {
-            Fuzz::Fail(QStringLiteral("the sound of ") + id +
-                       QStringLiteral(" reads back different"));
+            Fuzz::Fail("the sound of " + id + " reads back different");
         }
     }
-    sounds.Delete(QStringLiteral("123456"));
+    sounds.Delete("123456");
 }

@@ -21,18 +21,18 @@ TARVO_FUZZ_TARGET(task_list) {
     const QList<QByteArray> parts = Fuzz::Parts(input, 2);
     const QStringList tasks = TaskListFile::Parse(parts.at(0));
     if (Storable(tasks) && TaskListFile::Parse(TaskListFile::Format(tasks)) != tasks) {
-        Fuzz::Fail(QStringLiteral("a saved task list reads back different"));
+        Fuzz::Fail("a saved task list reads back different");
     }
 
     const QString folder = Fuzz::FreshFolder();
-    const QString legacy = Fuzz::Put(folder, QStringLiteral("tasklist.dat"), parts.value(1));
+    const QString legacy = Fuzz::Put(folder, "tasklist.dat", parts.value(1));
     TaskListFile file(folder);
     const QStringList converted = file.Load();
     if (converted != TaskListFile::ParseLegacy(parts.value(1))) {
-        Fuzz::Fail(QStringLiteral("the converted tasks differ from the old file's"));
+        Fuzz::Fail("the converted tasks differ from the old file's");
     }
     const bool kept = QFileInfo::exists(legacy);
     if (!kept && file.Load() != converted) {
-        Fuzz::Fail(QStringLiteral("the old task file was deleted, its tasks not kept"));
+        Fuzz::Fail("the old task file was deleted, its tasks not kept");
     }
 }

@@ -6,10 +6,6 @@ void CalDavSchedule::Block(const QString& why) {
     m_blocked = why;
 }
 
-void CalDavSchedule::Reset() {
-    *this = CalDavSchedule();
-}
-
 bool CalDavSchedule::TickWantsSync(DateValue now) const {
     return !Blocked() && !m_running && (m_lastStart == 0 || now - m_lastStart >= kTickGapDays);
 }

@@ -22,9 +22,8 @@ struct CalDavSyncResult;
 class CalDavSchedule {
 public:
     // Why no sync can run (no usable account, no password): shown as the
-    // status until Reset.
+    // status from then on (a new schedule starts with a new account).
     void Block(const QString& why);
-    void Reset();
     bool Blocked() const { return !m_blocked.isEmpty(); }
 
     // Whether the refresh tick at now is to start a sync.

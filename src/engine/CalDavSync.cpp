@@ -324,11 +324,3 @@ void CalDavSync::StopSharing(const CalDavAccount& account, const QString& passwo
                            });
     });
 }
-
-QString CalDavSync::CacheFile(const cSHAREDSettings& settings) {
-    return DataFiles::CalDavCacheFile(settings);
-}
-
-QString CalDavSync::StateFile(const cSHAREDSettings& settings) {
-    return DataFiles::CalDavStateFile(settings);
-}

@@ -66,11 +66,6 @@ public:
                      const QString& stateFile,
                      std::function<void(bool ok, const QString& line)> done);
 
-    // Data folder + "CalDAVShared.xml": the merged set, in the event-file format.
-    static QString CacheFile(const cSHAREDSettings& settings);
-    // Data folder + "CalDAVState.json": names and ETags of what this user
-    // published, and each collection's sync token and resources.
-    static QString StateFile(const cSHAREDSettings& settings);
 
 signals:
     void started();

@@ -76,8 +76,6 @@ TEST(CalDavSchedule, TicksAnswersStatusAndLog) {
     schedule.Block("No password is stored for ann at http://127.0.0.1/");
     EXPECT_FALSE(schedule.TickWantsSync(D("2009-03-05 11:00")));
     EXPECT_EQ(schedule.Status(), "No password is stored for ann at http://127.0.0.1/");
-    schedule.Reset();
-    EXPECT_TRUE(schedule.TickWantsSync(D("2009-03-05 11:00")));
 }
 
 // Saves of the events database start syncs, a burst of them only one.

@@ -19,11 +19,13 @@
 #include <memory>
 
 QString CalDavSyncResult::Summary() const {
-    return QStringLiteral("Published %1, removed %2; read %3 users, %4 events")
+    const auto count = [](int n, const char* one, const char* many) -> QString {
+        return QString::number(n) + QLatin1Char(' ') + QLatin1String(n == 1 ? one : many);
+    };
+    return QStringLiteral("Published %1, removed %2; read %3, %4")
         .arg(published)
         .arg(removed)
-        .arg(usersRead)
-        .arg(eventsRead);
+        .arg(count(usersRead, "user", "users"), count(eventsRead, "event", "events"));
 }
 
 namespace {

@@ -29,7 +29,7 @@ as() {
   [ "$code" -eq "$want" ] ||
     e2e_fail "tarvo $* in $home gave exit code $code, not $want (stdout: $out; stderr: $err)"
 }
-summary='^Published [0-9]+, removed [0-9]+; read [0-9]+ users, [0-9]+ events$'
+summary='^Published [0-9]+, removed [0-9]+; read [0-9]+ users?, [0-9]+ events?$'
 one_line_error() {
   [ -n "$err" ] && [ "$(printf '%s\n' "$err" | wc -l)" -eq 1 ] || e2e_fail "not one line on stderr: $err"
 }

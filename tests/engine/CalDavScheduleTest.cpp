@@ -27,7 +27,7 @@ TEST(CalDavSchedule, TicksAnswersStatusAndLog) {
     } steps[] = {
         {"10:00:00", 'T', "", "Syncing with the CalDAV server\u2026", ""},
         {"10:00:02", 'O', "2", "Synced 10:00",
-         "CalDAV sync: Published 2, removed 0; read 1 users, 3 events"},
+         "CalDAV sync: Published 2, removed 0; read 1 user, 3 events"},
         {"10:00:30", 'T', "", "Synced 10:00", "-"},
         {"10:00:59", 'T', "", "Syncing with the CalDAV server\u2026", ""},
         {"10:01:00", 'O', "0", "Synced 10:01", ""},
@@ -49,7 +49,7 @@ TEST(CalDavSchedule, TicksAnswersStatusAndLog) {
          "CalDAV server unreachable: Timed out"},
         {"10:09:16", 'T', "", "Server unreachable since 10:08, working offline", ""},
         {"10:09:20", 'O', "0", "Synced 10:09",
-         "CalDAV sync works again: Published 0, removed 0; read 1 users, 3 events"},
+         "CalDAV sync works again: Published 0, removed 0; read 1 user, 3 events"},
     };
     CalDavSchedule schedule;
     EXPECT_EQ(schedule.Status(), QString());

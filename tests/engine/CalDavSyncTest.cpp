@@ -137,8 +137,8 @@ TEST_F(CalDavSyncTest, PublishChangeUnshareAndDeleteReachTheServerAndTheOwnersCo
         QString resources; // ann's collection after the sync
         QString summary;
     } steps[] = {
-        {[] {}, "100001 100002 100004", "Published 3, removed 0; read 1 users, 0 events"},
-        {[&] { a->setDesc("Moved"); }, "100001 100002 100004", "Published 1, removed 0; read 1 users, 0 events"},
+        {[] {}, "100001 100002 100004", "Published 3, removed 0; read 1 user, 0 events"},
+        {[&] { a->setDesc("Moved"); }, "100001 100002 100004", "Published 1, removed 0; read 1 user, 0 events"},
         {[&] { elsewhere(), a->setDesc("Owner's change"); }, "100001 100002 100004", "Published 1, removed 0; read 2 users, 0 events"},
         {elsewhere, "100001 100002 100004", "Published 1, removed 0; read 2 users, 0 events"},
         {[&] { b->SharedEvent = false; }, "100001 100004", "Published 0, removed 1; read 2 users, 0 events"},
